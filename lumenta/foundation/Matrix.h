@@ -1,0 +1,77 @@
+#pragma once
+
+#include "lumenta/Export.h"
+#include "lumenta/foundation/Vector.h"
+
+#include <QMatrix4x4>
+
+/// A 4×4 transform of row vectors.
+///
+/// `m[4·i + j]` is row i, column j. A point stands left of the matrix, so the
+/// image of the x axis is row 0, of y row 1, of z row 2, the translation is
+/// m[12..14], and A·B applies A first: global = local · parent's global.
+///
+/// Points are transformed affinely; the fourth component is never computed.
+/// Projective matrices are only carried to whoever draws with them.
+///
+/// A plain value, 64 bytes, 16-byte aligned, so that a row loads as one
+/// vector. Starts as the identity. No formula stands in this header: the
+/// client's own compiler flags must not change a bit of any result.
+struct LUMENTA_EXPORT Matrix {
+    alignas(16) float m[16] = {1.0f, 0.0f, 0.0f, 0.0f,
+                               0.0f, 1.0f, 0.0f, 0.0f,
+                               0.0f, 0.0f, 1.0f, 0.0f,
+                               0.0f, 0.0f, 0.0f, 1.0f};
+
+    float& operator()(int row, int column) { return m[4 * row + column]; }
+    float operator()(int row, int column) const { return m[4 * row + column]; }
+
+    void SetIdentity() { *this = Matrix(); }
+
+    TVec3<float> GetTranslation() const { return {m[12], m[13], m[14]}; }
+
+    /// Writes m[12..14] and nothing else.
+    void SetTranslation(const TVec3<float>& translation);
+
+    /// Writes the nine rotation elements from three angles in degrees and
+    /// nothing else; start from an identity. The rotations about x, y and z
+    /// with signs as the camera uses them.
+    void SetRotation(const TVec3<float>& degrees);
+};
+
+/// result = a·b, each element summed over k = 0, 1, 2, 3 in this order.
+/// `result` may be `a` or `b`.
+LUMENTA_EXPORT void Multiply(Matrix& result, const Matrix& a, const Matrix& b);
+
+LUMENTA_EXPORT Matrix operator*(const Matrix& a, const Matrix& b);
+
+/// Writes the full 4×4 inverse of `source`, the adjugate times the reciprocal
+/// of the determinant (expanded along the first row), to `destination`, which
+/// may be `source`.
+///
+/// Where the determinant is exactly 0 the destination keeps what it held: no
+/// error, and the answer is false. Overwriting callers start from an identity.
+LUMENTA_EXPORT bool Inverse(Matrix& destination, const Matrix& source);
+
+/// Moves `point` by `matrix`, translation included.
+LUMENTA_EXPORT void TransformPoint(TVec3<float>& point, const Matrix& matrix);
+
+/// Turns `direction` by `matrix`, without its translation. Not for normals
+/// under non-uniform scale: those follow the inverse transpose.
+LUMENTA_EXPORT void TransformDirection(TVec3<float>& direction, const Matrix& matrix);
+
+/// The unit direction of a heading (z) and a pitch (y), in degrees:
+/// heading 0 looks along x, 90 along y, pitch 90 along z. The x angle, a roll,
+/// is ignored.
+LUMENTA_EXPORT TVec3<float> DirectionFromAngles(const TVec3<float>& degrees);
+
+LUMENTA_EXPORT bool operator==(const Matrix& a, const Matrix& b);
+inline bool operator!=(const Matrix& a, const Matrix& b) { return !(a == b); }
+
+/// The same transform for column vectors, as Qt writes them: the transpose.
+/// `MatrixToQMatrix4x4(A).map(p)` is `p` moved by A, and A·B becomes
+/// `MatrixToQMatrix4x4(B) * MatrixToQMatrix4x4(A)`.
+LUMENTA_EXPORT QMatrix4x4 MatrixToQMatrix4x4(const Matrix& matrix);
+LUMENTA_EXPORT Matrix QMatrix4x4ToMatrix(const QMatrix4x4& matrix);
+
+LUMENTA_EXPORT QDebug operator<<(QDebug debug, const Matrix& matrix);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "lumenta/foundation/Vector.h"
+
+#include <cstddef>
+
+/// One vertex of a renderable mesh: fifteen floats.
+///
+/// The record that meshes hand out, and that posing writes. Posing touches
+/// position, normal and texture coordinate only; the tangent frame stays as
+/// whoever filled the vertex left it.
+struct MeshVertex {
+    TVec3<float> position;
+    TVec3<float> normal;
+    TVec3<float> tangent;
+    TVec3<float> bitangent;
+    TVec2<float> texCoord;
+    float handedness; ///< +1 or -1: whether the tangent frame is right-handed.
+};
+
+static_assert(sizeof(MeshVertex) == 60 && offsetof(MeshVertex, texCoord) == 48,
+              "hosts and plug-ins read vertices as fifteen floats");

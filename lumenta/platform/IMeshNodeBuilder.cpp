@@ -1,0 +1,3 @@
+#include "lumenta/platform/IMeshNodeBuilder.h"
+
+IMeshNodeBuilder::~IMeshNodeBuilder() = default;

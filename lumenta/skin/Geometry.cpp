@@ -1,0 +1,64 @@
+#include "lumenta/skin/Geometry.h"
+
+#include "lumenta/platform/IMeshNodeBuilder.h"
+#include "lumenta/skin/Node.h"
+#include "lumenta/skin/SkinKernels.h"
+
+namespace SkinAnimation {
+
+namespace {
+
+bool SharesNormals(const Geometry& geometry, const std::vector<TVec3<float>>& normals)
+{
+    return !normals.empty() && !geometry.indices.empty()
+        && geometry.normalIndices.size() == geometry.indices.size();
+}
+
+} // namespace
+
+Geometry::Geometry(const QString& name_, bool skinned_)
+    : name(name_)
+    , skinned(skinned_)
+{
+}
+
+void Geometry::UpdateMesh(const Node* node, const TVec3<float>& scale, const TVec3<float>& offset,
+                          const std::vector<Node*>& bones)
+{
+    if (vertices.empty() || indices.empty())
+        return;
+
+    PoseInput input{skinned, node->bindTransform, {}, node->meshTransform, {}, scale, offset,
+                    bones.data(), bones.size()};
+    Inverse(input.bindInverse, input.bind);
+    Inverse(input.meshInverse, input.mesh);
+
+    meshVertices.resize(vertices.size());
+    PoseVertices(input, vertices.data(), vertices.size(), meshVertices.data());
+}
+
+void Geometry::CollectNormals(std::vector<TVec3<float>>& normals) const
+{
+    if (SharesNormals(*this, normals))
+        AddFaceNormals(meshVertices.data(), indices.data(), normalIndices.data(), indices.size(), normals.data());
+}
+
+void Geometry::SetNormals(std::vector<TVec3<float>>& normals)
+{
+    if (!SharesNormals(*this, normals))
+        return;
+    for (std::size_t k = 0; k < indices.size(); ++k)
+        meshVertices[indices[k]].normal = normals[normalIndices[k]];
+}
+
+void Geometry::AddMesh(IMeshNodeBuilder& builder) const
+{
+    if (meshVertices.empty() || indices.empty() || !visible)
+        return;
+    // Emission leaves the geometry as it is; only the builder may touch its
+    // vectors, and geometries are never const objects.
+    Geometry& self = const_cast<Geometry&>(*this);
+    builder.AddMeshNode(name, self.meshVertices, self.indices, materialName, materialParameters);
+}
+
+} // namespace SkinAnimation

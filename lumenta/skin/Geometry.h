@@ -1,0 +1,72 @@
+#pragma once
+
+#include "lumenta/Export.h"
+#include "lumenta/skin/SkinVertex.h"
+
+#include <QMap>
+#include <QString>
+#include <QVariant>
+
+#include <cstdint>
+#include <vector>
+
+class IMeshNodeBuilder;
+
+namespace SkinAnimation {
+
+struct Node;
+
+/// One triangle list with one material: source vertices that loaders fill, and
+/// the vertices posed from them.
+///
+/// A plain record; one thread at a time. Indices are never range-checked: an
+/// index outside its list, or a number of indices that is no multiple of
+/// three, is the loader's mistake and has no defined result.
+struct LUMENTA_EXPORT Geometry {
+    QString name;                               ///< Matched by Scene::SetMeshVisibility().
+    QString materialName;                       ///< Matched by Scene::SetMaterialVisibility().
+    QMap<QString, QVariant> materialParameters; ///< Handed to the builder unchanged.
+    bool skinned;                               ///< Whether bones deform the vertices.
+    bool visible = true;                        ///< Invisible ones are posed, not emitted.
+    std::vector<SkinVertex> vertices;
+    std::vector<std::uint32_t> indices;         ///< Three per triangle, into `vertices` and `meshVertices`.
+    std::vector<std::uint32_t> normalIndices;   ///< Per corner: its slot in the node's normal buffer. Empty
+                                                ///< where the vertices bring normals of their own.
+    std::vector<MeshVertex> meshVertices;       ///< Posed output, one per source vertex.
+
+    Geometry(const QString& name, bool skinned);
+
+    /// Poses every vertex into `meshVertices`: position, normal and texture
+    /// coordinate; other fields keep their values. Does nothing without
+    /// vertices or without indices.
+    ///
+    /// A vertex follows its bones (linear blend skinning: Magnenat-Thalmann,
+    /// Laperrière, Thalmann, "Joint-dependent local deformations", 1988) where
+    /// the geometry is skinned and its first weight is above 0; otherwise it
+    /// stands rigidly at `node`'s mesh transform. Normals follow the inverse
+    /// transpose and come out with unit length, or zero.
+    ///
+    /// Allocates only to resize `meshVertices`, and once more where `bones`
+    /// holds more than 256 entries.
+    /// \param node   the node that owns the geometry
+    /// \param scale  applied to posed positions; a zero component is not guarded
+    /// \param offset added after the scale
+    /// \param bones  the scene's `nodes`, which the bone indices mean
+    void UpdateMesh(const Node* node, const TVec3<float>& scale, const TVec3<float>& offset,
+                    const std::vector<Node*>& bones);
+
+    /// Adds the unit normal of every posed triangle to its three slots of
+    /// `normals`, unweighted. Does nothing where `normals` is empty, or
+    /// `normalIndices` is not parallel to `indices`, or there are no triangles.
+    void CollectNormals(std::vector<TVec3<float>>& normals) const;
+
+    /// Gives each posed vertex the normal in its slot; of several corners that
+    /// use one vertex the last wins. Does nothing under the same conditions.
+    void SetNormals(std::vector<TVec3<float>>& normals);
+
+    /// Hands the posed mesh to `builder`, by reference to this geometry's own
+    /// vectors, if it is visible and has posed vertices and indices.
+    void AddMesh(IMeshNodeBuilder& builder) const;
+};
+
+} // namespace SkinAnimation

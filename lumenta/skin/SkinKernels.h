@@ -1,0 +1,40 @@
+#pragma once
+
+// Private to the library: the loops over vertices and triangles, apart from
+// the classes that call them. Every kernel returns the bits of the plain
+// scalar loop; the references in benchmarks/ are those loops.
+
+#include "lumenta/foundation/Matrix.h"
+#include "lumenta/skin/SkinVertex.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace SkinAnimation {
+
+struct Node;
+
+/// Everything that posing one geometry needs besides its vertices.
+struct PoseInput {
+    bool skinned;
+    Matrix bind;        ///< Vertices to the rest pose's world, for skinned ones.
+    Matrix bindInverse;
+    Matrix mesh;        ///< Vertices to the current pose, for rigid ones.
+    Matrix meshInverse;
+    TVec3<float> scale;
+    TVec3<float> offset;
+    Node* const* bones;
+    std::size_t boneCount;
+};
+
+/// Writes position, normal and texture coordinate of `count` vertices.
+void PoseVertices(const PoseInput& input, const SkinVertex* vertices, std::size_t count, MeshVertex* posed);
+
+/// Adds the unit normal of each of the `count` / 3 triangles to its three slots.
+void AddFaceNormals(const MeshVertex* vertices, const std::uint32_t* indices, const std::uint32_t* slotOfCorner,
+                    std::size_t count, TVec3<float>* normals);
+
+/// Divides each normal by its length, unless that is exactly 0.
+void NormalizeAll(TVec3<float>* normals, std::size_t count);
+
+} // namespace SkinAnimation

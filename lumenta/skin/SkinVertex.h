@@ -1,0 +1,47 @@
+#pragma once
+
+#include "lumenta/foundation/MeshVertex.h"
+
+#include <cstdint>
+
+namespace SkinAnimation {
+
+using ::MeshVertex;
+
+/// The source vertex of a skinned geometry: the head is laid out as a
+/// MeshVertex, the bone influences follow.
+struct SkinVertex {
+    TVec3<float> position;
+    TVec3<float> normal;
+    TVec3<float> tangent;    ///< Carried for loaders; posing does not read it.
+    TVec3<float> bitangent;  ///< Likewise.
+    TVec2<float> texCoord;
+    float handedness;        ///< Likewise.
+
+    /// Indices into `Scene::nodes`, one per influence. Not range-checked.
+    std::uint16_t boneIndices[4];
+
+    /// The first weight that is exactly 0 ends the list of influences.
+    /// Weights are used as given: loaders normalise them.
+    float weights[4];
+
+    /// Clears the influences. Everything else is left uninitialised on
+    /// purpose: loaders write it anyway.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
+    SkinVertex()
+        : boneIndices{0, 0, 0, 0}
+        , weights{0.0f, 0.0f, 0.0f, 0.0f}
+    {
+    }
+};
+
+static_assert(sizeof(SkinVertex) == 84, "loaders fill arrays of these");
+static_assert(offsetof(SkinVertex, normal) == offsetof(MeshVertex, normal)
+                  && offsetof(SkinVertex, tangent) == offsetof(MeshVertex, tangent)
+                  && offsetof(SkinVertex, bitangent) == offsetof(MeshVertex, bitangent)
+                  && offsetof(SkinVertex, texCoord) == offsetof(MeshVertex, texCoord)
+                  && offsetof(SkinVertex, handedness) == offsetof(MeshVertex, handedness)
+                  && offsetof(SkinVertex, boneIndices) == sizeof(MeshVertex),
+              "the head of a SkinVertex is a MeshVertex");
+
+} // namespace SkinAnimation

@@ -1,0 +1,74 @@
+#include "reference/host/Picture.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Host {
+
+namespace {
+
+constexpr float kFieldOfView = 30.0f;
+constexpr float kRadians = 0.017453292f;
+
+/// Where azimuth 0 looks from, seen from the target, for a given up axis.
+TVec3<float> FrontOf(const TVec3<float>& up)
+{
+    const bool mostlyZ = std::fabs(up.z) > std::fabs(up.x) && std::fabs(up.z) > std::fabs(up.y);
+    return mostlyZ ? TVec3<float>{0.0f, -1.0f, 0.0f} : TVec3<float>{0.0f, 0.0f, 1.0f};
+}
+
+} // namespace
+
+void MeshCollector::BeginModel(const QString&, std::size_t nExpected)
+{
+    meshes.clear();
+    meshes.reserve(nExpected);
+}
+
+void MeshCollector::EndModel() {}
+
+void MeshCollector::AddMeshNode(const QString& name, std::vector<MeshVertex>& vertices,
+                                std::vector<unsigned int>& indices, const QString& materialName,
+                                const QMap<QString, QVariant>& materialParameters)
+{
+    meshes.push_back({name, vertices, indices, materialName, materialParameters});
+}
+
+TBBox<float> BoxOf(const std::vector<PosedMesh>& meshes)
+{
+    TBBox<float> box;
+    for (const PosedMesh& mesh : meshes)
+        for (const unsigned int index : mesh.indices)
+            box.Extend(mesh.vertices[index].position);
+    return box;
+}
+
+Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, float elevation, QSize size)
+{
+    const bool usable = !box.IsEmpty() && Length(box.HalfExtent()) > 0.0f;
+    const TVec3<float> center = box.IsEmpty() ? TVec3<float>{0.0f, 0.0f, 0.0f} : box.Center();
+    const TVec3<float> half = usable ? box.HalfExtent() : TVec3<float>{0.5f, 0.5f, 0.5f};
+
+    const TVec3<float> front = FrontOf(up);
+    const TVec3<float> side = Normalized(Cross(up, front));
+    const TVec3<float> horizontal = front * std::cos(azimuth * kRadians) + side * std::sin(azimuth * kRadians);
+    const TVec3<float> back = horizontal * std::cos(elevation * kRadians) + up * std::sin(elevation * kRadians);
+
+    // Move back until each corner of the box is inside both half angles.
+    const TVec3<float> right = Normalized(Cross(up, back));
+    const TVec3<float> above = Cross(back, right);
+    const float aspect = static_cast<float>(size.width()) / static_cast<float>(std::max(size.height(), 1));
+    const float tanY = std::tan(kFieldOfView * 0.5f * kRadians);
+    const float tanX = tanY * aspect;
+    float distance = 0.0f;
+    for (int corner = 0; corner < 8; ++corner) {
+        const TVec3<float> offset{corner & 1 ? half.x : -half.x, corner & 2 ? half.y : -half.y,
+                                  corner & 4 ? half.z : -half.z};
+        const float depth = Dot(offset, back);
+        distance = std::max({distance, depth + std::fabs(Dot(offset, right)) / tanX,
+                             depth + std::fabs(Dot(offset, above)) / tanY});
+    }
+    return {center + back * (distance * 1.08f), center, up, kFieldOfView};
+}
+
+} // namespace Host
