@@ -29,11 +29,12 @@ struct Skin {
     }
 };
 
-void SetPerVertex(benchmark::State& state, std::size_t vertices)
+/// Adds a column: the time that one of `count` things takes.
+void SetTimePer(const char* column, benchmark::State& state, std::size_t count)
 {
-    state.counters["ns/vertex"] = benchmark::Counter(static_cast<double>(vertices) * 1e-9,
-                                                     benchmark::Counter::kIsIterationInvariantRate
-                                                         | benchmark::Counter::kInvert);
+    state.counters[column] = benchmark::Counter(static_cast<double>(count),
+                                                benchmark::Counter::kIsIterationInvariantRate
+                                                    | benchmark::Counter::kInvert);
 }
 
 template <bool Ours>
@@ -48,7 +49,7 @@ void UpdateMesh(benchmark::State& state)
             Naive::UpdateMesh(*skin.geometry, *scene.root, scene.scale, scene.offset, scene.nodes);
         benchmark::ClobberMemory();
     }
-    SetPerVertex(state, skin.geometry->vertices.size());
+    SetTimePer("per vertex", state, skin.geometry->vertices.size());
 }
 
 template <bool Ours>
@@ -63,7 +64,7 @@ void CollectNormals(benchmark::State& state)
             Naive::CollectNormals(*skin.geometry, normals);
         benchmark::ClobberMemory();
     }
-    SetPerVertex(state, skin.geometry->vertices.size());
+    SetTimePer("per vertex", state, skin.geometry->vertices.size());
 }
 
 template <bool Ours>
@@ -90,9 +91,7 @@ void CalculateAnimation(benchmark::State& state)
             Naive::CalculateAnimation(*scene, *scene->animations[0], time);
         benchmark::ClobberMemory();
     }
-    state.counters["ns/node"] = benchmark::Counter(static_cast<double>(scene->nodes.size()) * 1e-9,
-                                                   benchmark::Counter::kIsIterationInvariantRate
-                                                       | benchmark::Counter::kInvert);
+    SetTimePer("per node", state, scene->nodes.size());
 }
 
 void SkinSizes(benchmark::internal::Benchmark* bench)
