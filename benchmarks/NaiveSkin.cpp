@@ -13,10 +13,10 @@ float Minor(const float* m, int row, int column)
 {
     int r[3];
     int c[3];
-    for (int i = 0, n = 0; i < 4; ++i)
-        if (i != row) r[n++] = 4 * i;
-    for (int i = 0, n = 0; i < 4; ++i)
-        if (i != column) c[n++] = i;
+    for (int i = 0; i < 3; ++i) {
+        r[i] = 4 * (i < row ? i : i + 1);
+        c[i] = i < column ? i : i + 1;
+    }
     const auto at = [&](int i, int j) { return m[r[i] + c[j]]; };
     return at(0, 0) * (at(1, 1) * at(2, 2) - at(1, 2) * at(2, 1))
         - at(0, 1) * (at(1, 0) * at(2, 2) - at(1, 2) * at(2, 0))

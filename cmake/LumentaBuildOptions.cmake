@@ -6,6 +6,8 @@ target_compile_options(lumenta-build-options INTERFACE
     # Results are part of the behaviour: a fused multiply-add rounds once where
     # the formula rounds twice.
     -ffp-contract=off
+    # Refused rather than undone: whoever asks for it should hear of it.
+    -include "${CMAKE_CURRENT_LIST_DIR}/ExactArithmetic.h"
     # Nobody reads errno after sqrtf, and without it the call is one instruction.
     -fno-math-errno
     -Wall -Wextra -Wpedantic -Wshadow -Wold-style-cast -Wcast-align

@@ -5,7 +5,7 @@
 template <typename T>
 TVec3<T> TBBox<T>::Center() const
 {
-    return (min + max) * T(0.5);
+    return {(min.x + max.x) * T(0.5), (min.y + max.y) * T(0.5), (min.z + max.z) * T(0.5)};
 }
 
 template <typename T>

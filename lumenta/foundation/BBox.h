@@ -20,6 +20,13 @@ struct TBBox {
     TVec3<T> min{std::numeric_limits<T>::max(), std::numeric_limits<T>::max(), std::numeric_limits<T>::max()};
     TVec3<T> max{std::numeric_limits<T>::lowest(), std::numeric_limits<T>::lowest(), std::numeric_limits<T>::lowest()};
 
+    TBBox() = default;
+    constexpr TBBox(const TVec3<T>& minimum, const TVec3<T>& maximum)
+        : min(minimum)
+        , max(maximum)
+    {
+    }
+
     /// True while the minimum lies above the maximum on any axis.
     bool IsEmpty() const { return min.x > max.x || min.y > max.y || min.z > max.z; }
 

@@ -5,9 +5,9 @@
 #include <QString>
 
 /// \file
-/// Every failure that crosses a module boundary is one of these classes, thrown
-/// by value and caught by const reference. What a handler gets is a text that
-/// can be shown to a person.
+/// What a module cannot do, it says with one of these. Throw a temporary, catch
+/// a const reference. What a handler gets is a text that can be shown to a
+/// person.
 ///
 /// The classes are exported, so a handler catches by class whichever library
 /// threw. They have nothing in common with std::exception: a

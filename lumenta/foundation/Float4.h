@@ -7,10 +7,6 @@
 // Everything here has internal linkage, so that two files compiled for
 // different processors can never share one compiled copy.
 
-#ifdef __FAST_MATH__
-#error "Results are part of the behaviour: compile without -ffast-math."
-#endif
-
 #include "lumenta/foundation/Vector.h"
 
 #include <cstring>

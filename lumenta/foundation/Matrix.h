@@ -7,9 +7,10 @@
 
 /// A 4×4 transform of row vectors.
 ///
-/// `m[4·i + j]` is row i, column j. A point stands left of the matrix, so the
-/// image of the x axis is row 0, of y row 1, of z row 2, the translation is
-/// m[12..14], and A·B applies A first: global = local · parent's global.
+/// Row-major: row i, column j is m[4·i + j]. Since points stand on the left,
+/// each row of the upper 3×3 is where an axis goes, the bottom row is where
+/// the origin goes, and products read from left to right in the order they
+/// happen: global = local · parent's global.
 ///
 /// Points are transformed affinely; the fourth component is never computed.
 /// Projective matrices are only carried to whoever draws with them.
@@ -69,7 +70,8 @@ LUMENTA_EXPORT bool operator==(const Matrix& a, const Matrix& b);
 inline bool operator!=(const Matrix& a, const Matrix& b) { return !(a == b); }
 
 /// The same transform for column vectors, as Qt writes them: the transpose.
-/// `MatrixToQMatrix4x4(A).map(p)` is `p` moved by A, and A·B becomes
+/// For an affine A, `MatrixToQMatrix4x4(A).map(p)` is `p` moved by A; for a
+/// projective one Qt also divides. A·B becomes
 /// `MatrixToQMatrix4x4(B) * MatrixToQMatrix4x4(A)`.
 LUMENTA_EXPORT QMatrix4x4 MatrixToQMatrix4x4(const Matrix& matrix);
 LUMENTA_EXPORT Matrix QMatrix4x4ToMatrix(const QMatrix4x4& matrix);

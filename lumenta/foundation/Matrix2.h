@@ -8,8 +8,8 @@ class QDebug;
 
 /// A 3×3 transform of texture coordinates, row vectors as in Matrix.
 ///
-/// Row-major: (a, b, 0), (c, d, 0), (tx, ty, 1); the third column is always
-/// (0, 0, 1), so a coordinate (u, v) maps to (u·a + v·c + tx, u·b + v·d + ty).
+/// Row-major: (a, b, 0), (c, d, 0), (tx, ty, 1). There is no way to make
+/// another third column, so a coordinate (u, v) maps to (u·a + v·c + tx, u·b + v·d + ty).
 struct Matrix2 {
     float m[9];
 

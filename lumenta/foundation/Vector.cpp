@@ -4,6 +4,16 @@
 
 #include <cmath>
 
+TVec2<float> operator*(const TVec2<float>& v, float factor)
+{
+    return {v.x * factor, v.y * factor};
+}
+
+TVec3<float> operator*(const TVec3<float>& v, float factor)
+{
+    return {v.x * factor, v.y * factor, v.z * factor};
+}
+
 float Dot(const TVec3<float>& a, const TVec3<float>& b)
 {
     return a.x * b.x + a.y * b.y + a.z * b.z;

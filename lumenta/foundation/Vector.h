@@ -26,8 +26,9 @@ struct TVec3 {
     T z;
 };
 
-// Componentwise arithmetic. Each operator rounds once, so the bits do not
-// depend on how the client was compiled.
+// Sums and differences are inline. Products are not: a compiler that may fuse
+// a product with a sum behind it would do so across inlined operators, and the
+// bits would depend on the client's flags.
 
 template <typename T>
 constexpr bool operator==(const TVec2<T>& a, const TVec2<T>& b) { return a.x == b.x && a.y == b.y; }
@@ -38,7 +39,7 @@ constexpr TVec2<T> operator+(const TVec2<T>& a, const TVec2<T>& b) { return {a.x
 template <typename T>
 constexpr TVec2<T> operator-(const TVec2<T>& a, const TVec2<T>& b) { return {a.x - b.x, a.y - b.y}; }
 template <typename T>
-constexpr TVec2<T> operator*(const TVec2<T>& a, T factor) { return {a.x * factor, a.y * factor}; }
+constexpr TVec2<T> operator-(const TVec2<T>& a) { return {-a.x, -a.y}; }
 
 template <typename T>
 constexpr bool operator==(const TVec3<T>& a, const TVec3<T>& b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
@@ -50,8 +51,9 @@ template <typename T>
 constexpr TVec3<T> operator-(const TVec3<T>& a, const TVec3<T>& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 template <typename T>
 constexpr TVec3<T> operator-(const TVec3<T>& a) { return {-a.x, -a.y, -a.z}; }
-template <typename T>
-constexpr TVec3<T> operator*(const TVec3<T>& a, T factor) { return {a.x * factor, a.y * factor, a.z * factor}; }
+/// Each component times `factor`.
+LUMENTA_EXPORT TVec2<float> operator*(const TVec2<float>& v, float factor);
+LUMENTA_EXPORT TVec3<float> operator*(const TVec3<float>& v, float factor);
 
 /// x·x' + y·y' + z·z', summed in this order.
 LUMENTA_EXPORT float Dot(const TVec3<float>& a, const TVec3<float>& b);

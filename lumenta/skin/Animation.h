@@ -31,7 +31,7 @@ static_assert(sizeof(KeyFrame) == 44, "eleven floats, so that long tracks stay c
 /// The keys of one node, times ascending. Before the first key and after the
 /// last the nearest key holds; nothing wraps.
 struct NodeTrack {
-    Node* node = nullptr; ///< Not owned. A track without a node is ignored.
+    Node* node = nullptr; ///< Whom it moves; not owned. Null moves nobody.
     std::vector<KeyFrame> keys;
 };
 

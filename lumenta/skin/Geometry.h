@@ -16,23 +16,22 @@ namespace SkinAnimation {
 
 struct Node;
 
-/// One triangle list with one material: source vertices that loaders fill, and
-/// the vertices posed from them.
+/// Triangles of one material: the vertices as the loader filled them, and as
+/// the last pose left them.
 ///
-/// A plain record; one thread at a time. Indices are never range-checked: an
-/// index outside its list, or a number of indices that is no multiple of
-/// three, is the loader's mistake and has no defined result.
+/// A plain record; one thread at a time. Nothing checks indices: loaders keep
+/// them inside their lists and in threes, or the result is undefined.
 struct LUMENTA_EXPORT Geometry {
-    QString name;                               ///< Matched by Scene::SetMeshVisibility().
-    QString materialName;                       ///< Matched by Scene::SetMaterialVisibility().
-    QMap<QString, QVariant> materialParameters; ///< Handed to the builder unchanged.
+    QString name;                               ///< What Scene::SetMeshVisibility() looks for.
+    QString materialName;                       ///< What Scene::SetMaterialVisibility() looks for.
+    QMap<QString, QVariant> materialParameters; ///< Carried to the builder.
     bool skinned;                               ///< Whether bones deform the vertices.
     bool visible = true;                        ///< Invisible ones are posed, not emitted.
     std::vector<SkinVertex> vertices;
     std::vector<std::uint32_t> indices;         ///< Three per triangle, into `vertices` and `meshVertices`.
     std::vector<std::uint32_t> normalIndices;   ///< Per corner: its slot in the node's normal buffer. Empty
                                                 ///< where the vertices bring normals of their own.
-    std::vector<MeshVertex> meshVertices;       ///< Posed output, one per source vertex.
+    std::vector<MeshVertex> meshVertices;       ///< As posed last; parallel to `vertices`.
 
     Geometry(const QString& name, bool skinned);
 
@@ -44,14 +43,15 @@ struct LUMENTA_EXPORT Geometry {
     /// Laperrière, Thalmann, "Joint-dependent local deformations", 1988) where
     /// the geometry is skinned and its first weight is above 0; otherwise it
     /// stands rigidly at `node`'s mesh transform. Normals follow the inverse
-    /// transpose and come out with unit length, or zero.
+    /// transpose and are divided by their length unless that is exactly 0.
     ///
     /// Allocates only to resize `meshVertices`, and once more where `bones`
     /// holds more than 256 entries.
-    /// \param node   the node that owns the geometry
+    /// \param node   where the geometry hangs
     /// \param scale  applied to posed positions; a zero component is not guarded
     /// \param offset added after the scale
-    /// \param bones  the scene's `nodes`, which the bone indices mean
+    /// \param bones  the scene's `nodes`, which the bone indices mean; entries
+    ///               that no vertex names may be null, but not dangling
     void UpdateMesh(const Node* node, const TVec3<float>& scale, const TVec3<float>& offset,
                     const std::vector<Node*>& bones);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace SkinAnimation {
 
@@ -12,7 +13,7 @@ constexpr std::size_t kScanLimit = 32;
 
 TVec3<float> Lerp(const TVec3<float>& a, const TVec3<float>& b, float factor)
 {
-    return (b - a) * factor + a;
+    return {(b.x - a.x) * factor + a.x, (b.y - a.y) * factor + a.y, (b.z - a.z) * factor + a.z};
 }
 
 KeyFrame Interpolate(const KeyFrame& a, const KeyFrame& b, float factor)

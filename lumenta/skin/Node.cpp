@@ -48,9 +48,9 @@ Node::~Node()
 
 void Node::SetOriginGlobalTransform(const Matrix& m)
 {
-    originGlobalTransform = m;
-    Inverse(originGlobalInverse, m);
-    bindTransform = geometryTransform * m;
+    originGlobalTransform = m; // from here on only the copy is read: `m` may be one of our own matrices
+    Inverse(originGlobalInverse, originGlobalTransform);
+    bindTransform = geometryTransform * originGlobalTransform;
 }
 
 } // namespace SkinAnimation

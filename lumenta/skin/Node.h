@@ -12,7 +12,8 @@ namespace SkinAnimation {
 
 struct Geometry;
 
-/// A node of the hierarchy, and a bone at the same time.
+/// One joint of the tree. What a modelling program calls a node and what it
+/// calls a bone are both this.
 ///
 /// Owns its children and its geometries; deleting the root frees the tree,
 /// however deep it is. Matrices are for row vectors: A·B applies A first.
@@ -20,12 +21,12 @@ struct LUMENTA_EXPORT Node {
     QString name;
     Matrix originGlobalTransform; ///< Global transform in the rest pose.
     Matrix originGlobalInverse;   ///< Its inverse; identity where it has none.
-    Matrix bindTransform;         ///< geometryTransform · originGlobalTransform: vertices to the rest pose's world.
-    Matrix globalTransform;       ///< Current global transform.
-    Matrix localTransform;        ///< Current transform relative to the parent.
-    Matrix geometryTransform;     ///< From the frame of the geometries to the node's.
+    Matrix bindTransform;         ///< geometryTransform · originGlobalTransform.
+    Matrix globalTransform;       ///< Where the node is in the current pose.
+    Matrix localTransform;        ///< The same as its parent sees it.
+    Matrix geometryTransform;     ///< Places the geometries within the node.
     Matrix meshTransform;         ///< geometryTransform · globalTransform: places rigid vertices.
-    Matrix skinTransform;         ///< originGlobalInverse · globalTransform: moves a rest-pose world point.
+    Matrix skinTransform;         ///< originGlobalInverse · globalTransform: rest pose to current pose.
     Matrix skinTransformInverse;  ///< Its inverse; the transpose of it moves normals.
     std::uint64_t normalCount;    ///< Slots of the normal buffer that the geometries share; set by the loader.
     Node* parent;                 ///< Not owned; null for the root.

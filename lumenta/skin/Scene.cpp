@@ -5,8 +5,10 @@
 #include "lumenta/skin/SkinKernels.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <memory_resource>
+#include <utility>
 
 namespace SkinAnimation {
 
@@ -140,9 +142,9 @@ void Scene::CalculateAnimation(int animIndex, float time)
             track.node->localTransform = TransformOf(SampleTrack(track.keys, time));
     }
 
+    // Without a parent the product with an identity still counts: it turns -0 into +0.
+    const Matrix identity;
     for (Node* node : nodes) {
-        // Without a parent the product with an identity still counts: it turns -0 into +0.
-        const Matrix identity;
         Multiply(node->globalTransform, node->localTransform, node->parent ? node->parent->globalTransform : identity);
         Multiply(node->meshTransform, node->geometryTransform, node->globalTransform);
         Multiply(node->skinTransform, node->originGlobalInverse, node->globalTransform);

@@ -16,11 +16,13 @@ namespace SkinAnimation {
 
 /// A skinned, animated model: a node tree with geometries, and animations.
 ///
-/// **Loading:** create the scene; create the root (parent null) and store it in
-/// `root`; create each further node with its parent and append it to the
-/// parent's `children`; append every node, the root too, to `nodes`, parents
-/// before children; create geometries with `new` and append them to their
-/// node; append animations. From then on the scene owns everything.
+/// **Filling it** is a loader's work, in any order that ends like this:
+/// - `root` holds the top of the tree, a node whose parent is null;
+/// - every other node hangs in its parent's `children`;
+/// - `nodes` lists all of them, the top included, no node before its parent;
+/// - geometries and animations were made with `new`.
+/// Whatever hangs in the scene is freed with it, also when loading gives up
+/// halfway.
 ///
 /// **One frame:** CalculateAnimation(), then CreateMeshes().
 ///
@@ -41,11 +43,11 @@ struct LUMENTA_EXPORT Scene {
     /// Index in `nodes` of the first node of this name, -1 if there is none.
     int GetNodeIndex(const QString& name) const;
 
-    /// Poses every node at `time`, in the unit of the key times: samples the
-    /// tracks of the animation's first layer into local transforms, then
-    /// recomputes global, mesh and skin transforms of all `nodes`. Nodes
-    /// without a track keep their local transform; without any layer nothing
-    /// changes. Allocates nothing.
+    /// Moves the skeleton to `time`, counted as the keys count it. The first
+    /// layer's tracks give local transforms; a node that none of them moves
+    /// stays where it was relative to its parent. All other transforms follow,
+    /// for every entry of `nodes`. An animation without layers changes nothing.
+    /// Allocates nothing.
     ///
     /// Rotations are interpolated along the shorter arc (Shoemake, "Animating
     /// rotation with quaternion curves", 1985) and not normalised again; scale
@@ -76,8 +78,12 @@ struct LUMENTA_EXPORT Scene {
     /// Geometries of a node that has a `normalCount` share a buffer of that
     /// many normals, collected from the posed triangles of them all, hidden
     /// ones too. The tree is walked without recursion: any depth will do.
-    /// Allocates nothing but the buffer, and the room to resize
-    /// `meshVertices`, for trees up to 128 levels deep.
+    ///
+    /// Allocates the buffer once, as large as the greediest node needs it, and
+    /// what Geometry::UpdateMesh() allocates; beyond 128 levels also the path
+    /// of the walk.
+    /// \throws std::bad_alloc or std::length_error  a `normalCount` that does
+    ///         not fit in memory; nothing has been emitted
     void CollectNodeMeshesRecursively(IMeshNodeBuilder& builder, Node* node) const;
 
     /// Shows or hides every geometry of this name, in every node of `nodes`.

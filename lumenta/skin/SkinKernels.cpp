@@ -4,6 +4,7 @@
 #include "lumenta/skin/Node.h"
 
 #include <cmath>
+#include <cstddef>
 #include <memory_resource>
 #include <vector>
 
@@ -109,8 +110,11 @@ void PoseVertices(const PoseInput& input, const SkinVertex* vertices, std::size_
     std::pmr::monotonic_buffer_resource room(onStack, sizeof onStack);
     std::pmr::vector<MoveRows> rows(&room);
     rows.reserve(input.boneCount);
-    for (std::size_t i = 0; i < input.boneCount; ++i)
-        rows.emplace_back(input.bones[i]->skinTransform, input.bones[i]->skinTransformInverse);
+    for (std::size_t i = 0; i < input.boneCount; ++i) {
+        // No vertex may name an entry that is null, but one may stand there.
+        const Node* const bone = input.bones[i];
+        rows.emplace_back(bone ? bone->skinTransform : Matrix(), bone ? bone->skinTransformInverse : Matrix());
+    }
 
     PoseWith(input, vertices, count, posed,
              [&rows](std::size_t index) -> const MoveRows& { return rows[index]; });

@@ -8,8 +8,7 @@ namespace SkinAnimation {
 
 using ::MeshVertex;
 
-/// The source vertex of a skinned geometry: the head is laid out as a
-/// MeshVertex, the bone influences follow.
+/// A vertex before it is posed: a MeshVertex, and the bones that pull at it.
 struct SkinVertex {
     TVec3<float> position;
     TVec3<float> normal;
@@ -21,8 +20,8 @@ struct SkinVertex {
     /// Indices into `Scene::nodes`, one per influence. Not range-checked.
     std::uint16_t boneIndices[4];
 
-    /// The first weight that is exactly 0 ends the list of influences.
-    /// Weights are used as given: loaders normalise them.
+    /// Influences count up to the first weight that is exactly 0; what lies
+    /// behind it is never looked at. Posing does not normalise: loaders do.
     float weights[4];
 
     /// Clears the influences. Everything else is left uninitialised on

@@ -1,5 +1,6 @@
 #include "benchmarks/NaiveSkin.h"
 #include "benchmarks/Workloads.h"
+#include "lumenta/platform/IMeshNodeBuilder.h"
 
 #include <QtTest>
 
@@ -50,6 +51,19 @@ TVec3<float> OddVector(Random& random)
     const float y = Workloads::OddFloat(random);
     return {x, y, Workloads::OddFloat(random)};
 }
+
+/// Keeps the last mesh it was handed.
+struct Emitted final : IMeshNodeBuilder {
+    std::vector<MeshVertex> vertices;
+
+    void BeginModel(const QString&, std::size_t) override {}
+    void EndModel() override {}
+    void AddMeshNode(const QString&, std::vector<MeshVertex>& posed, std::vector<unsigned int>&, const QString&,
+                     const QMap<QString, QVariant>&) override
+    {
+        vertices = posed;
+    }
+};
 
 /// Breaks a skin in every way that is not an index error.
 void MakeOdd(Scene& scene, Geometry& skin, Random& random)
@@ -157,6 +171,15 @@ void KernelsTest::skinning()
             ours.CollectNormals(normals);
             Naive::CollectNormals(naive, expected);
             QCOMPARE(FirstDifference(normals.data(), expected.data(), normals.size()), -1);
+
+            // The buffer itself is normalised on the way to the builder only.
+            Naive::NormalizeAll(expected);
+            naive.SetNormals(expected);
+            Emitted emitted;
+            scene->scale = scale;
+            scene->offset = offset;
+            scene->CreateMeshes(emitted);
+            QCOMPARE(FirstDifference(emitted.vertices.data(), naive.meshVertices.data(), emitted.vertices.size()), -1);
         }
     }
 }
