@@ -20,7 +20,7 @@ namespace Host {
 /// the scene it was posed from.
 struct PosedMesh {
     QString name;
-    std::vector<MeshVertex> vertices;
+    std::vector<MeshVertex> vertices;  ///< Texture coordinate (0, 0) is an image's lower left corner.
     std::vector<unsigned int> indices; ///< Three per triangle.
     QString materialName;
     QMap<QString, QVariant> materialParameters; ///< Keys as in Host::Material.
@@ -37,7 +37,11 @@ public:
     std::vector<PosedMesh> meshes;
 };
 
-/// The box of the vertices that triangles use; empty where there are none.
+/// Whether the triangle whose corners begin at `firstIndex` can be drawn: its
+/// three vertices exist and are finite, and it has some area.
+bool IsDrawable(const PosedMesh& mesh, std::size_t firstIndex);
+
+/// The box of the triangles that can be drawn; empty where there are none.
 TBBox<float> BoxOf(const std::vector<PosedMesh>& meshes);
 
 /// A perspective view, right-handed.
@@ -51,7 +55,9 @@ struct Camera {
 /// The camera that looks at the whole of `box` from a direction: azimuth 0
 /// looks at the front (for up = y: from +z; for up = z: from -y; for up = x:
 /// from +z), growing anticlockwise as seen from above; elevation is degrees
-/// above the horizon. An empty or point-sized box is framed as a unit box.
+/// above the horizon, held just short of the poles, where up would have no
+/// direction in the picture. An empty or point-sized box is framed as a unit
+/// box.
 Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, float elevation, QSize size);
 
 /// What a renderer is asked for.

@@ -1,0 +1,119 @@
+#include "reference/host/ContactSheet.h"
+
+#include "lumenta/foundation/Exceptions.h"
+
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace Host {
+
+namespace {
+
+constexpr int kMargin = 24;
+constexpr int kGap = 12;
+
+/// How large captions are, so that they stay legible beside large pictures.
+int CaptionHeight(QSize picture)
+{
+    return std::clamp(picture.height() / 24, 13, 40);
+}
+
+bool CanWrite()
+{
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) && !QFontDatabase().families().isEmpty();
+}
+
+void CheckPictures(const std::vector<SheetPicture>& pictures)
+{
+    const auto fail = [](const QString& details) {
+        throw InvalidParameterException(QStringLiteral("MakeContactSheet"), QStringLiteral("pictures"), details);
+    };
+    if (pictures.empty() || pictures.front().image.isNull())
+        fail(QStringLiteral("There is no picture."));
+    for (const SheetPicture& picture : pictures)
+        if (picture.image.size() != pictures.front().image.size())
+            fail(QStringLiteral("The pictures differ in size."));
+}
+
+/// Where everything stands on the sheet.
+struct Layout {
+    QSize picture;
+    int columns;
+    int rows;
+    int titleHeight;   ///< 0 without a title.
+    int captionHeight; ///< 0 without captions.
+
+    QSize SheetSize() const
+    {
+        return {2 * kMargin + columns * picture.width() + (columns - 1) * kGap,
+                2 * kMargin + titleHeight + rows * (picture.height() + captionHeight) + (rows - 1) * kGap};
+    }
+
+    QRect PictureAt(int index) const
+    {
+        return {QPoint(kMargin + index % columns * (picture.width() + kGap),
+                       kMargin + titleHeight + index / columns * (picture.height() + captionHeight + kGap)),
+                picture};
+    }
+};
+
+Layout LayoutOf(const std::vector<SheetPicture>& pictures, const QString& title, int columns)
+{
+    const int count = static_cast<int>(pictures.size());
+    const int square = static_cast<int>(std::ceil(std::sqrt(static_cast<double>(count))));
+    const int used = std::min(columns > 0 ? columns : square, count);
+    const QSize size = pictures.front().image.size();
+    const bool captioned = std::any_of(pictures.begin(), pictures.end(),
+                                       [](const SheetPicture& picture) { return !picture.caption.isEmpty(); });
+    const bool canWrite = CanWrite();
+    const int line = 2 * CaptionHeight(size);
+    return {size, used, (count + used - 1) / used, canWrite && !title.isEmpty() ? line + kGap : 0,
+            canWrite && captioned ? line : 0};
+}
+
+QFont FontOfHeight(int pixels)
+{
+    QFont font;
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(pixels);
+    return font;
+}
+
+} // namespace
+
+QImage MakeContactSheet(const std::vector<SheetPicture>& pictures, const QString& title, int columns)
+{
+    CheckPictures(pictures);
+    const Layout layout = LayoutOf(pictures, title, columns);
+    QImage sheet(layout.SheetSize(), QImage::Format_RGB32);
+    if (sheet.isNull())
+        throw OutOfMemoryException(QStringLiteral("No room for a contact sheet of %1 pictures").arg(pictures.size()));
+
+    sheet.fill(QColor(250, 250, 248));
+    QPainter painter(&sheet);
+    painter.setPen(QColor(60, 62, 66));
+    const int captionPixels = CaptionHeight(layout.picture);
+    if (layout.titleHeight > 0) {
+        painter.setFont(FontOfHeight(captionPixels * 3 / 2));
+        painter.drawText(QRect(kMargin, kMargin, sheet.width() - 2 * kMargin, layout.titleHeight - kGap),
+                         Qt::AlignLeft | Qt::AlignVCenter, title);
+    }
+    if (layout.captionHeight > 0)
+        painter.setFont(FontOfHeight(captionPixels));
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
+        const QRect place = layout.PictureAt(static_cast<int>(i));
+        painter.drawImage(place.topLeft(), pictures[i].image);
+        if (layout.captionHeight > 0) {
+            painter.drawText(QRect(place.left(), place.bottom() + 1, place.width(), layout.captionHeight),
+                             Qt::AlignCenter, pictures[i].caption);
+        }
+    }
+    return sheet;
+}
+
+} // namespace Host

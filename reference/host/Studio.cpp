@@ -1,0 +1,214 @@
+#include "reference/host/Studio.h"
+
+#include "lumenta/foundation/Exceptions.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace Host {
+
+namespace {
+
+constexpr float kRadians = 0.017453292f;
+constexpr float kDefaultFieldOfView = 30.0f;
+
+// The floor is itself within the first distance from the target, backdrop
+// beyond the second. In studio units: the camera is 1 away.
+constexpr float kFloorUntil = 0.55f;
+constexpr float kBackdropFrom = 1.5f;
+
+constexpr TVec3<float> kZenith{0.47f, 0.51f, 0.57f};
+constexpr TVec3<float> kHorizon{0.46f, 0.46f, 0.46f};
+
+TVec3<float> Mix(const TVec3<float>& a, const TVec3<float>& b, float factor)
+{
+    return a + (b - a) * factor;
+}
+
+float SmoothStep(float from, float to, float value)
+{
+    const float t = std::clamp((value - from) / (to - from), 0.0f, 1.0f);
+    return t * t * (3.0f - 2.0f * t);
+}
+
+/// `v` with unit length, or `otherwise` where it has no direction.
+TVec3<float> UnitOr(const TVec3<float>& v, const TVec3<float>& otherwise)
+{
+    const float length = Length(v);
+    return length > 0.0f && std::isfinite(length) ? v * (1.0f / length) : otherwise;
+}
+
+/// Some unit vector at right angles to a unit vector.
+TVec3<float> AnyPerpendicular(const TVec3<float>& v)
+{
+    const TVec3<float> axis = std::fabs(v.x) < 0.5f ? TVec3<float>{1.0f, 0.0f, 0.0f} : TVec3<float>{0.0f, 1.0f, 0.0f};
+    return Normalized(Cross(v, axis));
+}
+
+/// The tangent of half a field of view in degrees.
+float HalfTangent(float degrees)
+{
+    const float usable = std::isfinite(degrees) ? std::clamp(degrees, 1.0f, 170.0f) : kDefaultFieldOfView;
+    return std::tan(usable * 0.5f * kRadians);
+}
+
+float Rolled(float light)
+{
+    constexpr float kKnee = 0.7f;
+    if (!(light > kKnee))
+        return light;
+    return kKnee + (1.0f - kKnee) * (1.0f - std::exp((kKnee - light) / (1.0f - kKnee)));
+}
+
+int SrgbFromLinear(float linear, float dither)
+{
+    if (!(linear > 0.0f)) // also what is not a number
+        return 0;
+    const float bounded = std::min(linear, 1.0f);
+    const float encoded = bounded <= 0.0031308f ? 12.92f * bounded : 1.055f * std::pow(bounded, 1.0f / 2.4f) - 0.055f;
+    return static_cast<int>(std::clamp(encoded * 255.0f + dither + 0.5f, 0.0f, 255.0f));
+}
+
+TVec3<float> LinearFromPixel(QRgb pixel)
+{
+    return {LinearFromSrgb(qRed(pixel)), LinearFromSrgb(qGreen(pixel)), LinearFromSrgb(qBlue(pixel))};
+}
+
+} // namespace
+
+Studio::Studio(const PictureRequest& request)
+    : ground(request.ground)
+    , groundHeight(0.0f)
+    , size(request.size)
+    , m_target(request.camera.target)
+    , m_unit(Length(request.camera.eye - request.camera.target))
+    , m_tangent(HalfTangent(request.camera.verticalFieldOfView))
+{
+    if (!(m_unit > 0.0f) || !std::isfinite(m_unit))
+        m_unit = 1.0f;
+    up = UnitOr(request.camera.up, {0.0f, 1.0f, 0.0f});
+    forward = UnitOr(m_target - request.camera.eye, AnyPerpendicular(up));
+    right = UnitOr(Cross(forward, up), AnyPerpendicular(up));
+    above = Cross(right, forward);
+    eye = -forward;
+
+    const TVec3<float> towardsViewer = Cross(right, up);
+    sun = Normalized(up * 0.78f - right * 0.5f + towardsViewer * 0.45f);
+    groundHeight = (request.groundHeight - Dot(m_target, up)) / m_unit;
+}
+
+TVec3<float> Studio::FromWorld(const TVec3<float>& world) const
+{
+    const TVec3<float> offset = world - m_target;
+    return {offset.x / m_unit, offset.y / m_unit, offset.z / m_unit};
+}
+
+TVec3<float> Studio::RayThrough(float x, float y) const
+{
+    const float pixel = 2.0f * m_tangent / static_cast<float>(size.height());
+    const float toRight = (x - 0.5f * static_cast<float>(size.width())) * pixel;
+    const float toAbove = (0.5f * static_cast<float>(size.height()) - y) * pixel;
+    return Normalized(forward + right * toRight + above * toAbove);
+}
+
+TVec3<float> Studio::FromEye(const TVec3<float>& point) const
+{
+    const TVec3<float> offset = point - eye;
+    return {Dot(offset, right), Dot(offset, above), Dot(offset, forward)};
+}
+
+QPointF Studio::ToPixel(const TVec3<float>& fromEye) const
+{
+    const float scale = static_cast<float>(size.height()) / (2.0f * m_tangent * fromEye.z);
+    return {static_cast<qreal>(0.5f * static_cast<float>(size.width()) + fromEye.x * scale),
+            static_cast<qreal>(0.5f * static_cast<float>(size.height()) - fromEye.y * scale)};
+}
+
+TVec3<float> Studio::Backdrop(float y) const
+{
+    static const TVec3<float> kTop = LinearFromPixel(qRgb(206, 212, 220));
+    static const TVec3<float> kBottom = LinearFromPixel(qRgb(240, 239, 236));
+    return Mix(kTop, kBottom, SmoothStep(0.0f, static_cast<float>(size.height()), y));
+}
+
+float Studio::DistanceToFloor(const TVec3<float>& origin, const TVec3<float>& direction) const
+{
+    const float height = Dot(origin, up) - groundHeight;
+    const float descent = -Dot(direction, up);
+    return ground && height > 0.0f && descent > 0.0f ? height / descent : std::numeric_limits<float>::infinity();
+}
+
+float Studio::FloorPresence(const TVec3<float>& point) const
+{
+    return 1.0f - SmoothStep(kFloorUntil, kBackdropFrom, Length(point - up * groundHeight));
+}
+
+TVec3<float> Studio::Floor(const TVec3<float>& point, float y, const TVec3<float>& light) const
+{
+    const float presence = FloorPresence(point);
+    const TVec3<float> all = kSunLight * Dot(sun, up) + SkyOn(up);
+    const TVec3<float> share{light.x / all.x, light.y / all.y, light.z / all.z};
+    return Times(Backdrop(y), Mix({1.0f, 1.0f, 1.0f}, share, presence));
+}
+
+TVec3<float> Studio::Sky(const TVec3<float>& direction) const
+{
+    const float height = Dot(direction, up);
+    return height < 0.0f ? kFloorLight : Mix(kHorizon, kZenith, height);
+}
+
+TVec3<float> Studio::SkyOn(const TVec3<float>& normal) const
+{
+    // The sky's part of a tilted hemisphere is (1 + cos) / 2; two thirds of the
+    // way up is where its light comes from on average.
+    const TVec3<float> sky = Mix(kHorizon, kZenith, 2.0f / 3.0f);
+    return Mix(kFloorLight, sky, 0.5f + 0.5f * Dot(normal, up));
+}
+
+QImage NewPicture(QSize size, QImage::Format format)
+{
+    QImage image(size, format);
+    if (image.isNull()) {
+        throw OutOfMemoryException(QStringLiteral("No room for a picture of %1 by %2 pixels").arg(size.width()).arg(size.height()),
+                                   static_cast<unsigned long>(size.width()) * static_cast<unsigned long>(size.height()) * 4);
+    }
+    return image;
+}
+
+TVec3<float> Exposed(const TVec3<float>& light)
+{
+    return {Rolled(light.x), Rolled(light.y), Rolled(light.z)};
+}
+
+float LinearFromSrgb(int component)
+{
+    static const std::array<float, 256> kTable = [] {
+        std::array<float, 256> table{};
+        for (int i = 0; i < 256; ++i) {
+            const float encoded = static_cast<float>(i) / 255.0f;
+            table[static_cast<std::size_t>(i)] =
+                encoded <= 0.04045f ? encoded / 12.92f : std::pow((encoded + 0.055f) / 1.055f, 2.4f);
+        }
+        return table;
+    }();
+    return kTable[static_cast<std::size_t>(component)];
+}
+
+QRgb PixelFromLinear(const TVec3<float>& colour, float dither)
+{
+    return qRgb(SrgbFromLinear(colour.x, dither), SrgbFromLinear(colour.y, dither),
+                SrgbFromLinear(colour.z, dither));
+}
+
+float DitherAt(int x, int y)
+{
+    // Interleaved gradient noise (Jimenez 2014): neighbours differ, so that the
+    // eye averages them.
+    const float value = 0.06711056f * static_cast<float>(x) + 0.00583715f * static_cast<float>(y);
+    const float noise = 52.9829189f * (value - std::floor(value));
+    return noise - std::floor(noise) - 0.5f;
+}
+
+} // namespace Host

@@ -1,0 +1,130 @@
+#include "EmbreeRenderer.h"
+
+#include "LightTracer.h"
+#include "lumenta/foundation/Exceptions.h"
+
+#include <algorithm>
+#include <atomic>
+#include <system_error>
+#include <thread>
+
+namespace Host {
+
+namespace {
+
+/// Rows are handed out one by one to whoever is free, the caller included.
+class RowWork {
+public:
+    RowWork(const LightTracer& tracer, QImage& image)
+        : m_tracer(tracer)
+        , m_pixels(image.bits()) // once: it must not detach on several threads
+        , m_bytesPerLine(static_cast<std::size_t>(image.bytesPerLine()))
+        , m_size(image.size())
+    {
+    }
+
+    /// Works until no row is left.
+    void Run() noexcept
+    {
+        while (RunOne()) {}
+    }
+
+    /// False where no row was left.
+    bool RunOne() noexcept
+    {
+        const int y = m_nextRow.fetch_add(1);
+        if (y >= m_size.height())
+            return false;
+        QRgb* const row = reinterpret_cast<QRgb*>(m_pixels + static_cast<std::size_t>(y) * m_bytesPerLine);
+        for (int x = 0; x < m_size.width(); ++x)
+            row[x] = PixelFromLinear(m_tracer.PixelColour(x, y), DitherAt(x, y));
+        m_rowsDone.fetch_add(1);
+        return true;
+    }
+
+    /// Leaves the remaining rows undone.
+    void Stop() noexcept { m_nextRow.store(m_size.height()); }
+
+    int Percent() const noexcept
+    {
+        return static_cast<int>(qint64(100) * m_rowsDone.load() / m_size.height());
+    }
+
+private:
+    const LightTracer& m_tracer;
+    uchar* const m_pixels;
+    const std::size_t m_bytesPerLine;
+    const QSize m_size;
+    std::atomic<int> m_nextRow{0};
+    std::atomic<int> m_rowsDone{0};
+};
+
+/// Threads beside the caller's. Joined whatever happens.
+class Helpers {
+public:
+    Helpers(RowWork& work, unsigned int count)
+        : m_work(work)
+    {
+        try {
+            for (unsigned int i = 0; i < count; ++i)
+                m_threads.emplace_back([&work] { work.Run(); });
+        } catch (const std::system_error&) {
+            // The system has no more threads: fewer give the same picture.
+        }
+    }
+
+    ~Helpers()
+    {
+        m_work.Stop(); // changes nothing unless the caller left early
+        Join();
+    }
+
+    void Join()
+    {
+        for (std::thread& thread : m_threads)
+            thread.join();
+        m_threads.clear();
+    }
+
+private:
+    RowWork& m_work;
+    std::vector<std::thread> m_threads;
+};
+
+unsigned int ThreadCount(const PictureRequest& request)
+{
+    const unsigned int wanted = request.threads > 0 ? static_cast<unsigned int>(request.threads)
+                                                    : std::max(std::thread::hardware_concurrency(), 1u);
+    return std::min(wanted, static_cast<unsigned int>(request.size.height()));
+}
+
+class EmbreeRenderer final : public IPictureRenderer {
+public:
+    QString GetName() const override { return QStringLiteral("embree"); }
+
+    QImage Render(const PictureRequest& request, const Progress& progress) override
+    {
+        if (request.size.isEmpty())
+            return {};
+        QImage image = NewPicture(request.size, QImage::Format_RGB32);
+        const LightTracer tracer(request);
+        RowWork work(tracer, image);
+        Helpers helpers(work, ThreadCount(request) - 1);
+        while (work.RunOne())
+            if (progress)
+                progress(std::min(work.Percent(), 99));
+        helpers.Join();
+        if (progress)
+            progress(100);
+        return image;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<IPictureRenderer> CreateEmbreeRenderer()
+{
+    return std::make_unique<EmbreeRenderer>();
+}
+
+} // namespace Host

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "TriangleTree.h"
+#include "reference/host/Surface.h"
+
+namespace Host {
+
+/// The light that reaches the camera through a pixel. Reentrant: all threads
+/// share one.
+class LightTracer {
+public:
+    explicit LightTracer(const PictureRequest& request);
+
+    /// The mean over the pixel's samples, linear. Depends on nothing but the
+    /// request and the pixel.
+    TVec3<float> PixelColour(int x, int y) const;
+
+private:
+    /// Which of the pixel's samples is being taken.
+    struct Sample {
+        std::uint32_t pixelSeed;
+        std::uint32_t index;
+    };
+
+    /// A point that light falls on, and where rays may start from it without
+    /// meeting it again.
+    struct ShadingPoint {
+        TVec3<float> origin;
+        TVec3<float> faceNormal;    ///< Of the flat triangle, towards the viewer.
+        TVec3<float> smoothNormal;  ///< On the same side.
+    };
+
+    /// Light that comes directly, and through the sky and from the floor.
+    struct Light {
+        TVec3<float> sun;
+        TVec3<float> sky;
+    };
+
+    TVec3<float> AlongRay(Ray3 ray, float pixelY, const Sample& sample) const;
+    TVec3<float> SurfaceLight(const TriangleHit& hit, const Ray3& ray, const SurfaceColour& colour,
+                              const Sample& sample) const;
+    TVec3<float> FloorOrBackdrop(const Ray3& ray, float pixelY, const Sample& sample) const;
+
+    ShadingPoint PointAt(const TriangleHit& hit, const Ray3& ray) const;
+    TVec2<float> TexCoordAt(const TriangleHit& hit) const;
+    Light LightAt(const ShadingPoint& point, const TVec3<float>& bounce, const Sample& sample) const;
+    TVec3<float> SunAt(const ShadingPoint& point, const TVec2<float>& random) const;
+    TVec3<float> SkyAt(const ShadingPoint& point, const TVec3<float>& bounce, const TVec2<float>& random) const;
+    float Transmittance(const Ray3& ray) const;
+
+    const std::vector<PosedMesh>& m_meshes;
+    Studio m_studio;
+    SurfaceTable m_surfaces;
+    TriangleTree m_tree;
+    bool m_hasTransparent;
+    std::uint32_t m_sampleCount;
+};
+
+} // namespace Host

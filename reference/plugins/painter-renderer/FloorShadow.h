@@ -1,0 +1,38 @@
+#pragma once
+
+#include "reference/host/Studio.h"
+
+#include <QPainterPath>
+
+#include <vector>
+
+namespace Host {
+
+/// The shadow of a picture's meshes on the floor: for each pixel, how much of
+/// the sun and of the sky the meshes hide from the floor that is seen there.
+///
+/// Each mesh triangle is projected to the floor along a number of directions,
+/// and the layers are averaged: soft where the triangle is far from the floor,
+/// dense where it touches it.
+class FloorShadow {
+public:
+    FloorShadow(const std::vector<PosedMesh>& meshes, const Studio& studio);
+
+    /// The light, linear, that arrives on the floor seen at a pixel.
+    TVec3<float> LightAt(int x, int y) const;
+
+private:
+    /// The hidden share, 0 to 1, in a smaller picture of the same view.
+    using Mask = std::vector<float>;
+
+    Mask Hidden(const std::vector<PosedMesh>& meshes, const std::vector<TVec3<float>>& directions) const;
+    QPainterPath Silhouette(const std::vector<PosedMesh>& meshes, const TVec3<float>& direction) const;
+    float Sampled(const Mask& mask, int x, int y) const;
+
+    const Studio& m_studio;
+    QSize m_maskSize;
+    Mask m_sunHidden;
+    Mask m_skyHidden;
+};
+
+} // namespace Host
