@@ -30,6 +30,9 @@ struct Material {
 /// parameters.
 ///
 /// Positions are in the file's unit, right-handed; times are milliseconds.
+/// The corners of a triangle run clockwise as seen from outside: that way round
+/// SkinAnimation::Geometry::CollectNormals() makes normals that face outwards.
+/// Texture coordinates have their origin top left, as images do.
 struct Model {
     QString fileName; ///< As it was given; empty for a model made by the program.
     TVec3<float> up{0.0f, 1.0f, 0.0f};

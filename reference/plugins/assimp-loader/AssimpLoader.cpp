@@ -14,6 +14,7 @@
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 
+#include <algorithm>
 #include <exception>
 
 namespace Host {
@@ -76,6 +77,19 @@ QString ReasonOf(const char* errorText)
     if (text.startsWith(QLatin1String("No suitable reader found")))
         return QStringLiteral("its format is unknown");
     return text.isEmpty() ? QStringLiteral("its content makes no sense") : text;
+}
+
+/// Damaged files can have faces without corners. Assimp counts them among the
+/// polygons, and to divide a mesh with no other polygon would end the process.
+void RefuseEmptyFaces(const aiScene& source, const Report& report)
+{
+    for (unsigned int i = 0; i < source.mNumMeshes; ++i) {
+        const aiMesh& mesh = *source.mMeshes[i];
+        const bool hasEmptyFace = std::any_of(mesh.mFaces, mesh.mFaces + mesh.mNumFaces,
+                                              [](const aiFace& face) { return face.mNumIndices == 0; });
+        if (hasEmptyFace)
+            report.Refuse(QStringLiteral("mesh '%1' has faces without corners").arg(ToText(mesh.mName)));
+    }
 }
 
 /// Geometries of one node, one for each of its meshes that has triangles.
@@ -143,11 +157,16 @@ Model LoadModel(const QString& strFileName, const Progress& progress)
     std::exception_ptr failure;
     Assimp::Importer importer;
     importer.SetProgressHandler(new ProgressRelay(progress, failure));
-    const aiScene* const source = importer.ReadFile(QFile::encodeName(strFileName).constData(), AssimpImportFlags());
+    const Report report(strFileName);
+    const aiScene* source = importer.ReadFile(QFile::encodeName(strFileName).constData(), 0);
+    if (source) {
+        RefuseEmptyFaces(*source, report);
+        source = importer.ApplyPostProcessing(AssimpImportFlags());
+    }
     if (failure)
         std::rethrow_exception(failure);
     if (!source)
-        Report(strFileName).Refuse(ReasonOf(importer.GetErrorString()));
+        report.Refuse(ReasonOf(importer.GetErrorString()));
 
     Model model = ModelFromAssimp(*source, strFileName);
     if (progress)
@@ -176,7 +195,7 @@ Model ModelFromAssimp(const aiScene& source, const QString& strFileName)
     for (std::size_t i = 0; i < nodes.Size(); ++i)
         ReadMeshesOfNode(source, nodes, i, materials, binder, report);
     if (!HasGeometry(scene))
-        report.Refuse(QStringLiteral("it holds no triangles"));
+        report.Refuse(QStringLiteral("it holds no usable triangles"));
 
     for (unsigned int i = 0; i < source.mNumAnimations; ++i) {
         auto animation = ReadAnimation(*source.mAnimations[i], nodes, binder.Bones(), report);

@@ -143,10 +143,12 @@ void BoneBinder::Bind(const aiMesh& source, std::size_t meshNode, SkinAnimation:
             m_report.Refuse(QStringLiteral("bone '%1' is node number %2, and bones must be among the first 65536")
                                 .arg(ToText(bone.mName)).arg(carrier + 1));
         m_bones.insert(*node);
-        for (unsigned int w = 0; w < bone.mNumWeights; ++w)
-            if (IsUsable(bone.mWeights[w], source))
-                influences.push_back({bone.mWeights[w].mVertexId, static_cast<std::uint16_t>(carrier),
-                                      static_cast<double>(bone.mWeights[w].mWeight)});
+        for (unsigned int w = 0; w < bone.mNumWeights; ++w) {
+            const aiVertexWeight& weight = bone.mWeights[w];
+            if (IsUsable(weight, source))
+                influences.push_back({weight.mVertexId, static_cast<std::uint16_t>(carrier),
+                                      static_cast<double>(weight.mWeight)});
+        }
     }
     WriteInfluences(std::move(influences), geometry);
 }
@@ -158,8 +160,8 @@ std::optional<std::size_t> BoneBinder::FindBone(const aiBone& bone, std::size_t 
     const std::vector<std::size_t>& candidates = m_nodes.Named(bone.mName);
     const WideMatrix offset = Widen(bone.mOffsetMatrix);
     if (candidates.empty() || !IsFinite(offset)) {
-        m_report.Warn(QStringLiteral("Bone '%1' has no node or no finite rest pose; its weights were left out.")
-                          .arg(ToText(bone.mName)));
+        const QString reason = candidates.empty() ? QStringLiteral("no node") : QStringLiteral("no finite rest pose");
+        m_report.Warn(QStringLiteral("Bone '%1' has %2; its weights were left out.").arg(ToText(bone.mName)).arg(reason));
         return std::nullopt;
     }
     if (candidates.size() > 1)

@@ -44,6 +44,9 @@ struct Triangles {
 };
 
 /// Points and lines are no part of a surface; nobody misses them there.
+///
+/// Assimp lists corners anticlockwise as seen from outside; the normals that
+/// the skin engine computes face outwards where they run clockwise.
 Triangles ReadTriangles(const aiMesh& source)
 {
     Triangles read;
@@ -55,7 +58,7 @@ Triangles ReadTriangles(const aiMesh& source)
             return index < source.mNumVertices && IsFinite(source.mVertices[index]);
         });
         if (usable)
-            read.indices.insert(read.indices.end(), face.mIndices, face.mIndices + 3);
+            read.indices.insert(read.indices.end(), {face.mIndices[0], face.mIndices[2], face.mIndices[1]});
         read.complete = read.complete && usable;
     }
     return read;

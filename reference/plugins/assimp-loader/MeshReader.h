@@ -21,7 +21,8 @@ class Report;
 /// The triangles of a mesh, with every vertex of the file in the file's order;
 /// null where it holds none. Not skinned yet.
 ///
-/// Texture coordinates have their origin top left, as images have: v is turned
+/// Corners run clockwise as seen from outside, see Host::Model. Texture
+/// coordinates have their origin top left, as images have: v is turned
 /// over, and the bitangent with it. Where the file gives no tangent frame it
 /// is zero. Triangles with a corner that is not finite are left out.
 std::unique_ptr<SkinAnimation::Geometry> ReadMesh(const aiMesh& source, const QString& name,

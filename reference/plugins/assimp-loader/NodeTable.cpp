@@ -80,7 +80,8 @@ NodeTable::NodeTable(const aiScene& source, SkinAnimation::Scene& scene, Report&
         m_entries.push_back({file, Adopt(std::move(node), scene), global});
         m_byName[KeyOf(file->mName)].push_back(index);
         for (unsigned int i = file->mNumChildren; i-- > 0;)
-            pending.push_back({file->mChildren[i], index});
+            if (file->mChildren[i]) // one of Assimp's importers leaves gaps
+                pending.push_back({file->mChildren[i], index});
     }
 }
 
