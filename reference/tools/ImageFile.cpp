@@ -55,9 +55,18 @@ void WriteImageFile(const QString& fileName, const QImage& image)
 {
     const QByteArray bytes = Encoded(fileName, image);
     QSaveFile file(OnDisk(fileName));
-    // What is written is buffered: the last bytes meet the disk in commit().
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        throw Failure{fileName, QStringLiteral("could not be written: ") + file.errorString()};
+    const auto fail = [&fileName](const QString& reason) {
+        throw Failure{fileName, QStringLiteral("could not be written: ") + reason};
+    };
+    // Unbuffered, or the last bytes would meet the disk in commit(), which puts
+    // the file in place even when they did not fit.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        fail(file.errorString());
+    // The toolkit has no words for a file that is cut short; the system has.
+    if (file.write(bytes) != bytes.size())
+        fail(SystemErrorText());
+    if (!file.commit())
+        fail(file.errorString());
 }
 
 } // namespace Host

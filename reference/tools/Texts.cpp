@@ -28,6 +28,11 @@ bool IsUnsafe(uint codePoint)
     }
 }
 
+bool EndsWithMark(const QString& text)
+{
+    return !text.isEmpty() && QStringLiteral(".,:;!? ").contains(text.back());
+}
+
 QString Escaped(uint codePoint)
 {
     return QStringLiteral("\\u%1").arg(codePoint, 4, 16, QLatin1Char('0'));
@@ -38,12 +43,10 @@ QString Escaped(uint codePoint)
 QString Printable(const QString& text)
 {
     QString printable;
-    // One line end is one space, also where it is two characters.
-    const QString oneLine = QString(text).replace(QLatin1String("\r\n"), QLatin1String(" "));
-    const QVector<uint> codePoints = oneLine.toUcs4();
+    const QVector<uint> codePoints = QString(text).replace(QLatin1String("\r\n"), QLatin1String("\n")).toUcs4();
     for (const uint codePoint : codePoints) {
         if (codePoint == '\n')
-            printable += QLatin1Char(' ');
+            printable += EndsWithMark(printable) ? QStringLiteral(" ") : QStringLiteral("; ");
         else if (IsUnsafe(codePoint))
             printable += Escaped(codePoint);
         else
@@ -131,12 +134,17 @@ QString Table::Text() const
     return text;
 }
 
+QString SystemErrorText()
+{
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
 void Print(const QString& text)
 {
     const QByteArray bytes = text.toLocal8Bit();
     const auto size = static_cast<std::size_t>(bytes.size());
     if (std::fwrite(bytes.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
-        throw Failure{QStringLiteral("standard output"), QString::fromLocal8Bit(std::strerror(errno))};
+        throw Failure{QStringLiteral("standard output"), SystemErrorText()};
 }
 
 void PrintError(const QString& line)

@@ -7,7 +7,8 @@
 
 namespace Host {
 
-/// One line that is safe on a terminal: line ends become spaces, and control
+/// One line that is safe on a terminal: lines are joined, with a semicolon
+/// where the earlier one does not end with a mark of its own, and control
 /// characters, invisible formatting and broken surrogates become \u escapes.
 QString Printable(const QString& text);
 
@@ -43,6 +44,9 @@ private:
     std::vector<bool> m_toTheRight;
     std::vector<QStringList> m_rows;
 };
+
+/// What the system says of its last error.
+QString SystemErrorText();
 
 /// Writes to standard output.
 /// \throws Failure it could not be written
