@@ -159,8 +159,8 @@ Verb ClipVerb()
     manual.examples = {
         {QStringLiteral("lumenta clip robot.glb --animation 0 --from 500 --to 1500 --name step"),
          QStringLiteral("What the middle second of the first animation holds.")},
-        {QStringLiteral("lumenta clip :figure --animation 0 --from 0 --to 500 --name half --frames 6 -o half.png"),
-         QStringLiteral("The same for another clip, with a contact sheet of six moments.")},
+        {QStringLiteral("lumenta clip :figure --animation 0 --from 0 --to 500 --name go -o start.png"),
+         QStringLiteral("The same for another clip, with a picture of its beginning.")},
     };
     return {manual, Run};
 }
