@@ -157,7 +157,6 @@ void AssimpModelsTest::PosesAsTheFileSays()
     }
     const QByteArray figures = QStringLiteral("%1 of the diagonal, normals %2")
                                    .arg(largest.position).arg(largest.normal).toUtf8();
-    qInfo("%s", figures.constData());
     QVERIFY2(largest.position <= positionLimit && largest.normal <= normalLimit, figures.constData());
 }
 

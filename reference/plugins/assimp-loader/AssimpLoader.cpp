@@ -79,16 +79,36 @@ QString ReasonOf(const char* errorText)
     return text.isEmpty() ? QStringLiteral("its content makes no sense") : text;
 }
 
-/// Damaged files can have faces without corners. Assimp counts them among the
-/// polygons, and to divide a mesh with no other polygon would end the process.
-void RefuseEmptyFaces(const aiScene& source, const Report& report)
+bool IsSound(const aiFace& face, const aiMesh& mesh)
+{
+    return face.mNumIndices > 0
+        && std::all_of(face.mIndices, face.mIndices + face.mNumIndices,
+                       [&](unsigned int index) { return index < mesh.mNumVertices; });
+}
+
+/// Damaged files can have faces that Assimp reads but cannot divide into
+/// triangles: it would end the process.
+void RefuseBrokenFaces(const aiScene& source, const Report& report)
 {
     for (unsigned int i = 0; i < source.mNumMeshes; ++i) {
         const aiMesh& mesh = *source.mMeshes[i];
-        const bool hasEmptyFace = std::any_of(mesh.mFaces, mesh.mFaces + mesh.mNumFaces,
-                                              [](const aiFace& face) { return face.mNumIndices == 0; });
-        if (hasEmptyFace)
-            report.Refuse(QStringLiteral("mesh '%1' has faces without corners").arg(ToText(mesh.mName)));
+        if (!std::all_of(mesh.mFaces, mesh.mFaces + mesh.mNumFaces,
+                         [&](const aiFace& face) { return IsSound(face, mesh); }))
+            report.Refuse(QStringLiteral("mesh '%1' has faces whose corners are missing").arg(ToText(mesh.mName)));
+    }
+}
+
+/// Null where Assimp fails; its words are then in the importer.
+const aiScene* Import(Assimp::Importer& importer, const QString& strFileName, const Report& report)
+{
+    try {
+        const aiScene* const source = importer.ReadFile(QFile::encodeName(strFileName).constData(), 0);
+        if (!source)
+            return nullptr;
+        RefuseBrokenFaces(*source, report);
+        return importer.ApplyPostProcessing(AssimpImportFlags());
+    } catch (const std::exception& failure) {
+        report.Refuse(ReasonOf(failure.what()));
     }
 }
 
@@ -158,11 +178,7 @@ Model LoadModel(const QString& strFileName, const Progress& progress)
     Assimp::Importer importer;
     importer.SetProgressHandler(new ProgressRelay(progress, failure));
     const Report report(strFileName);
-    const aiScene* source = importer.ReadFile(QFile::encodeName(strFileName).constData(), 0);
-    if (source) {
-        RefuseEmptyFaces(*source, report);
-        source = importer.ApplyPostProcessing(AssimpImportFlags());
-    }
+    const aiScene* const source = Import(importer, strFileName, report);
     if (failure)
         std::rethrow_exception(failure);
     if (!source)

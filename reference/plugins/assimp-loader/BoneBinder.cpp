@@ -141,7 +141,7 @@ void BoneBinder::Bind(const aiMesh& source, std::size_t meshNode, SkinAnimation:
         const std::size_t carrier = CarrierFor(*node, Widen(bone.mOffsetMatrix) * bindInverse, corners);
         if (carrier > std::numeric_limits<std::uint16_t>::max())
             m_report.Refuse(QStringLiteral("bone '%1' is node number %2, and bones must be among the first 65536")
-                                .arg(ToText(bone.mName)).arg(carrier + 1));
+                                .arg(ToText(bone.mName), QString::number(carrier + 1)));
         m_bones.insert(*node);
         for (unsigned int w = 0; w < bone.mNumWeights; ++w) {
             const aiVertexWeight& weight = bone.mWeights[w];
@@ -161,7 +161,7 @@ std::optional<std::size_t> BoneBinder::FindBone(const aiBone& bone, std::size_t 
     const WideMatrix offset = Widen(bone.mOffsetMatrix);
     if (candidates.empty() || !IsFinite(offset)) {
         const QString reason = candidates.empty() ? QStringLiteral("no node") : QStringLiteral("no finite rest pose");
-        m_report.Warn(QStringLiteral("Bone '%1' has %2; its weights were left out.").arg(ToText(bone.mName)).arg(reason));
+        m_report.Warn(QStringLiteral("Bone '%1' has %2; its weights were left out.").arg(ToText(bone.mName), reason));
         return std::nullopt;
     }
     if (candidates.size() > 1)
@@ -201,7 +201,7 @@ std::size_t BoneBinder::AddHelper(std::size_t bone)
 {
     SkinAnimation::Node& parent = *m_nodes[bone].node;
     auto helper = std::make_unique<SkinAnimation::Node>(
-        QStringLiteral("%1 (bind pose %2)").arg(parent.name).arg(m_carriers[bone].size() + 1),
+        QStringLiteral("%1 (bind pose %2)").arg(parent.name, QString::number(m_carriers[bone].size() + 1)),
         parent.originGlobalTransform, Matrix(), &parent);
     helper->localTransform = Matrix();
     parent.children.push_back(helper.get());

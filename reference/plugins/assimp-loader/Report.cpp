@@ -17,7 +17,8 @@ void Report::Warn(const QString& strSentence)
 
 void Report::Refuse(const QString& strReason) const
 {
-    throw LoadingException(QStringLiteral("The model '%1' can't be loaded: %2").arg(m_strFileName).arg(strReason));
+    // Both at once: a file name may hold a "%2" of its own.
+    throw LoadingException(QStringLiteral("The model '%1' can't be loaded: %2").arg(m_strFileName, strReason));
 }
 
 } // namespace Host
