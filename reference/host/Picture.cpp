@@ -10,6 +10,7 @@ namespace {
 constexpr float kFieldOfView = 30.0f;
 constexpr float kRadians = 0.017453292f;
 constexpr float kSteepest = 89.0f;
+constexpr float kMargin = 1.08f; ///< Room around the box, as a factor of its extent in the picture.
 
 /// Where azimuth 0 looks from, seen from the target, for a given up axis.
 TVec3<float> FrontOf(const TVec3<float>& up)
@@ -101,10 +102,10 @@ Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, 
         const TVec3<float> offset{corner & 1 ? half.x : -half.x, corner & 2 ? half.y : -half.y,
                                   corner & 4 ? half.z : -half.z};
         const float depth = Dot(offset, back);
-        distance = std::max({distance, depth + std::fabs(Dot(offset, right)) / tanX,
-                             depth + std::fabs(Dot(offset, above)) / tanY});
+        distance = std::max({distance, depth + kMargin * std::fabs(Dot(offset, right)) / tanX,
+                             depth + kMargin * std::fabs(Dot(offset, above)) / tanY});
     }
-    return {center + back * (distance * 1.08f), center, up, kFieldOfView};
+    return {center + back * distance, center, up, kFieldOfView};
 }
 
 } // namespace Host

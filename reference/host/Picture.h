@@ -20,7 +20,7 @@ namespace Host {
 /// the scene it was posed from.
 struct PosedMesh {
     QString name;
-    std::vector<MeshVertex> vertices;  ///< Texture coordinate (0, 0) is an image's lower left corner.
+    std::vector<MeshVertex> vertices;  ///< Texture coordinates as in Host::Model: from the upper left.
     std::vector<unsigned int> indices; ///< Three per triangle.
     QString materialName;
     QMap<QString, QVariant> materialParameters; ///< Keys as in Host::Material.

@@ -161,7 +161,7 @@ public:
             const TVec3<float>& a = m_geometry.vertices[m_geometry.indices[k]].position;
             const TVec3<float>& b = m_geometry.vertices[m_geometry.indices[k + 1]].position;
             const TVec3<float>& c = m_geometry.vertices[m_geometry.indices[k + 2]].position;
-            const TVec3<float> normal = Cross(b - a, c - a);
+            const TVec3<float> normal = Cross(a - b, c - b);
             for (std::size_t corner = k; corner < k + 3; ++corner) {
                 TVec3<float>& sum = normals[m_geometry.normalIndices[corner] - m_firstSlot];
                 sum = sum + normal;
@@ -267,16 +267,16 @@ std::vector<Limb> Jumper()
 {
     std::vector<Limb> limbs = BothSides({{0.095f, 0.805f, 0.0f}, {0.307f, 0.501f, 0.0f}, 0.055f, 0.05f, 0.03f, 1.0f,
                                          {{kArmL, 0.0f}, {kForearmL, 0.205f}}});
-    limbs.push_back({{0.0f, 0.45f, 0.0f}, {0.0f, 0.87f, 0.0f}, 0.135f, 0.105f, 0.07f, 1.18f,
-                     {{kHips, 0.0f}, {kSpine, 0.13f}, {kChest, 0.25f}}});
+    limbs.push_back({{0.0f, 0.44f, 0.0f}, {0.0f, 0.87f, 0.0f}, 0.14f, 0.105f, 0.04f, 1.16f,
+                     {{kHips, 0.0f}, {kSpine, 0.14f}, {kChest, 0.26f}}});
     return limbs;
 }
 
 std::vector<Limb> Trousers()
 {
-    std::vector<Limb> limbs = BothSides({{0.07f, 0.52f, 0.0f}, {0.08f, 0.07f, 0.0f}, 0.085f, 0.06f, 0.02f, 1.0f,
-                                         {{kHips, 0.0f}, {kThighL, 0.08f}, {kShinL, 0.26f}}});
-    limbs.push_back({{0.0f, 0.385f, 0.0f}, {0.0f, 0.55f, 0.0f}, 0.125f, 0.13f, 0.07f, 1.2f, {{kHips, 0.0f}}});
+    std::vector<Limb> limbs = BothSides({{0.066f, 0.5f, 0.0f}, {0.08f, 0.07f, 0.0f}, 0.08f, 0.06f, 0.02f, 1.0f,
+                                         {{kHips, 0.0f}, {kThighL, 0.06f}, {kShinL, 0.24f}}});
+    limbs.push_back({{0.0f, 0.38f, 0.0f}, {0.0f, 0.5f, 0.0f}, 0.12f, 0.115f, 0.06f, 1.25f, {{kHips, 0.0f}}});
     return limbs;
 }
 
@@ -439,8 +439,8 @@ std::vector<Motion> Waving()
         {kHead, About(kY, 10.0f), kZ, -7.0f, 5.0f, 60.0f},
         {kThighL, none, kZ, -2.0f, -2.0f, 0.0f},
         {kThighR, none, kZ, -2.0f, -2.0f, 0.0f},
-        {kArmL, About(kX, -10.0f), kZ, 86.0f, 6.0f, 0.0f, 2.0f},
-        {kForearmL, none, kZ, 34.0f, 30.0f, 30.0f, 2.0f},
+        {kArmL, About(kX, -10.0f), kZ, 78.0f, 6.0f, 0.0f, 2.0f},
+        {kForearmL, none, kZ, 26.0f, 26.0f, 30.0f, 2.0f},
         {kHandL, none, kZ, 0.0f, 16.0f, 60.0f, 2.0f},
         {kArmR, About(kX, 4.0f), kZ, 14.0f, 3.0f, 90.0f},
         {kForearmR, none, kX, -16.0f, 4.0f, 120.0f},

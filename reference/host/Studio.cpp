@@ -95,7 +95,7 @@ Studio::Studio(const PictureRequest& request)
     eye = -forward;
 
     const TVec3<float> towardsViewer = Cross(right, up);
-    sun = Normalized(up * 0.78f - right * 0.5f + towardsViewer * 0.45f);
+    sun = Normalized(up * 0.68f - right * 0.48f + towardsViewer * 0.56f);
     groundHeight = (request.groundHeight - Dot(m_target, up)) / m_unit;
 }
 
@@ -145,12 +145,13 @@ float Studio::FloorPresence(const TVec3<float>& point) const
     return 1.0f - SmoothStep(kFloorUntil, kBackdropFrom, Length(point - up * groundHeight));
 }
 
-TVec3<float> Studio::Floor(const TVec3<float>& point, float y, const TVec3<float>& light) const
+TVec3<float> Studio::Floor(const TVec3<float>& point, float y, const TVec3<float>& lost) const
 {
     const float presence = FloorPresence(point);
     const TVec3<float> all = kSunLight * Dot(sun, up) + SkyOn(up);
-    const TVec3<float> share{light.x / all.x, light.y / all.y, light.z / all.z};
-    return Times(Backdrop(y), Mix({1.0f, 1.0f, 1.0f}, share, presence));
+    const TVec3<float> share{1.0f - presence * lost.x / all.x, 1.0f - presence * lost.y / all.y,
+                             1.0f - presence * lost.z / all.z};
+    return Times(Backdrop(y), share);
 }
 
 TVec3<float> Studio::Sky(const TVec3<float>& direction) const

@@ -54,11 +54,10 @@ struct Studio {
     /// has become backdrop.
     float FloorPresence(const TVec3<float>& point) const;
 
-    /// What is seen of the floor at a point with some presence, where `light`
-    /// arrives: the backdrop, less the light that the model takes away. Where
-    /// it takes none the floor cannot be told from the backdrop, so no horizon
-    /// shows.
-    TVec3<float> Floor(const TVec3<float>& point, float y, const TVec3<float>& light) const;
+    /// What is seen of the floor at a point, where the model takes the light
+    /// `lost` away: the backdrop, darkened. Where nothing is lost the floor
+    /// cannot be told from the backdrop, so no horizon shows.
+    TVec3<float> Floor(const TVec3<float>& point, float y, const TVec3<float>& lost) const;
 
     /// Light that comes from a direction of the sky.
     TVec3<float> Sky(const TVec3<float>& direction) const;
@@ -78,7 +77,10 @@ private:
 QImage NewPicture(QSize size, QImage::Format format);
 
 /// The light of the sun on a surface that faces it.
-constexpr TVec3<float> kSunLight{0.66f, 0.62f, 0.56f};
+constexpr TVec3<float> kSunLight{0.8f, 0.75f, 0.68f};
+
+/// Tangent of half the angle under which the sun is seen: what softens shadows.
+constexpr float kSunRadius = 0.06f;
 
 /// The light that the floor sends up.
 constexpr TVec3<float> kFloorLight{0.33f, 0.32f, 0.31f};

@@ -88,7 +88,7 @@ SurfaceColour Surface::At(const TVec2<float>& texCoord) const
         return base;
 
     const Between x = Locate(texCoord.x, texture->width());
-    const Between y = Locate(-texCoord.y, texture->height()); // rows run downwards
+    const Between y = Locate(texCoord.y, texture->height());
     TVec3<float> sum{};
     float opacity = 0.0f;
     const auto add = [&](int column, int row, float weight) {

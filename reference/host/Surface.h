@@ -21,7 +21,7 @@ struct Surface {
     float shininess;  ///< Phong exponent, 1 to 1000.
     const QImage* texture; ///< ARGB32, or null; multiplies `base`.
 
-    /// The surface at a texture coordinate: (0, 0) is the lower left corner of
+    /// The surface at a texture coordinate: (0, 0) is the upper left corner of
     /// the image, which repeats in both directions. Bilinear; a coordinate that
     /// is not finite counts as 0.
     SurfaceColour At(const TVec2<float>& texCoord) const;

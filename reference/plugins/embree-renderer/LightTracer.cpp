@@ -10,7 +10,6 @@ namespace Host {
 namespace {
 
 constexpr float kPi = 3.14159265f;
-constexpr float kSunRadius = 0.06f;    ///< Tangent of the sun's half angle; softens shadows.
 constexpr std::uint32_t kRaysPerSample = 2; ///< Towards the sun, and as many into the sky.
 constexpr int kMostLayers = 16;        ///< Transparent surfaces seen through one another.
 
@@ -158,8 +157,7 @@ TVec3<float> LightTracer::FloorOrBackdrop(const Ray3& ray, float pixelY, const S
     const TVec3<float>& up = m_studio.up;
     const TVec3<float> place = PointOn(ray, distance);
     const ShadingPoint point{place + up * Clearance(place, distance), up, up};
-    const Light light = LightAt(point, {kBounce, kBounce, kBounce}, sample);
-    return m_studio.Floor(place, pixelY, light.sun + light.sky);
+    return m_studio.Floor(place, pixelY, LightAt(point, {kBounce, kBounce, kBounce}, sample).lost);
 }
 
 LightTracer::ShadingPoint LightTracer::PointAt(const TriangleHit& hit, const Ray3& ray) const
@@ -202,34 +200,39 @@ LightTracer::Light LightTracer::LightAt(const ShadingPoint& point, const TVec3<f
     Light light{};
     for (std::uint32_t i = 0; i < kRaysPerSample; ++i) {
         const std::uint32_t index = sample.index * kRaysPerSample + i;
-        light.sun = light.sun + SunAt(point, towardsSun.At(index));
-        light.sky = light.sky + SkyAt(point, bounce, intoSky.At(index));
+        AddSun(light, point, towardsSun.At(index));
+        AddSky(light, point, bounce, intoSky.At(index));
     }
     constexpr float kShare = 1.0f / static_cast<float>(kRaysPerSample);
-    return {light.sun * kShare, light.sky * kShare};
+    return {light.sun * kShare, light.sky * kShare, light.lost * kShare};
 }
 
-TVec3<float> LightTracer::SunAt(const ShadingPoint& point, const TVec2<float>& random) const
+void LightTracer::AddSun(Light& light, const ShadingPoint& point, const TVec2<float>& random) const
 {
     const Tangents tangents(m_studio.sun);
     const TVec2<float> disc = OnDisc(random);
     const TVec3<float> direction =
         Normalized(m_studio.sun + (tangents.x * disc.x + tangents.y * disc.y) * kSunRadius);
     const float cosine = Dot(direction, point.smoothNormal);
-    return cosine > 0.0f ? kSunLight * (cosine * Transmittance({point.origin, direction})) : TVec3<float>{};
+    if (!(cosine > 0.0f))
+        return;
+    const float seen = Transmittance({point.origin, direction});
+    light.sun = light.sun + kSunLight * (cosine * seen);
+    light.lost = light.lost + kSunLight * (cosine * (1.0f - seen));
 }
 
-TVec3<float> LightTracer::SkyAt(const ShadingPoint& point, const TVec3<float>& bounce,
-                               const TVec2<float>& random) const
+void LightTracer::AddSky(Light& light, const ShadingPoint& point, const TVec3<float>& bounce,
+                         const TVec2<float>& random) const
 {
     TVec3<float> direction = CosineDirection(point.smoothNormal, random);
     const float above = Dot(direction, point.faceNormal);
     if (above < 0.0f) // into the triangle itself: mirrored out of it
         direction = direction - point.faceNormal * (2.0f * above);
 
-    const Ray3 ray{point.origin, direction};
-    const float seen = Transmittance(ray);
-    return m_studio.Sky(direction) * seen + bounce * (1.0f - seen);
+    const float seen = Transmittance({point.origin, direction});
+    const TVec3<float> sky = m_studio.Sky(direction);
+    light.sky = light.sky + sky * seen + bounce * (1.0f - seen);
+    light.lost = light.lost + (sky - bounce) * (1.0f - seen);
 }
 
 float LightTracer::Transmittance(const Ray3& ray) const

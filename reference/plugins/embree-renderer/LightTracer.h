@@ -30,10 +30,11 @@ private:
         TVec3<float> smoothNormal;  ///< On the same side.
     };
 
-    /// Light that comes directly, and through the sky and from the floor.
+    /// What arrives at a point.
     struct Light {
         TVec3<float> sun;
-        TVec3<float> sky;
+        TVec3<float> sky;  ///< And from the floor, and from what hides either.
+        TVec3<float> lost; ///< What would have come as well if nothing hid it.
     };
 
     TVec3<float> AlongRay(Ray3 ray, float pixelY, const Sample& sample) const;
@@ -44,8 +45,9 @@ private:
     ShadingPoint PointAt(const TriangleHit& hit, const Ray3& ray) const;
     TVec2<float> TexCoordAt(const TriangleHit& hit) const;
     Light LightAt(const ShadingPoint& point, const TVec3<float>& bounce, const Sample& sample) const;
-    TVec3<float> SunAt(const ShadingPoint& point, const TVec2<float>& random) const;
-    TVec3<float> SkyAt(const ShadingPoint& point, const TVec3<float>& bounce, const TVec2<float>& random) const;
+    void AddSun(Light& light, const ShadingPoint& point, const TVec2<float>& random) const;
+    void AddSky(Light& light, const ShadingPoint& point, const TVec3<float>& bounce,
+                const TVec2<float>& random) const;
     float Transmittance(const Ray3& ray) const;
 
     const std::vector<PosedMesh>& m_meshes;

@@ -11,10 +11,9 @@ namespace Host {
 
 namespace {
 
-constexpr int kLargestMask = 480;
+constexpr int kLargestMask = 240;
 constexpr int kSunDirections = 12;
 constexpr int kSkyDirections = 32;
-constexpr float kSunRadius = 0.06f;
 constexpr float kNear = 0.01f;
 
 /// Point `index` of `count` that cover the unit disc evenly, as the seeds of a
@@ -51,6 +50,25 @@ std::vector<TVec3<float>> SkyDirections(const Studio& studio)
     return directions;
 }
 
+/// Each value mixed with its two neighbours on either side, along lines whose
+/// values lie `step` apart. What would lie beyond an end is as the end.
+void BlurLines(std::vector<float>& values, int lines, int lineStep, int count, int step)
+{
+    constexpr std::array<float, 5> kWeights{0.0625f, 0.25f, 0.375f, 0.25f, 0.0625f};
+    std::vector<float> line(static_cast<std::size_t>(count));
+    for (int l = 0; l < lines; ++l) {
+        for (int i = 0; i < count; ++i) {
+            float sum = 0.0f;
+            for (int tap = -2; tap <= 2; ++tap)
+                sum += kWeights[static_cast<std::size_t>(tap + 2)]
+                    * values[static_cast<std::size_t>(l * lineStep + std::clamp(i + tap, 0, count - 1) * step)];
+            line[static_cast<std::size_t>(i)] = sum;
+        }
+        for (int i = 0; i < count; ++i)
+            values[static_cast<std::size_t>(l * lineStep + i * step)] = line[static_cast<std::size_t>(i)];
+    }
+}
+
 float CrossProduct(const QPointF& a, const QPointF& b)
 {
     return static_cast<float>(a.x() * b.y() - a.y() * b.x());
@@ -68,13 +86,11 @@ FloorShadow::FloorShadow(const std::vector<PosedMesh>& meshes, const Studio& stu
     m_skyHidden = Hidden(meshes, SkyDirections(studio));
 }
 
-TVec3<float> FloorShadow::LightAt(int x, int y) const
+TVec3<float> FloorShadow::LostAt(int x, int y) const
 {
-    const TVec3<float>& up = m_studio.up;
-    const float sunHidden = Sampled(m_sunHidden, x, y);
-    const float skyHidden = Sampled(m_skyHidden, x, y);
-    return kSunLight * (Dot(m_studio.sun, up) * (1.0f - sunHidden)) + m_studio.SkyOn(up) * (1.0f - skyHidden)
-        + TVec3<float>{kBounce, kBounce, kBounce} * skyHidden;
+    const TVec3<float> sun = kSunLight * Dot(m_studio.sun, m_studio.up);
+    const TVec3<float> sky = m_studio.SkyOn(m_studio.up) - TVec3<float>{kBounce, kBounce, kBounce};
+    return sun * Sampled(m_sunHidden, x, y) + sky * Sampled(m_skyHidden, x, y);
 }
 
 FloorShadow::Mask FloorShadow::Hidden(const std::vector<PosedMesh>& meshes,
@@ -86,7 +102,6 @@ FloorShadow::Mask FloorShadow::Hidden(const std::vector<PosedMesh>& meshes,
     for (const TVec3<float>& direction : directions) {
         layer.fill(0);
         QPainter painter(&layer);
-        painter.setRenderHint(QPainter::Antialiasing);
         painter.fillPath(Silhouette(meshes, direction), Qt::white);
         painter.end();
         auto sum = mask.begin();
@@ -96,6 +111,9 @@ FloorShadow::Mask FloorShadow::Hidden(const std::vector<PosedMesh>& meshes,
                 *sum++ += static_cast<float>(row[x]) * weight;
         }
     }
+    // Melts the edges of the single layers into one another.
+    BlurLines(mask, m_maskSize.height(), m_maskSize.width(), m_maskSize.width(), 1);
+    BlurLines(mask, m_maskSize.width(), 1, m_maskSize.height(), m_maskSize.width());
     return mask;
 }
 

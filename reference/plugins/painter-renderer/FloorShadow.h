@@ -18,8 +18,8 @@ class FloorShadow {
 public:
     FloorShadow(const std::vector<PosedMesh>& meshes, const Studio& studio);
 
-    /// The light, linear, that arrives on the floor seen at a pixel.
-    TVec3<float> LightAt(int x, int y) const;
+    /// The light that the meshes take from the floor seen at a pixel.
+    TVec3<float> LostAt(int x, int y) const;
 
 private:
     /// The hidden share, 0 to 1, in a smaller picture of the same view.

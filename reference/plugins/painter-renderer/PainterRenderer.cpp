@@ -31,7 +31,7 @@ void PaintStudio(QImage& image, const Studio& studio, const std::vector<PosedMes
             const TVec3<float> ray = studio.RayThrough(static_cast<float>(x) + 0.5f, pixelY);
             const float distance = studio.DistanceToFloor(studio.eye, ray);
             const TVec3<float> colour = std::isfinite(distance)
-                ? studio.Floor(studio.eye + ray * distance, pixelY, shadow->LightAt(x, y))
+                ? studio.Floor(studio.eye + ray * distance, pixelY, shadow->LostAt(x, y))
                 : studio.Backdrop(pixelY);
             row[x] = PixelFromLinear(colour, DitherAt(x, y));
         }

@@ -99,6 +99,7 @@ private:
     /// visible part.
     void Cut(const Piece& whole, const Surface& surface)
     {
+        const double longestEdge = surface.texture ? 0.5 * m_longestEdge : m_longestEdge;
         m_open.assign(1, whole);
         while (!m_open.empty()) {
             const Piece piece = m_open.back();
@@ -107,7 +108,7 @@ private:
             if (!TouchesPicture(pixels))
                 continue;
             const std::size_t from = LongestEdge(pixels);
-            if (!(EdgeLength(pixels, from) > m_longestEdge)) {
+            if (!(EdgeLength(pixels, from) > longestEdge)) {
                 m_patches.push_back({pixels, Length(Centroid(piece)), ColourOf(piece, surface)});
                 continue;
             }
