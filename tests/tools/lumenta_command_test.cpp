@@ -18,6 +18,8 @@
 
 #include <sys/mount.h>
 
+Q_DECLARE_METATYPE(Hardship)
+
 namespace {
 
 const QString kModels = QStringLiteral("/usr/share/assimp/models/X/");
@@ -741,8 +743,6 @@ void LumentaCommandTest::TellsItsVersion()
 {
     QCOMPARE(Run(Words("--version")).output, QStringLiteral("lumenta " LUMENTA_VERSION "\n"));
 }
-
-Q_DECLARE_METATYPE(Hardship)
 
 QTEST_GUILESS_MAIN(LumentaCommandTest)
 #include "lumenta_command_test.moc"
