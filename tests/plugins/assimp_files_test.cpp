@@ -12,6 +12,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+// Assimp leaves memory behind when it meets a broken file. What the loader
+// itself leaves behind still counts.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions()
+{
+    return "leak:libassimp";
+}
+
 namespace {
 
 const QString kDemo = QStringLiteral("/usr/share/assimp/models/X/Testwuson.X");

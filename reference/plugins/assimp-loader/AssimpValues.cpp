@@ -1,7 +1,6 @@
 #include "reference/plugins/assimp-loader/AssimpValues.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace Host {
 
@@ -27,8 +26,7 @@ QString ToText(const aiString& text)
 
 float ToFloat(double value)
 {
-    constexpr double largest = std::numeric_limits<float>::max();
-    return static_cast<float>(std::isnan(value) ? value : std::clamp(value, -largest, largest));
+    return static_cast<float>(std::isnan(value) ? value : std::clamp(value, -kLargestFloat, kLargestFloat));
 }
 
 Matrix ToMatrix(const WideMatrix& matrix)
@@ -61,9 +59,8 @@ bool IsFinite(const WideMatrix& matrix)
 
 bool IsInvertible(const WideMatrix& matrix)
 {
-    constexpr double largest = std::numeric_limits<float>::max();
     return IsFinite(matrix)
-        && AllElements(InverseOf(matrix), [](double element) { return std::fabs(element) <= largest; });
+        && AllElements(InverseOf(matrix), [](double element) { return std::fabs(element) <= kLargestFloat; });
 }
 
 } // namespace Host

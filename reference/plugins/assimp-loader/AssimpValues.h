@@ -12,6 +12,7 @@
 #include <assimp/vector3.h>
 
 #include <cmath>
+#include <limits>
 
 namespace Host {
 
@@ -20,6 +21,8 @@ namespace Host {
 using WideMatrix = aiMatrix4x4t<double>;
 using WideQuaternion = aiQuaterniont<double>;
 using WideVector = aiVector3t<double>;
+
+constexpr double kLargestFloat = static_cast<double>(std::numeric_limits<float>::max());
 
 /// Assimp's texts are UTF-8.
 QString ToText(const aiString& text);

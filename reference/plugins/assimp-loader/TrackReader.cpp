@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 namespace Host {
 
@@ -126,12 +125,11 @@ private:
 template <typename Value, typename Key>
 Curve<Value> ChannelReader::ReadCurve(const Key* keys, unsigned int count, const aiString& name)
 {
-    constexpr double largest = std::numeric_limits<float>::max();
     Curve<Value> curve;
     curve.reserve(count);
     for (unsigned int i = 0; i < count; ++i) {
         Timed<Value> key{keys[i].mTime, Widen(keys[i].mValue)};
-        if (std::fabs(Milliseconds(key.ticks)) <= largest && Tidy(key.value))
+        if (std::fabs(Milliseconds(key.ticks)) <= kLargestFloat && Tidy(key.value))
             curve.push_back(key);
         else
             m_report.Warn(QStringLiteral("The animation of '%1' has keys that are not finite; they were left out.")
