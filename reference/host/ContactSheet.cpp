@@ -109,8 +109,10 @@ QImage MakeContactSheet(const std::vector<SheetPicture>& pictures, const QString
         const QRect place = layout.PictureAt(static_cast<int>(i));
         painter.drawImage(place.topLeft(), pictures[i].image);
         if (layout.captionHeight > 0) {
+            const QString caption =
+                painter.fontMetrics().elidedText(pictures[i].caption, Qt::ElideMiddle, place.width());
             painter.drawText(QRect(place.left(), place.bottom() + 1, place.width(), layout.captionHeight),
-                             Qt::AlignCenter, pictures[i].caption);
+                             Qt::AlignCenter, caption);
         }
     }
     return sheet;

@@ -77,7 +77,7 @@ private:
 QImage NewPicture(QSize size, QImage::Format format);
 
 /// The light of the sun on a surface that faces it.
-constexpr TVec3<float> kSunLight{0.8f, 0.75f, 0.68f};
+constexpr TVec3<float> kSunLight{0.77f, 0.72f, 0.65f};
 
 /// Tangent of half the angle under which the sun is seen: what softens shadows.
 constexpr float kSunRadius = 0.06f;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr TVec3<float> kClay{0.62f, 0.53f, 0.45f};
 constexpr float kDarkest = 0.03f;
-constexpr float kBrightest = 0.9f;
+constexpr float kBrightest = 0.86f;
 
 /// The number within bounds, or the default where it is none.
 float NumberOr(const QVariant& value, double otherwise, double least, double most)
@@ -108,6 +108,17 @@ SurfaceColour Surface::At(const TVec2<float>& texCoord) const
     if (!(opacity > 0.0f))
         return {base.colour, 0.0f};
     return {WithinReach(Times(base.colour, sum * (1.0f / opacity))), base.opacity * std::min(opacity, 1.0f)};
+}
+
+float Surface::HighlightOn(const TVec3<float>& normal, const TVec3<float>& towardsSun,
+                           const TVec3<float>& towardsEye) const
+{
+    // Blinn's highlight lies where the normal is half way between sun and eye;
+    // doubled, the exponent gives one about as large as Phong's. Broad ones are
+    // weaker: they share the light out.
+    const float alignment = std::max(0.0f, Dot(Normalized(towardsSun + towardsEye), normal));
+    const float concentration = std::min(1.0f, (shininess + 2.0f) / 32.0f);
+    return 0.6f * specular * concentration * std::pow(alignment, 2.0f * shininess);
 }
 
 SurfaceTable::SurfaceTable(const PictureRequest& request)

@@ -25,6 +25,10 @@ struct Surface {
     /// the image, which repeats in both directions. Bilinear; a coordinate that
     /// is not finite counts as 0.
     SurfaceColour At(const TVec2<float>& texCoord) const;
+
+    /// The part of the sun's light that the surface mirrors to the eye. All
+    /// directions are unit.
+    float HighlightOn(const TVec3<float>& normal, const TVec3<float>& towardsSun, const TVec3<float>& towardsEye) const;
 };
 
 /// The surfaces of a picture's meshes, and the textures that they use.

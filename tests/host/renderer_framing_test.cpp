@@ -4,6 +4,8 @@
 
 using namespace Host;
 
+Q_DECLARE_METATYPE(TVec3<float>)
+
 class RendererFraming : public QObject {
     Q_OBJECT
 
@@ -45,7 +47,7 @@ private Q_SLOTS:
                         reach = std::max({reach, static_cast<float>(std::fabs(pixel.x() / size.width() * 2.0 - 1.0)),
                                           static_cast<float>(std::fabs(pixel.y() / size.height() * 2.0 - 1.0))});
                     }
-                    QVERIFY2(reach <= 1.0f + tolerance && reach > 0.8f, qPrintable(QString::number(reach)));
+                    QVERIFY2(reach <= 1.0f + tolerance && reach > 0.8f, qPrintable(QString::number(static_cast<double>(reach))));
                 }
             }
         }
@@ -84,8 +86,6 @@ private Q_SLOTS:
         QCOMPARE(camera.eye, expected.eye);
     }
 };
-
-Q_DECLARE_METATYPE(TVec3<float>)
 
 QTEST_GUILESS_MAIN(RendererFraming)
 #include "renderer_framing_test.moc"

@@ -11,6 +11,9 @@
 
 using namespace Host;
 
+Q_DECLARE_METATYPE(Host::PosedMesh)
+Q_DECLARE_METATYPE(TVec3<float>)
+
 namespace {
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -497,9 +500,6 @@ private Q_SLOTS:
         QVERIFY_EXCEPTION_THROWN(Renderer(renderer)->Render(request, [](int) { throw 1; }), int);
     }
 };
-
-Q_DECLARE_METATYPE(Host::PosedMesh)
-Q_DECLARE_METATYPE(TVec3<float>)
 
 QTEST_GUILESS_MAIN(RendererPictures)
 #include "renderer_pictures_test.moc"

@@ -141,10 +141,7 @@ TVec3<float> LightTracer::SurfaceLight(const TriangleHit& hit, const Ray3& ray, 
     const ShadingPoint point = PointAt(hit, ray);
     const Light light = LightAt(point, colour.colour * kBounce, sample);
 
-    // Blinn's highlight: it lies where the normal is half way between sun and eye.
-    const TVec3<float> half = Normalized(m_studio.sun - ray.direction);
-    const float alignment = std::max(0.0f, Dot(half, point.smoothNormal));
-    const float highlight = surface.specular * 0.6f * std::pow(alignment, 2.0f * surface.shininess);
+    const float highlight = surface.HighlightOn(point.smoothNormal, m_studio.sun, -ray.direction);
     return Exposed(Times(colour.colour, light.sun + light.sky) + light.sun * highlight);
 }
 

@@ -1,5 +1,7 @@
 #include "FloorShadow.h"
 
+#include "reference/host/Surface.h"
+
 #include <QImage>
 #include <QPainter>
 
@@ -50,6 +52,17 @@ std::vector<TVec3<float>> SkyDirections(const Studio& studio)
     return directions;
 }
 
+/// The meshes that are more opaque than not.
+std::vector<const PosedMesh*> Casters(const PictureRequest& request)
+{
+    const SurfaceTable surfaces(request);
+    std::vector<const PosedMesh*> casters;
+    for (std::size_t mesh = 0; mesh < request.meshes->size(); ++mesh)
+        if (surfaces.Of(mesh).base.opacity >= 0.5f)
+            casters.push_back(&(*request.meshes)[mesh]);
+    return casters;
+}
+
 /// Each value mixed with its two neighbours on either side, along lines whose
 /// values lie `step` apart. What would lie beyond an end is as the end.
 void BlurLines(std::vector<float>& values, int lines, int lineStep, int count, int step)
@@ -76,14 +89,15 @@ float CrossProduct(const QPointF& a, const QPointF& b)
 
 } // namespace
 
-FloorShadow::FloorShadow(const std::vector<PosedMesh>& meshes, const Studio& studio)
+FloorShadow::FloorShadow(const PictureRequest& request, const Studio& studio)
     : m_studio(studio)
     , m_maskSize(studio.size)
 {
     if (std::max(m_maskSize.width(), m_maskSize.height()) > kLargestMask)
         m_maskSize = m_maskSize.scaled(kLargestMask, kLargestMask, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
-    m_sunHidden = Hidden(meshes, SunDirections(studio));
-    m_skyHidden = Hidden(meshes, SkyDirections(studio));
+    const Meshes casters = Casters(request);
+    m_sunHidden = Hidden(casters, SunDirections(studio));
+    m_skyHidden = Hidden(casters, SkyDirections(studio));
 }
 
 TVec3<float> FloorShadow::LostAt(int x, int y) const
@@ -93,8 +107,7 @@ TVec3<float> FloorShadow::LostAt(int x, int y) const
     return sun * Sampled(m_sunHidden, x, y) + sky * Sampled(m_skyHidden, x, y);
 }
 
-FloorShadow::Mask FloorShadow::Hidden(const std::vector<PosedMesh>& meshes,
-                                      const std::vector<TVec3<float>>& directions) const
+FloorShadow::Mask FloorShadow::Hidden(const Meshes& meshes, const std::vector<TVec3<float>>& directions) const
 {
     QImage layer(m_maskSize, QImage::Format_Grayscale8);
     Mask mask(static_cast<std::size_t>(m_maskSize.width()) * static_cast<std::size_t>(m_maskSize.height()), 0.0f);
@@ -119,7 +132,7 @@ FloorShadow::Mask FloorShadow::Hidden(const std::vector<PosedMesh>& meshes,
 
 /// One path for all triangles, all turned the same way round, so that no seam
 /// shows between neighbours.
-QPainterPath FloorShadow::Silhouette(const std::vector<PosedMesh>& meshes, const TVec3<float>& direction) const
+QPainterPath FloorShadow::Silhouette(const Meshes& meshes, const TVec3<float>& direction) const
 {
     const float slope = 1.0f / Dot(direction, m_studio.up);
     const qreal scale = static_cast<qreal>(m_maskSize.width()) / m_studio.size.width();
@@ -131,14 +144,14 @@ QPainterPath FloorShadow::Silhouette(const std::vector<PosedMesh>& meshes, const
 
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
-    for (const PosedMesh& mesh : meshes) {
-        for (std::size_t first = 0; first < mesh.indices.size(); first += 3) {
-            if (!IsDrawable(mesh, first))
+    for (const PosedMesh* mesh : meshes) {
+        for (std::size_t first = 0; first < mesh->indices.size(); first += 3) {
+            if (!IsDrawable(*mesh, first))
                 continue;
             std::array<QPointF, 3> corners;
             bool inFront = true;
             for (std::size_t i = 0; i < 3; ++i) {
-                const TVec3<float> fromEye = shadowOf(mesh.vertices[mesh.indices[first + i]].position);
+                const TVec3<float> fromEye = shadowOf(mesh->vertices[mesh->indices[first + i]].position);
                 inFront = inFront && fromEye.z > kNear && std::isfinite(fromEye.x) && std::isfinite(fromEye.y);
                 corners[i] = inFront ? m_studio.ToPixel(fromEye) * scale : QPointF();
             }

@@ -11,12 +11,13 @@ namespace Host {
 /// The shadow of a picture's meshes on the floor: for each pixel, how much of
 /// the sun and of the sky the meshes hide from the floor that is seen there.
 ///
-/// Each mesh triangle is projected to the floor along a number of directions,
-/// and the layers are averaged: soft where the triangle is far from the floor,
-/// dense where it touches it.
+/// Each triangle is projected to the floor along a number of directions, and
+/// the layers are averaged: soft where the triangle is far from the floor, dense
+/// where it touches it. A mesh casts its whole shadow or, where it is more
+/// transparent than not, none.
 class FloorShadow {
 public:
-    FloorShadow(const std::vector<PosedMesh>& meshes, const Studio& studio);
+    FloorShadow(const PictureRequest& request, const Studio& studio);
 
     /// The light that the meshes take from the floor seen at a pixel.
     TVec3<float> LostAt(int x, int y) const;
@@ -24,9 +25,10 @@ public:
 private:
     /// The hidden share, 0 to 1, in a smaller picture of the same view.
     using Mask = std::vector<float>;
+    using Meshes = std::vector<const PosedMesh*>;
 
-    Mask Hidden(const std::vector<PosedMesh>& meshes, const std::vector<TVec3<float>>& directions) const;
-    QPainterPath Silhouette(const std::vector<PosedMesh>& meshes, const TVec3<float>& direction) const;
+    Mask Hidden(const Meshes& meshes, const std::vector<TVec3<float>>& directions) const;
+    QPainterPath Silhouette(const Meshes& meshes, const TVec3<float>& direction) const;
     float Sampled(const Mask& mask, int x, int y) const;
 
     const Studio& m_studio;

@@ -19,11 +19,11 @@ constexpr int kFiner = 3;
 constexpr int kMostCanvasPixels = 6'000'000;
 
 /// The request's picture before any mesh is on it.
-void PaintStudio(QImage& image, const Studio& studio, const std::vector<PosedMesh>& meshes)
+void PaintStudio(QImage& image, const Studio& studio, const PictureRequest& request)
 {
     std::optional<FloorShadow> shadow;
     if (studio.ground)
-        shadow.emplace(meshes, studio);
+        shadow.emplace(request, studio);
     for (int y = 0; y < studio.size.height(); ++y) {
         QRgb* const row = reinterpret_cast<QRgb*>(image.scanLine(y));
         const float pixelY = static_cast<float>(y) + 0.5f;
@@ -69,7 +69,7 @@ public:
             return {};
         const Studio studio(request);
         QImage image = NewPicture(request.size, QImage::Format_RGB32);
-        PaintStudio(image, studio, *request.meshes);
+        PaintStudio(image, studio, request);
         const std::vector<Patch> patches = CutIntoPatches(request, studio);
 
         // Band by band, so that the finer canvas stays small.

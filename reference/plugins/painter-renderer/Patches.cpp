@@ -155,14 +155,18 @@ private:
         return (piece[0].fromEye + piece[1].fromEye + piece[2].fromEye) * (1.0f / 3.0f);
     }
 
+    /// The studio direction of a direction in the camera's frame.
+    TVec3<float> InStudio(const TVec3<float>& direction) const
+    {
+        return m_studio.right * direction.x + m_studio.above * direction.y + m_studio.forward * direction.z;
+    }
+
     /// The normal in the middle, towards the viewer.
     TVec3<float> NormalOf(const Piece& piece) const
     {
         const TVec3<float> inFrame = Normalized(Cross(Normalized(piece[1].fromEye - piece[0].fromEye),
                                                       Normalized(piece[2].fromEye - piece[0].fromEye)));
-        const TVec3<float> face = Dot(inFrame, Centroid(piece)) > 0.0f ? -inFrame : inFrame;
-        const TVec3<float> faceNormal =
-            m_studio.right * face.x + m_studio.above * face.y + m_studio.forward * face.z;
+        const TVec3<float> faceNormal = InStudio(Dot(inFrame, Centroid(piece)) > 0.0f ? -inFrame : inFrame);
         const TVec3<float> smooth = UnitOr(piece[0].normal + piece[1].normal + piece[2].normal, faceNormal);
         return Dot(smooth, faceNormal) < 0.0f ? -smooth : smooth;
     }
@@ -173,7 +177,9 @@ private:
         const SurfaceColour colour =
             surface.At((piece[0].texCoord + piece[1].texCoord + piece[2].texCoord) * (1.0f / 3.0f));
         const TVec3<float> sun = kSunLight * std::max(0.0f, Dot(normal, m_studio.sun));
-        const QRgb pixel = PixelFromLinear(Exposed(Times(colour.colour, sun + m_studio.SkyOn(normal))));
+        const float highlight = surface.HighlightOn(normal, m_studio.sun, Normalized(InStudio(-Centroid(piece))));
+        const QRgb pixel =
+            PixelFromLinear(Exposed(Times(colour.colour, sun + m_studio.SkyOn(normal)) + sun * highlight));
         return qRgba(qRed(pixel), qGreen(pixel), qBlue(pixel), qRound(colour.opacity * 255.0f));
     }
 
