@@ -146,8 +146,10 @@ int main(int argc, char* argv[])
         words += QFile::decodeName(argv[i]);
 
     // The toolkit gets no words: it would take some of them for its own.
-    int nOwnWords = 1;
-    const QGuiApplication application(nOwnWords, argv);
+    // And it lives until the process ends: it is not good at taking itself down.
+    static int nOwnWords = 1;
+    static const auto* const application = new QGuiApplication(nOwnWords, argv);
+    Q_UNUSED(application)
     // Numbers have a point, in this program and in the libraries it uses.
     std::setlocale(LC_NUMERIC, "C");
     QLocale::setDefault(QLocale::c());
