@@ -70,7 +70,8 @@ QString ErrorOfForNobody(const QString& fileName)
     const pid_t child = fork();
     if (child == 0) {
         constexpr uid_t nobody = 65534;
-        const bool dropped = geteuid() != 0 || (setgroups(0, nullptr) == 0 && setgid(nobody) == 0 && setuid(nobody) == 0);
+        const bool dropped =
+            geteuid() != 0 || (setgroups(0, nullptr) == 0 && setgid(nobody) == 0 && setuid(nobody) == 0);
         const QByteArray text = dropped ? ErrorOf(fileName).toUtf8() : "rights could not be dropped";
         _exit(write(channel[1], text.constData(), std::size_t(text.size())) == text.size() ? 0 : 1);
     }
@@ -121,15 +122,20 @@ void AssimpFilesTest::TurnsAway_data()
                                                         << refusal + "Header mismatch, file is not an XFile.";
     QTest::newRow("points only") << "dust.obj" << QByteArray("v 0 0 0\nv 1 0 0\np 1 2\n")
                                  << refusal + "it holds no usable triangles";
-    QTest::newRow("a scene without meshes") << "empty.gltf" << QByteArray(R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"name":"n"}]})")
-                                            << refusal + "it holds no usable triangles";
+    QTest::newRow("a scene without meshes")
+        << "empty.gltf"
+        << QByteArray(R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"name":"n"}]})")
+        << refusal + "it holds no usable triangles";
     QTest::newRow("faces without corners") << "hollow.off" << QByteArray("OFF\n3 5 0\n0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n")
                                            << refusal + "mesh '' has faces whose corners are missing";
     QTest::newRow("corners beyond the vertices")
-        << "beyond.ply" << QByteArray("ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
-                                      "element face 1\nproperty list uchar int vertex_index\nend_header\n0 0 0\n1 0 0\n0 1 0\n4 0 1 2 9\n")
+        << "beyond.ply"
+        << QByteArray(
+               "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
+               "element face 1\nproperty list uchar int vertex_index\nend_header\n0 0 0\n1 0 0\n0 1 0\n4 0 1 2 9\n")
         << refusal + "mesh '' has faces whose corners are missing";
-    QTest::newRow("a percent sign in the name") << "100 %2.txt" << QByteArray("Dear model,\n") << refusal + "its format is unknown";
+    QTest::newRow("a percent sign in the name")
+        << "100 %2.txt" << QByteArray("Dear model,\n") << refusal + "its format is unknown";
 }
 
 void AssimpFilesTest::TurnsAway()
@@ -152,7 +158,8 @@ void AssimpFilesTest::TurnsAwayWhatIsNoFile()
     QCOMPARE(ErrorOf(secret), QString("was loaded"));
     QCOMPARE(chmod(QFile::encodeName(m_folder.path()).constData(), 0755), 0);
     QCOMPARE(chmod(QFile::encodeName(secret).constData(), 0), 0);
-    QCOMPARE(ErrorOfForNobody(secret), "FileException: The model file can't be read: Permission denied\nFile: " + secret);
+    QCOMPARE(ErrorOfForNobody(secret),
+             "FileException: The model file can't be read: Permission denied\nFile: " + secret);
 }
 
 void AssimpFilesTest::TurnsAwayTruncatedModels_data()
@@ -184,7 +191,8 @@ void AssimpFilesTest::ComesOutRightHandedAndUpright_data()
     QTest::addColumn<float>("v"); // of the file's 0.125
 
     QTest::newRow("a left-handed format, images from the top") << "triangle.x" << QByteArray(kTriangleX) << 0.125f;
-    QTest::newRow("a right-handed format, images from the bottom") << "triangle.obj" << QByteArray(kTriangleObj) << 0.875f;
+    QTest::newRow("a right-handed format, images from the bottom")
+        << "triangle.obj" << QByteArray(kTriangleObj) << 0.875f;
 }
 
 /// Both files are one triangle at z = -2 that looks along +z.
@@ -203,7 +211,8 @@ void AssimpFilesTest::ComesOutRightHandedAndUpright()
     for (const unsigned int index : mesh.indices)
         corners.push_back(mesh.vertices[index]);
     QCOMPARE(corners.size(), std::size_t(3));
-    const TVec3<float> front = Cross(corners[0].position - corners[1].position, corners[2].position - corners[1].position);
+    const TVec3<float> front =
+        Cross(corners[0].position - corners[1].position, corners[2].position - corners[1].position);
     QCOMPARE(front, (TVec3<float>{0, 0, 1}));
     int found = 0;
     for (const MeshVertex& corner : corners) {

@@ -216,7 +216,8 @@ void AssimpModelsTest::HoldsTogether_data()
     QTest::addColumn<QString>("file");
 
     QVERIFY2(QFile::exists(kModels), kMissing);
-    const QStringList patterns{"*.fbx", "*.dae", "*.zae", "*.gltf", "*.glb", "*.x", "*.md5mesh", "*.smd", "*.bvh", "*.3ds"};
+    const QStringList patterns{"*.fbx", "*.dae",     "*.zae", "*.gltf", "*.glb",
+                               "*.x",   "*.md5mesh", "*.smd", "*.bvh",  "*.3ds"};
     for (const char* folder : {"FBX", "Collada", "glTF", "glTF2", "X", "MD5", "SMD", "BVH", "3DS"}) {
         QDirIterator files(kModels + folder, patterns, QDir::Files, QDirIterator::Subdirectories);
         while (files.hasNext()) {

@@ -26,7 +26,10 @@ struct PosedVertex {
 using Mesh = std::vector<PosedVertex>;
 
 inline Vec ToDouble(const aiVector3D& v) { return Vec(double(v.x), double(v.y), double(v.z)); }
-inline Quat ToDouble(const aiQuaternion& q) { return Quat(double(q.w), double(q.x), double(q.y), double(q.z)).Normalize(); }
+inline Quat ToDouble(const aiQuaternion& q)
+{
+    return Quat(double(q.w), double(q.x), double(q.y), double(q.z)).Normalize();
+}
 
 inline Vec Mix(const Vec& a, const Vec& b, double f) { return a * (1.0 - f) + b * f; }
 

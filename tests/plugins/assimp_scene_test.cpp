@@ -208,7 +208,8 @@ void AssimpSceneTest::TellsBonesOfOneNameApart()
 
     const Host::Model model = Load(builder);
     QCOMPARE(int(model.scene->root->geometries.at(0)->vertices.at(0).boneIndices[0]), 2);
-    QCOMPARE(model.warnings, QStringList{"2 nodes are named 'twin'; the bone of this name is the one whose rest pose fits."});
+    QCOMPARE(model.warnings,
+             QStringList{"2 nodes are named 'twin'; the bone of this name is the one whose rest pose fits."});
 }
 
 void AssimpSceneTest::TellsChannelsOfOneNameApart_data()
@@ -274,18 +275,18 @@ void AssimpSceneTest::MergesKeys_data()
                                                << Floats{0, 5000} << Floats{1, 3} << 5000.0f;
     QTest::newRow("out of order") << 1000.0 << 0.0 << Keys{at(20, 4), at(0, 1), at(10, 3)} << Keys{}
                                   << Floats{0, 10, 20} << Floats{1, 3, 4} << 20.0f;
-    QTest::newRow("two values at once: a jump") << 1000.0 << 0.0 << Keys{at(0, 1), at(10, 3), at(10, 7), at(20, 8)} << Keys{}
-                                                << Floats{0, 10, 10, 20} << Floats{1, 3, 7, 8} << 20.0f;
+    QTest::newRow("two values at once: a jump") << 1000.0 << 0.0 << Keys{at(0, 1), at(10, 3), at(10, 7), at(20, 8)}
+                                                << Keys{} << Floats{0, 10, 10, 20} << Floats{1, 3, 7, 8} << 20.0f;
     QTest::newRow("one value twice at once: no jump") << 1000.0 << 0.0 << Keys{at(0, 1), at(10, 3), at(10, 3)} << Keys{}
                                                       << Floats{0, 10} << Floats{1, 3} << 10.0f;
-    QTest::newRow("other components at times of their own") << 1000.0 << 0.0 << Keys{at(0, 1), at(20, 5)}
-                                                            << Keys{at(-5, 1), at(5, 1), at(30, 1)}
-                                                            << Floats{-5, 0, 5, 20, 30} << Floats{1, 1, 2, 5, 5} << 30.0f;
+    QTest::newRow("other components at times of their own")
+        << 1000.0 << 0.0 << Keys{at(0, 1), at(20, 5)} << Keys{at(-5, 1), at(5, 1), at(30, 1)}
+        << Floats{-5, 0, 5, 20, 30} << Floats{1, 1, 2, 5, 5} << 30.0f;
     QTest::newRow("no positions: the node's own stays") << 1000.0 << 0.0 << Keys{} << Keys{at(0, 1), at(5, 2)}
                                                         << Floats{0, 5} << Floats{9, 9} << 5.0f;
-    QTest::newRow("keys that are not finite are left out") << 1000.0 << 0.0
-                                                           << Keys{at(0, kNan), at(qQNaN(), 1), at(qInf(), 1), at(1e300, 1), at(5, 2)}
-                                                           << Keys{} << Floats{5} << Floats{2} << 5.0f;
+    QTest::newRow("keys that are not finite are left out")
+        << 1000.0 << 0.0 << Keys{at(0, kNan), at(qQNaN(), 1), at(qInf(), 1), at(1e300, 1), at(5, 2)} << Keys{}
+        << Floats{5} << Floats{2} << 5.0f;
 }
 
 void AssimpSceneTest::MergesKeys()
@@ -321,7 +322,8 @@ void AssimpSceneTest::MergedTracksRunAsTheFilesDo()
     const aiQuaternion longWayRound(-turned.w, -turned.x, -turned.y, -turned.z);
     for (const aiQuatKey& key : {aiQuatKey(10, {}), aiQuatKey(50, longWayRound), aiQuatKey(90, turned * turned)})
         Append(channel->mRotationKeys, channel->mNumRotationKeys, key);
-    for (const aiVectorKey& key : {aiVectorKey(20, {1, 1, 1}), aiVectorKey(33, {2, 0.5f, 1}), aiVectorKey(80, {1, 3, 1})})
+    for (const aiVectorKey& key :
+         {aiVectorKey(20, {1, 1, 1}), aiVectorKey(33, {2, 0.5f, 1}), aiVectorKey(80, {1, 3, 1})})
         Append(channel->mScalingKeys, channel->mNumScalingKeys, key);
 
     const Host::Model model = Load(builder);
@@ -363,9 +365,11 @@ void AssimpSceneTest::RepairsDamage_data()
     QTest::addColumn<Damage>("damage");
     QTest::addColumn<QStringList>("warnings");
 
-    QTest::newRow("a vertex that is not finite") << Damage([](SceneBuilder& b) { b.scene.mMeshes[0]->mVertices[4].y = kNan; })
+    QTest::newRow("a vertex that is not finite")
+        << Damage([](SceneBuilder& b) { b.scene.mMeshes[0]->mVertices[4].y = kNan; })
         << QStringList{"Mesh 'node' has triangles whose corners are missing or not finite; they were left out."};
-    QTest::newRow("a corner beyond the vertices") << Damage([](SceneBuilder& b) { b.scene.mMeshes[0]->mFaces[1].mIndices[2] = 6; })
+    QTest::newRow("a corner beyond the vertices")
+        << Damage([](SceneBuilder& b) { b.scene.mMeshes[0]->mFaces[1].mIndices[2] = 6; })
         << QStringList{"Mesh 'node' has triangles whose corners are missing or not finite; they were left out."};
     QTest::newRow("a line among the triangles goes unmentioned")
         << Damage([](SceneBuilder& b) { b.scene.mMeshes[0]->mFaces[1].mNumIndices = 2; }) << QStringList();
@@ -381,19 +385,23 @@ void AssimpSceneTest::RepairsDamage_data()
     QTest::newRow("a transform that is not finite")
         << Damage([](SceneBuilder& b) { b.scene.mRootNode->mChildren[0]->mTransformation.a4 = -kInfinite; })
         << QStringList{"The transform of node 'node' is not finite; it stands where its parent stands."};
-    QTest::newRow("a bone without a node") << Damage([](SceneBuilder& b) { b.AddBone(b.scene.mMeshes[0], "ghost", {}, {{0, 1.0f}}); })
-        << QStringList{"Bone 'ghost' has no node; its weights were left out."};
+    QTest::newRow("a bone without a node") << Damage([](SceneBuilder& b) {
+        b.AddBone(b.scene.mMeshes[0], "ghost", {}, {{0, 1.0f}});
+    }) << QStringList{"Bone 'ghost' has no node; its weights were left out."};
     QTest::newRow("a bone with an offset that is not finite")
         << Damage([](SceneBuilder& b) { b.AddBone(b.scene.mMeshes[0], "node", MoveBy(kNan, 0, 0), {{0, 1.0f}}); })
         << QStringList{"Bone 'node' has no finite rest pose; its weights were left out."};
-    QTest::newRow("a weight for a vertex that is not there")
-        << Damage([](SceneBuilder& b) { b.AddBone(b.scene.mMeshes[0], "node", {}, {{6, 1.0f}, {0, 1.0f}}); }) << QStringList();
-    QTest::newRow("a motion of nobody") << Damage([](SceneBuilder& b) { b.AddChannel(b.AddAnimation(1), "ghost", {{0.0, {}}}); })
-        << QStringList{"The animation of 'ghost' moves no node and was left out."};
+    QTest::newRow("a weight for a vertex that is not there") << Damage([](SceneBuilder& b) {
+        b.AddBone(b.scene.mMeshes[0], "node", {}, {{6, 1.0f}, {0, 1.0f}});
+    }) << QStringList();
+    QTest::newRow("a motion of nobody") << Damage([](SceneBuilder& b) {
+        b.AddChannel(b.AddAnimation(1), "ghost", {{0.0, {}}});
+    }) << QStringList{"The animation of 'ghost' moves no node and was left out."};
     QTest::newRow("a mesh that is not there") << Damage([](SceneBuilder& b) {
         Append(b.scene.mRootNode->mMeshes, b.scene.mRootNode->mNumMeshes, 77u);
     }) << QStringList();
-    QTest::newRow("a material that is not there") << Damage([](SceneBuilder& b) { b.scene.mMeshes[0]->mMaterialIndex = 5; }) << QStringList();
+    QTest::newRow("a material that is not there")
+        << Damage([](SceneBuilder& b) { b.scene.mMeshes[0]->mMaterialIndex = 5; }) << QStringList();
     QTest::newRow("a gap among the children") << Damage([](SceneBuilder& b) {
         aiNode* const nobody = nullptr;
         Append(b.scene.mRootNode->mChildren, b.scene.mRootNode->mNumChildren, const_cast<aiNode*>(nobody));
@@ -440,8 +448,9 @@ void AssimpSceneTest::Refuses_data()
         b.AddTriangle(b.scene.mRootNode);
         b.scene.mRootNode->mNumMeshes = 0;
     }) << "it holds no usable triangles";
-    QTest::newRow("only lines") << Damage([](SceneBuilder& b) { b.AddTriangle(b.scene.mRootNode)->mFaces[0].mNumIndices = 2; })
-                                << "it holds no usable triangles";
+    QTest::newRow("only lines") << Damage([](SceneBuilder& b) {
+        b.AddTriangle(b.scene.mRootNode)->mFaces[0].mNumIndices = 2;
+    }) << "it holds no usable triangles";
     QTest::newRow("a bone too far down the list") << Damage([](SceneBuilder& b) {
         const unsigned int count = 65536;
         b.scene.mRootNode->mNumChildren = count;

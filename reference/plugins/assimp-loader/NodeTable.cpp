@@ -71,8 +71,8 @@ NodeTable::NodeTable(const aiScene& source, SkinAnimation::Scene& scene, Report&
         const bool isRoot = m_entries.empty();
         const WideMatrix local = LocalTransformOf(*file, report);
         const WideMatrix global = isRoot ? local : m_entries[parent].restGlobal * local;
-        auto node = std::make_unique<SkinAnimation::Node>(ToText(file->mName), OriginOf(*file, global, source), Matrix(),
-                                                          isRoot ? nullptr : m_entries[parent].node);
+        auto node = std::make_unique<SkinAnimation::Node>(ToText(file->mName), OriginOf(*file, global, source),
+                                                          Matrix(), isRoot ? nullptr : m_entries[parent].node);
         // The node's own arithmetic would come back to this only nearly.
         node->localTransform = ToMatrix(local);
 

@@ -257,8 +257,9 @@ std::unique_ptr<SkinAnimation::Animation> ReadAnimation(const aiAnimation& sourc
     animation->duration = layer.duration;
     animation->layers.push_back(std::move(layer));
     if (source.mNumMeshChannels > 0 || source.mNumMorphMeshChannels > 0)
-        report.Warn(QStringLiteral("Animation '%1' changes the shape of meshes; only the motion of nodes was taken over.")
-                        .arg(animation->name));
+        report.Warn(
+            QStringLiteral("Animation '%1' changes the shape of meshes; only the motion of nodes was taken over.")
+                .arg(animation->name));
     return animation;
 }
 
