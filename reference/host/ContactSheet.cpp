@@ -2,7 +2,7 @@
 
 #include "lumenta/foundation/Exceptions.h"
 
-#include <QFontDatabase>
+#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPainter>
 
@@ -23,9 +23,10 @@ int CaptionHeight(QSize picture)
     return std::clamp(picture.height() / 24, 13, 40);
 }
 
+/// Without fonts Qt still lists families, and draws each letter as a box.
 bool CanWrite()
 {
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) && !QFontDatabase().families().isEmpty();
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) && QFontMetrics(QFont()).inFont(u'A');
 }
 
 void CheckPictures(const std::vector<SheetPicture>& pictures)
