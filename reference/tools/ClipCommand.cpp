@@ -9,8 +9,6 @@ namespace Host {
 
 namespace {
 
-constexpr double kLongestTime = 1e9; ///< Milliseconds.
-
 struct Cut {
     QString name;
     float from;

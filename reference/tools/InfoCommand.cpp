@@ -180,6 +180,16 @@ QString PointText(const QJsonValue& coordinates)
     return QLatin1Char('(') + numbers.join(QStringLiteral(", ")) + QLatin1Char(')');
 }
 
+/// "y" or "-z"; the vector itself where it is no axis.
+QString AxisText(const QJsonValue& up)
+{
+    for (int axis = 0; axis < 3; ++axis)
+        for (const double sign : {1.0, -1.0})
+            if (up == QJsonArray{axis == 0 ? sign : 0.0, axis == 1 ? sign : 0.0, axis == 2 ? sign : 0.0})
+                return (sign < 0.0 ? QStringLiteral("-") : QString()) + QLatin1Char("xyz"[axis]);
+    return PointText(up);
+}
+
 QString BoxText(const QJsonValue& box)
 {
     return box.isNull()
@@ -231,7 +241,7 @@ QString FactsText(const QJsonObject& facts)
     const auto list = [&facts](const char* key) { return facts.value(QLatin1String(key)).toArray(); };
     return QStringLiteral("%1\nUp axis       %2\nBounding box  %3\n")
                .arg(Printable(facts.value(QStringLiteral("file")).toString()),
-                    PointText(facts.value(QStringLiteral("up"))), BoxText(facts.value(QStringLiteral("boundingBox"))))
+                    AxisText(facts.value(QStringLiteral("up"))), BoxText(facts.value(QStringLiteral("boundingBox"))))
            + ListText(QStringLiteral("Meshes"), list("meshes"),
                       {QStringLiteral("name"), QStringLiteral(">vertices"), QStringLiteral(">triangles"),
                        QStringLiteral("skinned"), QStringLiteral("material")})

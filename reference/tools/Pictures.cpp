@@ -35,10 +35,12 @@ QString Caption(const Frame& frame, const Take& take)
 /// which proves the animation's index.
 QString TitleOf(const Model& model, const Take& take)
 {
-    QString title = QFileInfo(model.fileName).fileName();
-    if (take.animation)
-        title += QStringLiteral(", ") + model.scene->animations[static_cast<std::size_t>(*take.animation)]->name;
-    return Printable(title);
+    const QString title = QFileInfo(model.fileName).fileName();
+    if (!take.animation)
+        return Printable(title);
+    const QString name = model.scene->animations[static_cast<std::size_t>(*take.animation)]->name;
+    return Printable(title + QStringLiteral(", ")
+                     + (name.isEmpty() ? QStringLiteral("animation %1").arg(*take.animation) : name));
 }
 
 FrameSequence MakeSequence(Model& model, const Take& take, ProgressBar& bar)

@@ -14,7 +14,6 @@ constexpr int kMostPixels = 16384; ///< Along one side.
 constexpr int kMostFrames = 10000;
 constexpr int kTurntableFrames = 12;
 constexpr qint64 kMostSheetPixels = qint64(1) << 28; ///< Of all frames together: 1 GiB.
-constexpr double kLongestTime = 1e9;                 ///< Milliseconds; more than eleven days.
 
 /// A place for a number: %d, or with leading zeros %04d. In the last part of
 /// the path only.

@@ -5,6 +5,9 @@
 
 namespace Host {
 
+/// The largest time that can be asked for, in milliseconds: more than eleven days.
+constexpr double kLongestTime = 1e9;
+
 /// How pictures are asked for on the command line.
 struct RenderOptions {
     QString fileName; ///< Of one picture, or with a %04d for the number of each.
