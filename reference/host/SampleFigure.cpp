@@ -253,8 +253,12 @@ Limb MirroredToRight(Limb limb)
 {
     limb.start.x = -limb.start.x;
     limb.end.x = -limb.end.x;
-    for (Takeover& takeover : limb.bones)
-        takeover.bone = static_cast<std::uint16_t>(takeover.bone + (takeover.bone < kThighL ? kArmR - kArmL : kThighR - kThighL));
+    for (Takeover& takeover : limb.bones) {
+        if (takeover.bone >= kThighL)
+            takeover.bone = static_cast<std::uint16_t>(takeover.bone + kThighR - kThighL);
+        else if (takeover.bone >= kArmL)
+            takeover.bone = static_cast<std::uint16_t>(takeover.bone + kArmR - kArmL);
+    }
     return limb;
 }
 
@@ -434,13 +438,13 @@ std::vector<Motion> Waving()
     const Quaternion none = About(kX, 0.0f);
     return {
         {kHips, none, kZ, 2.0f, 2.0f, 0.0f},
-        {kSpine, none, kZ, -3.0f, 2.0f, 20.0f},
-        {kChest, none, kZ, -3.0f, 2.0f, 40.0f},
-        {kHead, About(kY, 10.0f), kZ, -7.0f, 5.0f, 60.0f},
+        {kSpine, none, kZ, -2.0f, 1.5f, 20.0f},
+        {kChest, none, kZ, -2.0f, 1.5f, 40.0f},
+        {kHead, About(kY, 10.0f), kZ, -1.0f, 5.0f, 60.0f},
         {kThighL, none, kZ, -2.0f, -2.0f, 0.0f},
         {kThighR, none, kZ, -2.0f, -2.0f, 0.0f},
         {kArmL, About(kX, -10.0f), kZ, 78.0f, 6.0f, 0.0f, 2.0f},
-        {kForearmL, none, kZ, 26.0f, 26.0f, 30.0f, 2.0f},
+        {kForearmL, none, kZ, 22.0f, 26.0f, 30.0f, 2.0f},
         {kHandL, none, kZ, 0.0f, 16.0f, 60.0f, 2.0f},
         {kArmR, About(kX, 4.0f), kZ, 14.0f, 3.0f, 90.0f},
         {kForearmR, none, kX, -16.0f, 4.0f, 120.0f},

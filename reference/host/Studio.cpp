@@ -172,8 +172,11 @@ QImage NewPicture(QSize size, QImage::Format format)
 {
     QImage image(size, format);
     if (image.isNull()) {
-        throw OutOfMemoryException(QStringLiteral("No room for a picture of %1 by %2 pixels").arg(size.width()).arg(size.height()),
-                                   static_cast<unsigned long>(size.width()) * static_cast<unsigned long>(size.height()) * 4);
+        const QString text =
+            QStringLiteral("No room for a picture of %1 by %2 pixels").arg(size.width()).arg(size.height());
+        constexpr unsigned long kBytesPerPixel = 4;
+        throw OutOfMemoryException(text, kBytesPerPixel * static_cast<unsigned long>(size.width())
+                                             * static_cast<unsigned long>(size.height()));
     }
     return image;
 }

@@ -1,3 +1,4 @@
+#include "lumenta/foundation/Exceptions.h"
 #include "reference/host/SampleFigure.h"
 #include "reference/host/Studio.h"
 #include "reference/plugins/embree-renderer/EmbreeRenderer.h"
@@ -66,8 +67,8 @@ PosedMesh Sphere(const TVec3<float>& centre, float radius)
     for (unsigned int row = 0; row < kRows; ++row) {
         for (unsigned int column = 0; column < kColumns; ++column) {
             const unsigned int at = row * (kColumns + 1) + column;
-            for (const unsigned int corner : {at, at + 1, at + kColumns + 1, at + 1, at + kColumns + 2, at + kColumns + 1})
-                mesh.indices.push_back(corner);
+            const unsigned int below = at + kColumns + 1;
+            mesh.indices.insert(mesh.indices.end(), {at, at + 1, below, at + 1, below + 1, below});
         }
     }
     return mesh;
@@ -235,7 +236,8 @@ private Q_SLOTS:
             for (int x = 0; x < 120; ++x) {
                 covered += traced.At(x, y) ? 1 : 0;
                 if (traced.IsUniformAround(x, y, 1))
-                    QVERIFY2(traced.At(x, y) == painted.At(x, y), qPrintable(QStringLiteral("at %1, %2").arg(x).arg(y)));
+                    QVERIFY2(traced.At(x, y) == painted.At(x, y),
+                             qPrintable(QStringLiteral("at %1, %2").arg(x).arg(y)));
             }
         }
         QVERIFY2(covered > 120 * 160 / 10, qPrintable(QString::number(covered)));
@@ -302,7 +304,10 @@ private Q_SLOTS:
 
         const auto coloursAt = [&](int x, int y) {
             const QRgb pixel = picture.pixel(x, y);
-            return QString::fromLatin1("%1%2%3").arg(qRed(pixel) > 128).arg(qGreen(pixel) > 128).arg(qBlue(pixel) > 128);
+            return QStringLiteral("%1%2%3")
+                .arg(qRed(pixel) > 128)
+                .arg(qGreen(pixel) > 128)
+                .arg(qBlue(pixel) > 128);
         };
         QCOMPARE(coloursAt(26, 26), QStringLiteral("100"));
         QCOMPARE(coloursAt(54, 26), QStringLiteral("010"));
@@ -355,6 +360,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("least");
         QTest::addColumn<int>("most");
         const double notANumber = std::numeric_limits<double>::quiet_NaN();
+        const QVariant grey(QStringLiteral("grey"));
         QTest::newRow("none: light clay") << QString() << QVariant() << 0.0f << 400 << 650;
         QTest::newRow("black keeps its shape") << "diffuse" << QVariant(QColor(Qt::black)) << 0.0f << 60 << 200;
         QTest::newRow("white is not blown out") << "diffuse" << QVariant(QColor(Qt::white)) << 0.0f << 600 << 764;
@@ -363,12 +369,12 @@ private Q_SLOTS:
         QTest::newRow("an opacity that is no number") << "opacity" << QVariant(notANumber) << 0.0f << 400 << 650;
         QTest::newRow("an opacity out of range") << "opacity" << QVariant(7.0) << 0.0f << 400 << 650;
         QTest::newRow("a shininess that is no number") << "shininess" << QVariant(notANumber) << 0.0f << 400 << 650;
-        QTest::newRow("a texture that is missing") << "texture" << QVariant(QStringLiteral("lost")) << 0.0f << 400 << 650;
-        QTest::newRow("a texture that is null") << "texture" << QVariant(QStringLiteral("null")) << 0.0f << 400 << 650;
-        QTest::newRow("a texture nowhere") << "texture" << QVariant(QStringLiteral("grey")) << kNaN << 200 << 450;
-        QTest::newRow("a texture at infinity") << "texture" << QVariant(QStringLiteral("grey")) << kInfinity << 200 << 450;
-        QTest::newRow("a texture far out") << "texture" << QVariant(QStringLiteral("grey")) << -3e38f << 200 << 450;
-        QTest::newRow("a texture just below 0") << "texture" << QVariant(QStringLiteral("grey")) << -1e-9f << 200 << 450;
+        QTest::newRow("a texture that is missing") << "texture" << QVariant("lost") << 0.0f << 400 << 650;
+        QTest::newRow("a texture that is null") << "texture" << QVariant("null") << 0.0f << 400 << 650;
+        QTest::newRow("a texture nowhere") << "texture" << grey << kNaN << 200 << 450;
+        QTest::newRow("a texture at infinity") << "texture" << grey << kInfinity << 200 << 450;
+        QTest::newRow("a texture far out") << "texture" << grey << -3e38f << 200 << 450;
+        QTest::newRow("a texture just below 0") << "texture" << grey << -1e-9f << 200 << 450;
     }
 
     void showsAnyMaterial()
@@ -467,6 +473,21 @@ private Q_SLOTS:
             const QImage picture = Renderer(QString::fromLatin1(renderer))->Render(request, {});
             QCOMPARE(picture.isNull(), size.isEmpty());
             QVERIFY(picture.isNull() || picture.size() == size);
+        }
+    }
+
+    void tellsWhatDoesNotFitInMemory_data() { AddRendererRows(); }
+
+    void tellsWhatDoesNotFitInMemory()
+    {
+        QFETCH(QString, renderer);
+        const std::vector<PosedMesh> meshes{UnitQuad()};
+        try {
+            Renderer(renderer)->Render(RequestOf(meshes, {2000000000, 2000000000}), {});
+            QFAIL("Nothing was thrown");
+        } catch (const OutOfMemoryException& e) {
+            QCOMPARE(e.GetErrorText(), QStringLiteral("No room for a picture of 2000000000 by 2000000000 pixels\n"
+                                                      "Attempted to allocate 16000000000000000000 bytes"));
         }
     }
 
