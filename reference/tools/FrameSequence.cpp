@@ -1,0 +1,93 @@
+#include "reference/tools/FrameSequence.h"
+
+#include "lumenta/foundation/Exceptions.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Host {
+
+namespace {
+
+/// The animation's duration. For a wrong index 0: posing will complain.
+float DurationOf(const SkinAnimation::Scene& scene, std::optional<int> animation)
+{
+    const auto index = static_cast<std::size_t>(animation.value_or(-1));
+    return index < scene.animations.size() ? scene.animations[index]->duration : 0.0f;
+}
+
+std::vector<Frame> PlanFrames(const Take& take, float duration)
+{
+    std::vector<Frame> frames;
+    for (int i = 0; i < take.nFrames; ++i) {
+        const float played = take.nFrames > 1 ? static_cast<float>(i) / static_cast<float>(take.nFrames - 1) : 0.0f;
+        const float turned = take.turntable ? static_cast<float>(i) / static_cast<float>(take.nFrames) : 0.0f;
+        frames.push_back({take.time ? *take.time : played * duration, take.azimuth + turned * 360.0f, {}});
+    }
+    return frames;
+}
+
+float LowestAlong(const TVec3<float>& up, const TBBox<float>& box)
+{
+    return std::min(up.x * box.min.x, up.x * box.max.x) + std::min(up.y * box.min.y, up.y * box.max.y)
+           + std::min(up.z * box.min.z, up.z * box.max.z);
+}
+
+} // namespace
+
+FrameSequence::FrameSequence(SkinAnimation::Scene& scene, const Take& take, const Progress& progress)
+    : m_scene(scene)
+    , m_animation(take.animation)
+    , m_frames(PlanFrames(take, DurationOf(scene, take.animation)))
+{
+    const TBBox<float> box = PoseAll(progress);
+    if (box.IsEmpty())
+        throw LoadingException(QStringLiteral("no frame holds a triangle that could be drawn"));
+    m_groundHeight = LowestAlong(take.up, box);
+    PlaceCameras(box, take);
+}
+
+const std::vector<PosedMesh>& FrameSequence::Pose(const Frame& frame)
+{
+    if (m_posedTime == frame.time)
+        return m_collector.meshes;
+
+    m_posedTime.reset();
+    if (m_animation)
+        m_scene.CalculateAnimation(*m_animation, frame.time);
+    m_collector.BeginModel(QString(), m_scene.nodes.size());
+    m_scene.CreateMeshes(m_collector);
+    m_collector.EndModel();
+    m_posedTime = frame.time;
+    return m_collector.meshes;
+}
+
+TBBox<float> FrameSequence::PoseAll(const Progress& progress)
+{
+    TBBox<float> box;
+    int nDone = 0;
+    for (const Frame& frame : m_frames) {
+        if (m_posedTime != frame.time)
+            box.Extend(BoxOf(Pose(frame)));
+        ++nDone;
+        if (progress)
+            progress(100 * nDone / static_cast<int>(m_frames.size()));
+    }
+    return box;
+}
+
+void FrameSequence::PlaceCameras(const TBBox<float>& box, const Take& take)
+{
+    float farthest = 0.0f;
+    for (Frame& frame : m_frames) {
+        frame.camera = FrameBox(box, take.up, frame.azimuth, take.elevation, take.size);
+        farthest = std::max(farthest, Length(frame.camera.eye - frame.camera.target));
+    }
+    // From some sides the box is narrower; one distance keeps the model's size.
+    for (Frame& frame : m_frames) {
+        const TVec3<float> back = Normalized(frame.camera.eye - frame.camera.target);
+        frame.camera.eye = frame.camera.target + back * farthest;
+    }
+}
+
+} // namespace Host

@@ -1,0 +1,72 @@
+#include "reference/tools/ImageFile.h"
+
+#include "reference/tools/Failure.h"
+#include "reference/tools/Texts.h"
+
+#include <QBuffer>
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QSaveFile>
+
+namespace Host {
+
+namespace {
+
+/// A leading colon would mean a file inside this program.
+QString OnDisk(const QString& fileName)
+{
+    return fileName.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + fileName : fileName;
+}
+
+QByteArray Encoded(const QString& fileName, const QImage& image)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "png");
+    if (image.isNull() || !writer.write(image))
+        throw Failure{fileName, QStringLiteral("the picture could not be encoded: ") + writer.errorString()};
+    return bytes;
+}
+
+} // namespace
+
+void CheckImageFile(const QString& verb, const QString& fileName)
+{
+    const QFileInfo file(OnDisk(fileName));
+    if (file.suffix().compare(QLatin1String("png"), Qt::CaseInsensitive) != 0)
+        throw UsageError{verb, fileName + QStringLiteral(": only pictures that end in .png can be written")};
+
+    const QFileInfo folder(file.path());
+    if (!folder.exists())
+        throw Failure{fileName, QStringLiteral("the folder %1 does not exist").arg(Quoted(file.path()))};
+    if (!folder.isDir())
+        throw Failure{fileName, QStringLiteral("%1 is not a folder").arg(Quoted(file.path()))};
+    if (file.isDir())
+        throw Failure{fileName, QStringLiteral("is a folder")};
+    // Renaming would put the picture in the place of the device.
+    if (file.exists() && !file.isFile())
+        throw Failure{fileName, QStringLiteral("is not a regular file")};
+    if (!folder.isWritable())
+        throw Failure{fileName, QStringLiteral("the folder %1 may not be written to").arg(Quoted(file.path()))};
+}
+
+void WriteImageFile(const QString& fileName, const QImage& image)
+{
+    const QByteArray bytes = Encoded(fileName, image);
+    QSaveFile file(OnDisk(fileName));
+    const auto fail = [&fileName](const QString& reason) {
+        throw Failure{fileName, QStringLiteral("could not be written: ") + reason};
+    };
+    // Unbuffered, or the last bytes would meet the disk in commit(), which puts
+    // the file in place even when they did not fit.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        fail(file.errorString());
+    // The toolkit has no words for a file that is cut short; the system has.
+    if (file.write(bytes) != bytes.size())
+        fail(SystemErrorText());
+    if (!file.commit())
+        fail(file.errorString());
+}
+
+} // namespace Host

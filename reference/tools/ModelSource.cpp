@@ -1,0 +1,147 @@
+#include "reference/tools/ModelSource.h"
+
+#include "lumenta/foundation/Exceptions.h"
+#include "reference/host/SampleFigure.h"
+#include "reference/tools/Failure.h"
+#include "reference/tools/Services.h"
+#include "reference/tools/Texts.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QImageReader>
+
+#include <algorithm>
+
+namespace Host {
+
+namespace {
+
+const QString kFigure = QStringLiteral(":figure");
+
+/// The places where the file of a texture may lie, best first.
+QStringList TextureFiles(const Model& model, const QString& texture)
+{
+    const QDir folder = QFileInfo(model.fileName).dir();
+    // Many files were written where folders are parted by backslashes.
+    const QString path = QString(texture).replace(QLatin1Char('\\'), QLatin1Char('/'));
+    return {folder.filePath(texture), folder.filePath(path), folder.filePath(QFileInfo(path).fileName())};
+}
+
+QImage LoadTexture(const Model& model, const QString& texture, QString& problem)
+{
+    problem = QStringLiteral("texture %1 was not found").arg(Quoted(texture));
+    const QStringList files = TextureFiles(model, texture);
+    for (const QString& file : files) {
+        if (!QFileInfo(file).isFile())
+            continue;
+        QImageReader reader(file);
+        reader.setDecideFormatFromContent(true);
+        const QImage image = reader.read();
+        if (!image.isNull())
+            return image;
+        problem = QStringLiteral("texture %1 cannot be read: %2").arg(Quoted(texture), reader.errorString());
+    }
+    return model.embeddedImages.value(texture);
+}
+
+template <typename NameOf>
+void RequireName(const Model& model, const QString& name, const QString& kind, const NameOf& nameOf)
+{
+    QStringList names;
+    for (const SkinAnimation::Geometry* geometry : GeometriesOf(*model.scene))
+        names += nameOf(*geometry);
+    if (!names.contains(name))
+        throw Failure{model.fileName,
+                      QStringLiteral("no %1 is named %2; there are: %3").arg(kind, Quoted(name), QuotedList(names))};
+}
+
+} // namespace
+
+QString ModelSourceText()
+{
+    return QStringLiteral("MODEL is a file of any format that Assimp reads, or :figure for a small animated figure "
+                          "that is built in. A file of that name is ./:figure.");
+}
+
+Model OpenModel(const QString& source, const Progress& progress)
+{
+    if (source.startsWith(QLatin1Char(':')) && source != kFigure)
+        throw Failure{source, QStringLiteral("no such built-in model; there is ") + kFigure};
+    try {
+        Model model = source == kFigure ? MakeSampleFigure() : ReadModel(source, progress);
+        model.fileName = source;
+        return model;
+    } catch (const Exception& exception) {
+        throw FailureOf(exception, source);
+    }
+}
+
+int FindAnimation(const Model& model, const QString& nameOrNumber)
+{
+    const auto& animations = model.scene->animations;
+    if (animations.empty())
+        throw Failure{model.fileName, QStringLiteral("the model has no animation")};
+
+    const auto found = std::find_if(animations.begin(), animations.end(),
+                                    [&](const SkinAnimation::Animation* each) { return each->name == nameOrNumber; });
+    if (found != animations.end())
+        return static_cast<int>(found - animations.begin());
+
+    bool isNumber = false;
+    const int number = nameOrNumber.toInt(&isNumber);
+    if (isNumber)
+        return number;
+
+    QStringList names;
+    for (const SkinAnimation::Animation* animation : animations)
+        names += animation->name;
+    throw Failure{
+        model.fileName,
+        QStringLiteral("no animation is named %1; there are: %2").arg(Quoted(nameOrNumber), QuotedList(names))};
+}
+
+void Hide(Model& model, const QStringList& meshes, const QStringList& materials)
+{
+    for (const QString& name : meshes) {
+        RequireName(model, name, QStringLiteral("mesh"), [](const auto& geometry) { return geometry.name; });
+        model.scene->SetMeshVisibility(name, false);
+    }
+    for (const QString& name : materials) {
+        RequireName(model, name, QStringLiteral("material"),
+                    [](const auto& geometry) { return geometry.materialName; });
+        model.scene->SetMaterialVisibility(name, false);
+    }
+    const auto geometries = GeometriesOf(*model.scene);
+    if (std::none_of(geometries.begin(), geometries.end(), [](const auto* geometry) { return geometry->visible; }))
+        throw Failure{model.fileName, QStringLiteral("every mesh is hidden, nothing is left to draw")};
+}
+
+QMap<QString, QImage> LoadTextures(const Model& model, QStringList& missing)
+{
+    QMap<QString, QImage> textures;
+    QStringList tried;
+    for (const SkinAnimation::Geometry* geometry : GeometriesOf(*model.scene)) {
+        const QString texture = geometry->materialParameters.value(QStringLiteral("texture")).toString();
+        if (!geometry->visible || texture.isEmpty() || tried.contains(texture))
+            continue;
+        tried += texture;
+
+        QString problem;
+        const QImage image = LoadTexture(model, texture, problem);
+        if (image.isNull())
+            missing += problem;
+        else
+            textures.insert(texture, image);
+    }
+    return textures;
+}
+
+std::vector<const SkinAnimation::Geometry*> GeometriesOf(const SkinAnimation::Scene& scene)
+{
+    std::vector<const SkinAnimation::Geometry*> geometries;
+    for (const SkinAnimation::Node* node : scene.nodes)
+        geometries.insert(geometries.end(), node->geometries.begin(), node->geometries.end());
+    return geometries;
+}
+
+} // namespace Host

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "reference/host/Model.h"
+#include "reference/host/Progress.h"
+
+#include <QImage>
+#include <QMap>
+#include <QStringList>
+
+namespace Host {
+
+/// How MODEL is explained in every manual.
+QString ModelSourceText();
+
+/// A model from a file, or the built-in sample figure for ":figure". The
+/// model's `fileName` is `source`.
+/// \throws Failure the subject is `source`
+Model OpenModel(const QString& source, const Progress& progress);
+
+/// The index of the animation that a person means: the first of this name, or
+/// the one of this number, counted from 0. A number is not compared with how
+/// many there are; posing and clipping do that.
+/// \throws Failure the model has no animation, or none of this name
+int FindAnimation(const Model& model, const QString& nameOrNumber);
+
+/// Hides meshes and materials by name.
+/// \throws Failure a name that matches nothing, with those there are; or
+///                 nothing is left to be seen
+void Hide(Model& model, const QStringList& meshes, const QStringList& materials);
+
+/// The colour textures of what is visible, by the name their material uses. A
+/// file is looked for as named, from the model's folder; then by its bare name
+/// in that folder; then among the embedded ones.
+/// \param missing receives a text for each that could not be had
+QMap<QString, QImage> LoadTextures(const Model& model, QStringList& missing);
+
+/// Every geometry of the scene, parents before children.
+std::vector<const SkinAnimation::Geometry*> GeometriesOf(const SkinAnimation::Scene& scene);
+
+} // namespace Host

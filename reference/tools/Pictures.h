@@ -1,0 +1,17 @@
+#pragma once
+
+#include "reference/host/Model.h"
+#include "reference/tools/ProgressBar.h"
+#include "reference/tools/RenderOptions.h"
+
+namespace Host {
+
+/// Draws the model and writes the picture, the series or the contact sheet
+/// that the options ask for. What could not be had for it, a texture for one,
+/// is warned of on standard error.
+///
+/// Hides meshes of the model and leaves it posed.
+/// \throws Failure
+void MakePictures(Model& model, const RenderOptions& options, ProgressBar& bar);
+
+} // namespace Host

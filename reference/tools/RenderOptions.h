@@ -1,0 +1,40 @@
+#pragma once
+
+#include "reference/tools/CommandLine.h"
+#include "reference/tools/FrameSequence.h"
+
+namespace Host {
+
+/// The largest time that can be asked for, in milliseconds: more than eleven days.
+constexpr double kLongestTime = 1e9;
+
+/// How pictures are asked for on the command line.
+struct RenderOptions {
+    QString fileName; ///< Of one picture, or with a %04d for the number of each.
+    QString renderer;
+    QStringList hiddenMeshes;
+    QStringList hiddenMaterials;
+    Take take;          ///< `animation` is yet to be found in the model.
+    bool ownUp = false; ///< Whether `take.up` overrides the model's.
+    bool ground = true;
+    int samplesPerPixel = 16;
+    int threads = 0;
+
+    /// Whether time or frames were asked for, which takes an animation.
+    bool plays = false;
+};
+
+/// The options that every verb which makes pictures has, apart from --animation.
+std::vector<Option> RenderOptionTable();
+
+/// Checks everything that can be known without the model.
+/// \throws UsageError, Failure
+RenderOptions ReadRenderOptions(const Arguments& arguments, const QString& verb);
+
+/// Whether the file name has a place for a number, as in frame%04d.png.
+bool IsSeries(const QString& fileName);
+
+/// The name of one picture of a series; of any other file, its name.
+QString NumberedFileName(const QString& fileName, int number);
+
+} // namespace Host
