@@ -63,11 +63,20 @@ struct Layout {
     }
 };
 
+/// About as many columns as rows; a few more where that fills the last row.
+int ColumnsFor(int count)
+{
+    const int square = static_cast<int>(std::ceil(std::sqrt(static_cast<double>(count))));
+    for (int columns = square; columns <= square + 2; ++columns)
+        if (count % columns == 0)
+            return columns;
+    return square;
+}
+
 Layout LayoutOf(const std::vector<SheetPicture>& pictures, const QString& title, int columns)
 {
     const int count = static_cast<int>(pictures.size());
-    const int square = static_cast<int>(std::ceil(std::sqrt(static_cast<double>(count))));
-    const int used = std::min(columns > 0 ? columns : square, count);
+    const int used = std::min(columns > 0 ? columns : ColumnsFor(count), count);
     const QSize size = pictures.front().image.size();
     const bool captioned = std::any_of(pictures.begin(), pictures.end(),
                                        [](const SheetPicture& picture) { return !picture.caption.isEmpty(); });

@@ -18,7 +18,8 @@ struct SheetPicture {
 ///
 /// Writing needs a QGuiApplication (platform "offscreen" will do) and a font.
 /// Without either the sheet comes out all the same, with the pictures alone.
-/// \param columns pictures in a row; 0 makes the sheet about square
+/// \param columns pictures in a row; 0 makes the sheet about square, with a full last row if
+///                that costs no more than two columns
 /// \throws InvalidParameterException the pictures differ in size, or there are
 ///         none
 /// \throws OutOfMemoryException the sheet does not fit in memory

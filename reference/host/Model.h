@@ -16,7 +16,8 @@ namespace Host {
 /// A material as its file describes it.
 ///
 /// Parameters, each present only where the file has it: "diffuse", "specular",
-/// "ambient" and "emissive" (QColor), "opacity" (double, 1 is opaque),
+/// "ambient" and "emissive" (QColor), "opacity" (double, 1 is opaque; left out
+/// where the file says 0, since exporters disagree about which end is opaque),
 /// "shininess" (double, the Phong exponent), "twoSided" (bool), and "texture"
 /// (QString, the path of the colour texture as the file spells it, or the name
 /// of an embedded one).

@@ -36,6 +36,48 @@ bool SpanArea(const TVec3<double>& a, const TVec3<double>& b)
     return a.y * b.z != a.z * b.y || a.z * b.x != a.x * b.z || a.x * b.y != a.y * b.x;
 }
 
+template <typename Visitor>
+void ForEachDrawableCorner(const std::vector<PosedMesh>& meshes, const Visitor& visit)
+{
+    for (const PosedMesh& mesh : meshes)
+        for (std::size_t first = 0; first < mesh.indices.size(); first += 3)
+            if (IsDrawable(mesh, first))
+                for (std::size_t corner = 0; corner < 3; ++corner)
+                    visit(mesh.vertices[mesh.indices[first + corner]].position);
+}
+
+/// What a camera sees that looks at its target from a given side, from
+/// whichever distance.
+class ViewCone {
+public:
+    ViewCone(const Camera& camera, QSize size)
+        : m_back(Normalized(camera.eye - camera.target))
+        , m_right(Normalized(Cross(camera.up, m_back)))
+        , m_above(Cross(m_back, m_right))
+    {
+        const float aspect =
+            static_cast<float>(std::max(size.width(), 1)) / static_cast<float>(std::max(size.height(), 1));
+        m_tanY = std::tan(camera.verticalFieldOfView * 0.5f * kRadians);
+        m_tanX = m_tanY * aspect;
+    }
+
+    /// Distance of the eye from the target that brings a point, given relative
+    /// to the target, inside both half angles.
+    float DistanceToSee(const TVec3<float>& point) const
+    {
+        const float aside = std::fabs(Dot(point, m_right)) / m_tanX;
+        const float above = std::fabs(Dot(point, m_above)) / m_tanY;
+        return Dot(point, m_back) + kMargin * std::max(aside, above);
+    }
+
+private:
+    TVec3<float> m_back;
+    TVec3<float> m_right;
+    TVec3<float> m_above;
+    float m_tanX;
+    float m_tanY;
+};
+
 } // namespace
 
 void MeshCollector::BeginModel(const QString&, std::size_t nExpected)
@@ -71,11 +113,7 @@ bool IsDrawable(const PosedMesh& mesh, std::size_t firstIndex)
 TBBox<float> BoxOf(const std::vector<PosedMesh>& meshes)
 {
     TBBox<float> box;
-    for (const PosedMesh& mesh : meshes)
-        for (std::size_t first = 0; first < mesh.indices.size(); first += 3)
-            if (IsDrawable(mesh, first))
-                for (std::size_t corner = 0; corner < 3; ++corner)
-                    box.Extend(mesh.vertices[mesh.indices[first + corner]].position);
+    ForEachDrawableCorner(meshes, [&box](const TVec3<float>& corner) { box.Extend(corner); });
     return box;
 }
 
@@ -91,21 +129,23 @@ Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, 
     const float slope = std::clamp(elevation, -kSteepest, kSteepest) * kRadians;
     const TVec3<float> back = horizontal * std::cos(slope) + up * std::sin(slope);
 
-    // Move back until each corner of the box is inside both half angles.
-    const TVec3<float> right = Normalized(Cross(up, back));
-    const TVec3<float> above = Cross(back, right);
-    const float aspect = static_cast<float>(std::max(size.width(), 1)) / static_cast<float>(std::max(size.height(), 1));
-    const float tanY = std::tan(kFieldOfView * 0.5f * kRadians);
-    const float tanX = tanY * aspect;
+    const Camera direction{center + back, center, up, kFieldOfView};
+    const ViewCone cone(direction, size);
     float distance = 0.0f;
-    for (int corner = 0; corner < 8; ++corner) {
-        const TVec3<float> offset{corner & 1 ? half.x : -half.x, corner & 2 ? half.y : -half.y,
-                                  corner & 4 ? half.z : -half.z};
-        const float depth = Dot(offset, back);
-        distance = std::max({distance, depth + kMargin * std::fabs(Dot(offset, right)) / tanX,
-                             depth + kMargin * std::fabs(Dot(offset, above)) / tanY});
-    }
+    for (int corner = 0; corner < 8; ++corner)
+        distance = std::max(distance, cone.DistanceToSee({corner & 1 ? half.x : -half.x, corner & 2 ? half.y : -half.y,
+                                                          corner & 4 ? half.z : -half.z}));
     return {center + back * distance, center, up, kFieldOfView};
+}
+
+float DistanceToSee(const std::vector<PosedMesh>& meshes, const Camera& camera, QSize size)
+{
+    const ViewCone cone(camera, size);
+    float distance = 0.0f;
+    ForEachDrawableCorner(meshes, [&](const TVec3<float>& corner) {
+        distance = std::max(distance, cone.DistanceToSee(corner - camera.target));
+    });
+    return distance;
 }
 
 } // namespace Host

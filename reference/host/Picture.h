@@ -60,6 +60,10 @@ struct Camera {
 /// box.
 Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, float elevation, QSize size);
 
+/// How far from its target `camera` has to stand to see every triangle that can
+/// be drawn, with the same margin as FrameBox() leaves; 0 where there are none.
+float DistanceToSee(const std::vector<PosedMesh>& meshes, const Camera& camera, QSize size);
+
 /// What a renderer is asked for.
 struct PictureRequest {
     const std::vector<PosedMesh>* meshes = nullptr;

@@ -35,16 +35,32 @@ float LowestAlong(const TVec3<float>& up, const TBBox<float>& box)
 
 } // namespace
 
+template <typename Visitor>
+void FrameSequence::ForEachPose(const Progress& progress, const Visitor& visit)
+{
+    int nDone = 0;
+    for (const Frame& frame : m_frames) {
+        visit(frame, Pose(frame));
+        progress(100 * ++nDone / static_cast<int>(m_frames.size()));
+    }
+}
+
 FrameSequence::FrameSequence(SkinAnimation::Scene& scene, const Take& take, const Progress& progress)
     : m_scene(scene)
     , m_animation(take.animation)
     , m_frames(PlanFrames(take, DurationOf(scene, take.animation)))
 {
-    const TBBox<float> box = PoseAll(progress);
+    const auto half = [&progress](int first) {
+        return [&progress, first](int percent) {
+            if (progress)
+                progress(first + percent / 2);
+        };
+    };
+    const TBBox<float> box = MeasureBox(half(0));
     if (box.IsEmpty())
         throw LoadingException(QStringLiteral("no frame holds a triangle that could be drawn"));
     m_groundHeight = LowestAlong(take.up, box);
-    PlaceCameras(box, take);
+    PlaceCameras(box, take, half(50));
 }
 
 const std::vector<PosedMesh>& FrameSequence::Pose(const Frame& frame)
@@ -62,28 +78,23 @@ const std::vector<PosedMesh>& FrameSequence::Pose(const Frame& frame)
     return m_collector.meshes;
 }
 
-TBBox<float> FrameSequence::PoseAll(const Progress& progress)
+TBBox<float> FrameSequence::MeasureBox(const Progress& progress)
 {
     TBBox<float> box;
-    int nDone = 0;
-    for (const Frame& frame : m_frames) {
-        if (m_posedTime != frame.time)
-            box.Extend(BoxOf(Pose(frame)));
-        ++nDone;
-        if (progress)
-            progress(100 * nDone / static_cast<int>(m_frames.size()));
-    }
+    ForEachPose(progress, [&](const Frame&, const std::vector<PosedMesh>& meshes) { box.Extend(BoxOf(meshes)); });
     return box;
 }
 
-void FrameSequence::PlaceCameras(const TBBox<float>& box, const Take& take)
+void FrameSequence::PlaceCameras(const TBBox<float>& box, const Take& take, const Progress& progress)
 {
-    float farthest = 0.0f;
-    for (Frame& frame : m_frames) {
+    for (Frame& frame : m_frames)
         frame.camera = FrameBox(box, take.up, frame.azimuth, take.elevation, take.size);
-        farthest = std::max(farthest, Length(frame.camera.eye - frame.camera.target));
-    }
-    // From some sides the box is narrower; one distance keeps the model's size.
+
+    // The box is larger than what fills it. One distance for all frames keeps the model's size.
+    float farthest = 0.0f;
+    ForEachPose(progress, [&](const Frame& frame, const std::vector<PosedMesh>& meshes) {
+        farthest = std::max(farthest, DistanceToSee(meshes, frame.camera, take.size));
+    });
     for (Frame& frame : m_frames) {
         const TVec3<float> back = Normalized(frame.camera.eye - frame.camera.target);
         frame.camera.eye = frame.camera.target + back * farthest;

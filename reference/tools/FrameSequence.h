@@ -37,7 +37,7 @@ struct Frame {
 /// Poses the scene it was made for, which must outlive it.
 class FrameSequence {
 public:
-    /// Poses every frame once, to learn how much room the sequence takes.
+    /// Poses every frame, to learn how much room the sequence takes.
     /// \throws InvalidParameterException the index names no animation
     /// \throws LoadingException nothing finite is to be seen in any frame
     FrameSequence(SkinAnimation::Scene& scene, const Take& take, const Progress& progress);
@@ -51,8 +51,10 @@ public:
     const std::vector<PosedMesh>& Pose(const Frame& frame);
 
 private:
-    TBBox<float> PoseAll(const Progress& progress);
-    void PlaceCameras(const TBBox<float>& box, const Take& take);
+    template <typename Visitor>
+    void ForEachPose(const Progress& progress, const Visitor& visit);
+    TBBox<float> MeasureBox(const Progress& progress);
+    void PlaceCameras(const TBBox<float>& box, const Take& take, const Progress& progress);
 
     SkinAnimation::Scene& m_scene;
     std::optional<int> m_animation;

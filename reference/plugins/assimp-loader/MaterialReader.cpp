@@ -56,6 +56,9 @@ ReadMaterial ReadOne(const aiMaterial& source)
     ReadColor(source, AI_MATKEY_COLOR_AMBIENT, "ambient", read.material);
     ReadColor(source, AI_MATKEY_COLOR_EMISSIVE, "emissive", read.material);
     ReadNumber(source, AI_MATKEY_OPACITY, "opacity", read.material);
+    // Nobody models what cannot be seen: exporters disagree about which end is opaque.
+    if (read.material.parameters.value(QStringLiteral("opacity")) == 0.0)
+        read.material.parameters.remove(QStringLiteral("opacity"));
     ReadNumber(source, AI_MATKEY_SHININESS, "shininess", read.material);
     int twoSided = 0;
     if (source.Get(AI_MATKEY_TWOSIDED, twoSided) == aiReturn_SUCCESS)
