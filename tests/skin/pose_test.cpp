@@ -1,0 +1,409 @@
+#include "lumenta/foundation/Exceptions.h"
+#include "tests/foundation/Exact.h"
+#include "tests/skin/SkinFixtures.h"
+
+#include <QtTest>
+
+#include <limits>
+#include <new>
+#include <numeric>
+#include <random>
+
+using namespace SkinAnimation;
+
+Q_DECLARE_METATYPE(Quaternion)
+Q_DECLARE_METATYPE(QVector<float>)
+
+namespace {
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+const Matrix kFlat = Scaling(1, 1, 0); // has no inverse
+
+/// All matrices of all nodes.
+QString Matrices(const Scene& scene)
+{
+    QStringList texts;
+    for (const Node* node : scene.nodes)
+        for (const Matrix* matrix : {&node->originGlobalTransform, &node->originGlobalInverse, &node->bindTransform,
+                                     &node->globalTransform, &node->localTransform, &node->geometryTransform,
+                                     &node->meshTransform, &node->skinTransform, &node->skinTransformInverse})
+            texts << Floats(*matrix);
+    return texts.join(QStringLiteral("; "));
+}
+
+/// The local transform that a track gives its node at `time`.
+Matrix LocalAt(const std::vector<KeyFrame>& keys, float time)
+{
+    Scene scene;
+    Node* const node = AddNode(scene, "node");
+    AddAnimation(scene, {Track(node, keys)});
+    scene.CalculateAnimation(0, time);
+    return node->localTransform;
+}
+
+/// Keys at `times`, the n-th translated by 10·n along x.
+std::vector<KeyFrame> KeysAt(const QVector<float>& times)
+{
+    std::vector<KeyFrame> keys;
+    for (const float time : times)
+        keys.push_back(Key(time, {10.0f * float(keys.size()), 0, 0}));
+    return keys;
+}
+
+/// The rotation between two keys, read from the key that a clip inserts.
+Quaternion Between(const Quaternion& q0, const Quaternion& q1, float factor)
+{
+    Scene scene;
+    AddAnimation(scene, {Track(nullptr, {Key(0, {0, 0, 0}, q0), Key(1, {1, 0, 0}, q1)})});
+    scene.AppendClippedAnimation(0, QString(), factor, 1);
+    return scene.animations.back()->layers.front().tracks.front().keys.front().rotation;
+}
+
+/// A turn about the x, y or z axis (0, 1, 2).
+Quaternion TurnAbout(int axis, double degrees)
+{
+    const double half = degrees * std::acos(-1.0) / 360.0;
+    float q[3] = {0, 0, 0};
+    q[axis] = float(std::sin(half));
+    return {q[0], q[1], q[2], float(std::cos(half))};
+}
+
+float LengthOf(const Quaternion& q)
+{
+    return float(std::sqrt(double(q.x) * double(q.x) + double(q.y) * double(q.y) + double(q.z) * double(q.z)
+                           + double(q.w) * double(q.w)));
+}
+
+} // namespace
+
+class PoseTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void Defaults()
+    {
+        const Scene scene;
+        QCOMPARE(Floats(scene.scale), QStringLiteral("1, 1, 1"));
+        QCOMPARE(Floats(scene.offset), QStringLiteral("0, 0, 0"));
+        QCOMPARE(scene.boundingBox, TBBox<float>());
+        QVERIFY(!scene.root && scene.nodes.empty() && scene.animations.empty());
+
+        const Geometry geometry(QStringLiteral("name"), true);
+        QCOMPARE(geometry.name, QStringLiteral("name"));
+        QVERIFY(geometry.skinned && !Geometry(QString(), false).skinned && geometry.visible);
+        QVERIFY(geometry.materialName.isEmpty() && geometry.materialParameters.isEmpty());
+        QVERIFY(geometry.vertices.empty() && geometry.indices.empty() && geometry.normalIndices.empty()
+                && geometry.meshVertices.empty());
+    }
+
+    void NewVertexClearsNothingButItsInfluences()
+    {
+        // Called through a volatile pointer: what stood there before must not be optimised away.
+        SkinVertex* (*volatile construct)(void*) = [](void* place) { return new (place) SkinVertex; };
+        alignas(SkinVertex) unsigned char bytes[sizeof(SkinVertex)];
+        std::memset(bytes, 0xAB, sizeof bytes);
+        construct(bytes);
+        for (std::size_t i = 0; i < sizeof bytes; ++i)
+            QCOMPARE(int(bytes[i]), i < sizeof(MeshVertex) ? 0xAB : 0);
+    }
+
+    void NewNodeStandsAtItsOrigin()
+    {
+        Scene scene;
+        Node* const root = AddNode(scene, "root", nullptr, Translation(0, 4, 0));
+        Node* const child = AddNode(scene, "child", root, Cycle() * Translation(1, 2, 4), Scaling(2, 4, 8));
+        QCOMPARE(root->localTransform, Translation(0, 4, 0));
+        QCOMPARE(child->name, QStringLiteral("child"));
+        QCOMPARE(child->originGlobalTransform, Cycle() * Translation(1, 2, 4));
+        QCOMPARE(child->originGlobalInverse, Translation(-1, -2, -4) * Cycle() * Cycle());
+        QCOMPARE(child->globalTransform, child->originGlobalTransform);
+        QCOMPARE(child->geometryTransform, Scaling(2, 4, 8));
+        QCOMPARE(child->bindTransform, Scaling(2, 4, 8) * Cycle() * Translation(1, 2, 4));
+        QCOMPARE(child->meshTransform, child->bindTransform);
+        QCOMPARE(child->localTransform, Cycle() * Translation(1, -2, 4));
+        QCOMPARE(child->skinTransform, Matrix());
+        QCOMPARE(child->skinTransformInverse, Matrix());
+        QVERIFY(child->parent == root && child->children.empty() && child->geometries.empty() && child->normalCount == 0);
+
+        const Node unlisted(QString(), Matrix(), Matrix(), child);
+        QVERIFY(child->children.empty());
+    }
+
+    void SingularOriginHasNoInverse()
+    {
+        Scene scene;
+        Node* const root = AddNode(scene, "flat", nullptr, kFlat);
+        Node* const child = AddNode(scene, "child", root, Translation(1, 2, 3));
+        QCOMPARE(root->originGlobalInverse, Matrix());
+        QCOMPARE(child->localTransform, Translation(1, 2, 3));
+        child->SetOriginGlobalTransform(kFlat);
+        QCOMPARE(child->originGlobalInverse, Translation(-1, -2, -3)); // as it was
+    }
+
+    void NewRestPoseLeavesTheCurrentPoseAlone()
+    {
+        Node node(QString(), Translation(1, 2, 3), Scaling(2, 2, 2), nullptr);
+        Node expected(QString(), Translation(1, 2, 3), Scaling(2, 2, 2), nullptr);
+        expected.originGlobalTransform = Translation(0, 8, 0);
+        Inverse(expected.originGlobalInverse, expected.originGlobalTransform);
+        expected.bindTransform = Scaling(2, 2, 2) * Translation(0, 8, 0);
+        Scene lists[2];
+        lists[0].nodes = {&node};
+        lists[1].nodes = {&expected};
+        node.SetOriginGlobalTransform(Translation(0, 8, 0));
+        QCOMPARE(Matrices(lists[0]), Matrices(lists[1]));
+
+        node.SetOriginGlobalTransform(node.originGlobalInverse); // its own
+        QCOMPARE(node.originGlobalTransform, Translation(0, -8, 0));
+        QCOMPARE(node.originGlobalInverse, Translation(0, 8, 0));
+        QCOMPARE(node.bindTransform, Scaling(2, 2, 2) * Translation(0, -8, 0));
+    }
+
+    void NodeIndex()
+    {
+        Scene scene;
+        QCOMPARE(scene.GetNodeIndex(QString()), -1);
+        Node* const root = AddNode(scene, "root");
+        AddNode(scene, "arm", root);
+        AddNode(scene, "arm", root);
+        QCOMPARE(scene.GetNodeIndex(QStringLiteral("root")), 0);
+        QCOMPARE(scene.GetNodeIndex(QStringLiteral("arm")), 1);
+        QCOMPARE(scene.GetNodeIndex(QStringLiteral("Arm")), -1);
+        QCOMPARE(scene.GetNodeIndex(QStringLiteral("ar")), -1);
+    }
+
+    void Sampling_data()
+    {
+        QTest::addColumn<QVector<float>>("times"); // of keys at 0, 10, 20, ...
+        QTest::addColumn<float>("time");
+        QTest::addColumn<float>("expected");
+        QTest::newRow("before the first key") << QVector<float>{1, 2} << 0.5f << 0.0f;
+        QTest::newRow("on the first key") << QVector<float>{1, 2} << 1.0f << 0.0f;
+        QTest::newRow("between two keys") << QVector<float>{1, 5, 6} << 2.0f << 2.5f;
+        QTest::newRow("on a key in the middle") << QVector<float>{0, 1, 2} << 1.0f << 10.0f;
+        QTest::newRow("on the last key") << QVector<float>{0, 1} << 1.0f << 10.0f;
+        QTest::newRow("after the last key") << QVector<float>{0, 1} << 7.0f << 10.0f;
+        QTest::newRow("long before") << QVector<float>{0, 1, 2} << -kInfinity << 0.0f;
+        QTest::newRow("long after") << QVector<float>{0, 1, 2} << kInfinity << 20.0f;
+        QTest::newRow("no time at all: the last pair's first") << QVector<float>{0, 1, 2} << kNaN << 10.0f;
+        QTest::newRow("one key, before it") << QVector<float>{1} << 0.0f << 0.0f;
+        QTest::newRow("one key, after it") << QVector<float>{1} << 2.0f << 0.0f;
+        QTest::newRow("one key, no time at all") << QVector<float>{1} << kNaN << 0.0f;
+        QTest::newRow("two keys at one time: on them the later") << QVector<float>{0, 1, 1, 2} << 1.0f << 20.0f;
+        QTest::newRow("two keys at one time: before them the earlier") << QVector<float>{0, 1, 1, 2} << 0.5f << 5.0f;
+        QTest::newRow("two keys at one time: after them the later") << QVector<float>{0, 1, 1, 2} << 1.5f << 25.0f;
+        QTest::newRow("two first keys at one time: on them the first") << QVector<float>{1, 1, 2} << 1.0f << 0.0f;
+        QTest::newRow("two first keys at one time: after them the second") << QVector<float>{1, 1, 2} << 1.5f << 15.0f;
+        QTest::newRow("two last keys at one time: on them the last") << QVector<float>{0, 1, 1} << 1.0f << 20.0f;
+        QVector<float> many(40);
+        std::iota(many.begin(), many.end(), 0.0f);
+        QTest::newRow("many keys, no time at all") << many << kNaN << 380.0f;
+    }
+
+    void Sampling()
+    {
+        QFETCH(QVector<float>, times);
+        QFETCH(float, time);
+        QFETCH(float, expected);
+        QCOMPARE(Floats(LocalAt(KeysAt(times), time)), Floats(Translation(expected, 0, 0)));
+    }
+
+    void SamplingFindsWhatAScanFinds()
+    {
+        std::mt19937 random(11);
+        for (const int count : {2, 31, 32, 33, 34, 64, 65, 200}) {
+            std::vector<KeyFrame> keys;
+            for (float time = 0; int(keys.size()) < count; time += 0.37f * float(random() % 3)) // a third repeats
+                keys.push_back(Key(time, {float(random() % 1000) / 7.0f, 0, 0}));
+
+            for (const KeyFrame& key : std::vector<KeyFrame>(keys)) {
+                for (const float t : {key.time, std::nextafter(key.time, -1.0f), std::nextafter(key.time, 1e9f), key.time + 0.1f}) {
+                    float expected = t > keys.front().time ? keys.back().translation.x : keys.front().translation.x;
+                    for (int j = 0; t > keys.front().time && t < keys.back().time; ++j) {
+                        const KeyFrame& a = keys[std::size_t(j)];
+                        const KeyFrame& b = keys[std::size_t(j) + 1];
+                        if (b.time > t) {
+                            expected = (b.translation.x - a.translation.x) * ((t - a.time) / (b.time - a.time)) + a.translation.x;
+                            break;
+                        }
+                    }
+                    QCOMPARE(Floats(LocalAt(keys, t).m[12]), Floats(expected));
+                }
+            }
+        }
+    }
+
+    void EveryComponentIsInterpolated()
+    {
+        const Quaternion none{0, 0, 0, 1};
+        QCOMPARE(Floats(LocalAt({Key(0, {0, 10, 20}, none, {1, 2, 3}), Key(4, {4, 18, 36}, none, {5, 10, 15})}, 1)),
+                 QStringLiteral("2, 0, 0, 0, 0, 4, 0, 0, 0, 0, 6, 0, 1, 12, 24, 1"));
+    }
+
+    void ScaleThenRotationThenTranslation()
+    {
+        // Not a unit quaternion: the formula is used as it stands.
+        QCOMPARE(Floats(LocalAt({Key(0, {5, 6, 7}, {1, 2, 3, 4}, {1, 10, 100})}, 0)),
+                 QStringLiteral("-25, 28, -10, 0, -200, -190, 200, 0, 2200, 400, -900, 0, 5, 6, 7, 1"));
+        for (int axis = 0; axis < 3; ++axis) {
+            const Quaternion quarter = TurnAbout(axis, 90);
+            Vec3 start{axis == 2 ? 1.0f : 0.0f, axis == 0 ? 1.0f : 0.0f, axis == 1 ? 1.0f : 0.0f};
+            const Vec3 end{start.z, start.x, start.y}; // about x from y to z, and so on round
+            TransformPoint(start, LocalAt({Key(0, {0, 0, 0}, quarter)}, 0));
+            QVERIFY2(Distance(start, end) < 1e-6f, qPrintable(Floats(start)));
+        }
+        Vec3 turned{1, 0, 0};
+        TransformPoint(turned, LocalAt({Key(0, {0, 0, 0}), Key(1, {0, 0, 0}, TurnAbout(2, 120))}, 0.25f));
+        QVERIFY2(Distance(turned, Vec3{std::sqrt(0.75f), 0.5f, 0}) < 1e-6f, qPrintable(Floats(turned)));
+    }
+
+    void RotationsFollowTheShortArc_data()
+    {
+        QTest::addColumn<double>("from");
+        QTest::addColumn<double>("to");
+        QTest::addColumn<float>("factor");
+        QTest::addColumn<double>("expected");
+        QTest::newRow("a third of the way") << 10.0 << 100.0 << 1.0f / 3 << 40.0;
+        QTest::newRow("three quarters of a small arc") << 0.0 << 8.0 << 0.75f << 6.0;
+        QTest::newRow("the other way round where that is shorter") << 0.0 << 270.0 << 0.25f << -22.5;
+        QTest::newRow("the same turn written as its opposite") << 20.0 << 60.0 + 360.0 << 0.5f << 40.0;
+        QTest::newRow("half a turn") << 0.0 << 180.0 << 0.5f << 90.0;
+        QTest::newRow("nearly equal, one written as its opposite") << 30.0 << 390.1 << 0.5f << 30.05;
+    }
+
+    void RotationsFollowTheShortArc()
+    {
+        QFETCH(double, from);
+        QFETCH(double, to);
+        QFETCH(float, factor);
+        QFETCH(double, expected);
+        for (int axis = 0; axis < 3; ++axis) {
+            const Quaternion found = Between(TurnAbout(axis, from), TurnAbout(axis, to), factor);
+            QVERIFY2(Distance(found, TurnAbout(axis, expected)) < 1e-6f, qPrintable(Floats(found)));
+        }
+    }
+
+    void NearlyEqualRotationsAreBlendedLinearly()
+    {
+        // In steps of a float's last bit below 1, the limit of 1e-5 lies between 167 and 168.
+        for (const int steps : {0, 1, 167, 168}) {
+            const float w = 1.0f - float(steps) / (1 << 24);
+            const Quaternion near{0, 0, float(std::sqrt(1.0 - double(w) * double(w))), w};
+            const Quaternion found = Between({0, 0, 0, 1}, near, 0.5f);
+            if (steps == 168)
+                QVERIFY2(std::fabs(LengthOf(found) - 1.0f) < 5e-7f, qPrintable(Floats(found)));
+            else
+                QCOMPARE(Floats(found), Floats(Quaternion{0, 0, near.z * 0.5f, 0.5f + w * 0.5f}));
+        }
+    }
+
+    void RotationsAreNotNormalised_data()
+    {
+        QTest::addColumn<Quaternion>("q0");
+        QTest::addColumn<Quaternion>("q1");
+        QTest::addColumn<Quaternion>("expected");
+        QTest::newRow("longer than one: linear") << Quaternion{0, 0, 0, 2} << Quaternion{0, 2, 0, 2} << Quaternion{0, 0.5f, 0, 2};
+        QTest::newRow("shorter than one: along the arc") << Quaternion{0, 0, 0, 0.5f} << Quaternion{0.5f, 0, 0, 0}
+            << Quaternion{0.5f * std::sin(std::acos(0.0f) / 4), 0, 0, 0.5f * std::cos(std::acos(0.0f) / 4)};
+        QTest::newRow("the angle comes from the product of lengths too") << Quaternion{0, 0, 0, 1} << Quaternion{0, 0, 0, 0.5f}
+            << Quaternion{0, 0, 0, (std::sin(0.75f * std::acos(0.5f)) + 0.5f * std::sin(0.25f * std::acos(0.5f))) / std::sin(std::acos(0.5f))};
+    }
+
+    void RotationsAreNotNormalised()
+    {
+        QFETCH(Quaternion, q0);
+        QFETCH(Quaternion, q1);
+        QFETCH(Quaternion, expected);
+        QVERIFY2(Distance(Between(q0, q1, 0.25f), expected) < 1e-6f, qPrintable(Floats(Between(q0, q1, 0.25f))));
+    }
+
+    void NoSuchAnimation_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::newRow("below zero") << -1;
+        QTest::newRow("one too high") << 1;
+        QTest::newRow("far too high") << std::numeric_limits<int>::max();
+        QTest::newRow("far below zero") << std::numeric_limits<int>::min();
+    }
+
+    void NoSuchAnimation()
+    {
+        QFETCH(int, index);
+        Scene scene;
+        Node* const node = AddNode(scene, "node");
+        node->localTransform = Translation(1, 2, 3); // anything that is recomputed would show
+        AddAnimation(scene, {Track(node, KeysAt({0}))});
+        const QString before = Matrices(scene);
+        try {
+            scene.CalculateAnimation(index, 0);
+            QFAIL("no exception");
+        } catch (const InvalidParameterException& e) {
+            QCOMPARE(e.GetErrorText(), QStringLiteral("Invalid parameter 'animIndex' passed to method "
+                                                      "'Scene::CalculateAnimation':\nInvalid animation index"));
+        }
+        QCOMPARE(Matrices(scene), before);
+    }
+
+    void WithoutLayersNothingChanges()
+    {
+        Scene scene;
+        Node* const node = AddNode(scene, "node");
+        AddAnimation(scene, {})->layers.clear();
+        node->localTransform = Translation(1, 2, 3);
+        const QString before = Matrices(scene);
+        scene.CalculateAnimation(0, 0);
+        QCOMPARE(Matrices(scene), before);
+    }
+
+    void AnEmptyLayerRecomputesEveryNode()
+    {
+        Scene scene;
+        Node* const root = AddNode(scene, "root", nullptr, Translation(1, 0, 0), Scaling(3, 3, 3));
+        Node* const child = AddNode(scene, "child", root, Cycle() * Translation(0, 1, 0), Scaling(2, 4, 8));
+        AddAnimation(scene, {});
+        root->localTransform = Cycle() * Translation(0, 0, 4);
+        child->localTransform = Scaling(2, 1, 1) * Translation(8, 0, 0);
+        scene.CalculateAnimation(0, 0);
+
+        QCOMPARE(root->globalTransform, root->localTransform);
+        const Matrix global = Scaling(2, 1, 1) * Translation(8, 0, 0) * Cycle() * Translation(0, 0, 4);
+        const Matrix skin = Translation(0, -1, 0) * Cycle() * Cycle() * global;
+        QCOMPARE(child->globalTransform, global);
+        QCOMPARE(child->meshTransform, Scaling(2, 4, 8) * global);
+        QCOMPARE(child->skinTransform, skin);
+        QCOMPARE(child->skinTransform * child->skinTransformInverse, Matrix());
+        QCOMPARE(child->originGlobalTransform, Cycle() * Translation(0, 1, 0));
+        QCOMPARE(child->bindTransform, Scaling(2, 4, 8) * child->originGlobalTransform);
+
+        root->localTransform = kFlat;
+        const Matrix kept = child->skinTransformInverse;
+        scene.CalculateAnimation(0, 0);
+        QCOMPARE(child->skinTransform, Translation(0, -1, 0) * Cycle() * Cycle() * child->localTransform * kFlat);
+        QCOMPARE(child->skinTransformInverse, kept); // a flat one has none
+    }
+
+    void WhichTracksCount()
+    {
+        Scene scene;
+        Node* const root = AddNode(scene, "root");
+        Node* const twice = AddNode(scene, "two tracks", root);
+        Node* const empty = AddNode(scene, "track without keys", root);
+        Node* const second = AddNode(scene, "track in the second layer", root);
+        Animation* const animation = AddAnimation(
+            scene, {Track(nullptr, KeysAt({0})), Track(twice, {Key(0, {1, 0, 0})}), Track(empty, {}), Track(twice, {Key(0, {2, 0, 0})})});
+        animation->layers.push_back({QString(), 0, {Track(second, {Key(0, {3, 0, 0})}), Track(twice, {Key(0, {4, 0, 0})})}});
+        empty->localTransform = second->localTransform = Translation(0, 9, 0);
+        AddAnimation(scene, {Track(twice, {Key(0, {5, 0, 0})})});
+
+        scene.CalculateAnimation(0, 0);
+        QCOMPARE(twice->globalTransform, Translation(2, 0, 0));
+        QCOMPARE(empty->globalTransform, Translation(0, 9, 0));
+        QCOMPARE(second->globalTransform, Translation(0, 9, 0));
+        scene.CalculateAnimation(1, 0);
+        QCOMPARE(twice->globalTransform, Translation(5, 0, 0));
+    }
+};
+
+QTEST_APPLESS_MAIN(PoseTest)
+#include "pose_test.moc"
