@@ -1,0 +1,243 @@
+#include "lumenta/foundation/Exceptions.h"
+#include "tests/foundation/Exact.h"
+#include "tests/skin/SkinFixtures.h"
+
+#include <QtTest>
+
+#include <limits>
+
+using namespace SkinAnimation;
+
+Q_DECLARE_METATYPE(QVector<float>)
+Q_DECLARE_METATYPE(std::vector<KeyFrame>)
+
+namespace {
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+/// The keys of a track as "time:x time:x", x being the translation's.
+QString Keys(const NodeTrack& track)
+{
+    QStringList texts;
+    for (const KeyFrame& key : track.keys)
+        texts << Floats(key.time) + QLatin1Char(':') + Floats(key.translation.x);
+    return texts.join(QLatin1Char(' '));
+}
+
+/// Cuts [start, end] out of the scene's first animation.
+const Animation& Clip(Scene& scene, float start, float end)
+{
+    scene.AppendClippedAnimation(0, QStringLiteral("clip"), start, end);
+    return *scene.animations.back();
+}
+
+} // namespace
+
+class ClipTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void Cutting_data()
+    {
+        QTest::addColumn<QVector<float>>("times"); // of keys translated by 0, 100, 200, ...
+        QTest::addColumn<float>("start");
+        QTest::addColumn<float>("end");
+        QTest::addColumn<QString>("keys"); // "dropped": there is no such track in the clip
+        QTest::addColumn<float>("duration");
+        const auto row = [](const char* name, const QVector<float>& times, float start, float end, const char* keys, float duration) {
+            QTest::newRow(name) << times << start << end << QString::fromLatin1(keys) << duration;
+        };
+        row("both boundaries between two keys", {0, 8}, 2, 4, "0:25 2:50", 2);
+        row("both boundaries between the middle two", {0, 8, 16, 24}, 10, 12, "0:125 2:150", 2);
+        row("both boundaries on keys: copied, nothing added", {0, 5, 10}, 0, 10, "0:0 5:100 10:200", 10);
+        row("both boundaries on inner keys", {0, 5, 10, 15}, 5, 10, "0:100 5:200", 5);
+        row("from a key to between", {0, 4, 8}, 4, 6, "0:100 2:150", 2);
+        row("from between to a key", {0, 4, 8}, 3, 8, "0:75 1:100 5:200", 5);
+        row("a key between the boundaries", {0, 4, 8}, 2, 6, "0:50 2:100 4:150", 4);
+        row("ends after the last key: no end key", {0, 4, 8}, 4, 20, "0:100 4:200", 4);
+        row("starts before the first key: no start key", {4, 8}, 2, 8, "2:0 6:100", 6);
+        row("starts before the first key, ends between", {4, 8}, 2, 6, "2:0 4:50", 4);
+        row("wider than the track", {4, 8}, -2, 20, "6:0 10:100", 10);
+        row("without end", {0, 4, 8}, 2, kInfinity, "0:50 2:100 6:200", 6);
+        row("wholly after the last key", {0, 4}, 5, 9, "", 0);
+        row("wholly before the first key", {4, 8}, 0, 3, "", 0);
+        row("ends on the first key", {4, 8}, 0, 4, "4:0", 4);
+        row("starts on the last key", {0, 4}, 4, 8, "0:100", 0);
+        row("a moment between two keys does not move", {0, 8}, 2, 2, "dropped", 0);
+        row("a moment on a key", {0, 4, 8}, 4, 4, "0:100", 0);
+        row("a moment on the last key", {0, 4}, 4, 4, "0:100", 0);
+        row("no keys", {}, 0, 8, "", 0);
+        row("one key within", {4}, 2, 8, "2:0", 2);
+        row("one key on the start", {4}, 4, 8, "0:0", 0);
+        row("one key on the end", {4}, 2, 4, "2:0", 2);
+        row("one key before", {4}, 5, 8, "", 0);
+        row("one key after", {4}, 0, 3, "", 0);
+        row("two keys at the start's time are both kept", {0, 4, 4, 8}, 4, 8, "0:100 0:200 4:300", 4);
+        row("two keys at the end's time are both kept", {0, 4, 4, 8}, 0, 4, "0:0 4:100 4:200", 4);
+        row("two keys at one time, start just after", {0, 4, 4, 8}, 5, 8, "0:225 3:300", 3);
+        row("two keys at one time, end just before", {0, 4, 4, 8}, 0, 3, "0:0 3:75", 3);
+        row("times below zero", {-10, -2, 6}, -6, 2, "0:50 4:100 8:150", 8);
+        row("start after end, between two keys", {0, 10}, 5, 2, "0:50 -3:20", 0);
+        row("start after end, with a key between them", {0, 4, 8}, 6, 2, "-4:50", 0);
+        row("start after end, both on keys", {0, 4, 8}, 8, 4, "", 0);
+        row("start after end, the first key between them", {4, 8}, 6, 2, "", 0);
+        row("start is no number: only the end is cut", {0, 8}, kNaN, 4, "nan:50", 0);
+        row("end is no number: nothing is cut off", {0, 8}, 4, kNaN, "0:50 4:100", 4);
+    }
+
+    void Cutting()
+    {
+        QFETCH(QVector<float>, times);
+        QFETCH(float, start);
+        QFETCH(float, end);
+        QFETCH(QString, keys);
+        QFETCH(float, duration);
+        Scene scene;
+        Node* const node = AddNode(scene, "node");
+        std::vector<KeyFrame> source;
+        for (const float time : times)
+            source.push_back(Key(time, {100.0f * float(source.size()), 0, 0}));
+        AddAnimation(scene, {Track(node, source)})->layers.front().duration = 77;
+
+        const AnimationLayer& layer = Clip(scene, start, end).layers.front();
+        if (keys == QLatin1String("dropped")) {
+            QVERIFY(layer.tracks.empty());
+        } else {
+            QCOMPARE(layer.tracks.size(), std::size_t(1));
+            QCOMPARE(Keys(layer.tracks.front()), keys);
+            QVERIFY(layer.tracks.front().node == node);
+        }
+        QCOMPARE(layer.duration, duration);
+        QCOMPARE(scene.animations.back()->duration, duration);
+    }
+
+    void BoundaryKeysAreInterpolatedInEveryComponent()
+    {
+        const float half = std::sqrt(0.5f);
+        Scene scene;
+        AddAnimation(scene, {Track(nullptr, {Key(0, {0, 10, 20}, {0, 0, 0, 1}, {1, 2, 3}),
+                                             Key(8, {8, 18, 36}, {0, 0, half, half}, {5, 10, 19})})});
+        const std::vector<KeyFrame>& keys = Clip(scene, 2, 6).layers.front().tracks.front().keys;
+        const double degree = std::acos(-1.0) / 180;
+        for (std::size_t i = 0; i < 2; ++i) {
+            QCOMPARE(Floats(keys[i].time), i == 0 ? QStringLiteral("0") : QStringLiteral("4"));
+            QCOMPARE(Floats(keys[i].translation), i == 0 ? QStringLiteral("2, 12, 24") : QStringLiteral("6, 16, 32"));
+            QCOMPARE(Floats(keys[i].scale), i == 0 ? QStringLiteral("2, 4, 7") : QStringLiteral("4, 8, 15"));
+            const double turn = (i == 0 ? 11.25 : 33.75) * degree;
+            QVERIFY(Distance(keys[i].rotation, Quaternion{0, 0, float(std::sin(turn)), float(std::cos(turn))}) < 1e-6f);
+        }
+    }
+
+    void TracksThatDoNotMove_data()
+    {
+        QTest::addColumn<std::vector<KeyFrame>>("keys");
+        QTest::addColumn<int>("kept");
+        const KeyFrame still = Key(0, {0, 2, 3}, {0.1f, 0.2f, 0.3f, 0.4f}, {5, 6, 7});
+        const auto row = [](const char* name, std::vector<KeyFrame> keys, bool kept) {
+            for (std::size_t i = 0; i < keys.size(); ++i)
+                keys[i].time = float(i);
+            QTest::newRow(name) << keys << int(kept);
+        };
+        row("three alike", {still, still, still}, false);
+        row("two alike", {still, still}, false);
+        row("one", {still}, true);
+
+        const char* const fields[] = {"translation x", "translation y", "translation z", "rotation x", "rotation y",
+                                      "rotation z", "rotation w", "scale x", "scale y", "scale z"};
+        for (std::size_t field = 0; field < 10; ++field) {
+            float values[11];
+            KeyFrame moved;
+            std::memcpy(values, &still, sizeof values);
+            values[field + 1] = std::nextafter(values[field + 1], 100.0f);
+            std::memcpy(&moved, values, sizeof values);
+            row((QByteArray("the last bit at the end: ") + fields[field]).constData(), {still, still, moved}, true);
+            row((QByteArray("there and back: ") + fields[field]).constData(), {still, moved, still}, true);
+        }
+        KeyFrame minus = still;
+        minus.translation.x = -0.0f;
+        row("minus zero is zero", {still, minus}, false);
+        minus.translation.x = kNaN;
+        row("not a number is never alike", {minus, minus}, true);
+    }
+
+    void TracksThatDoNotMove()
+    {
+        QFETCH(std::vector<KeyFrame>, keys);
+        QFETCH(int, kept);
+        Scene scene;
+        AddAnimation(scene, {Track(nullptr, keys)});
+        const Animation& clip = Clip(scene, 0, 100);
+        QCOMPARE(int(clip.layers.front().tracks.size()), kept);
+        QCOMPARE(clip.duration, kept ? keys.back().time : 0.0f);
+    }
+
+    void LayersAndTracksKeepTheirOrder()
+    {
+        Scene scene;
+        Node* const a = AddNode(scene, "a");
+        Node* const b = AddNode(scene, "b", a);
+        const KeyFrame still = Key(0, {9, 9, 9});
+        KeyFrame later = still;
+        later.time = 50;
+        Animation* const source = AddAnimation(scene, {});
+        source->name = QStringLiteral("walk");
+        source->duration = 1000;
+        source->layers = {{QStringLiteral("legs"), 500, {Track(b, {Key(0, {0, 0, 0}), Key(8, {8, 0, 0})}),
+                                                         Track(a, {still, later}), // does not move: its length does not count
+                                                         Track(a, {Key(3, {3, 0, 0})}),
+                                                         Track(nullptr, {Key(2, {2, 0, 0}), Key(6, {6, 0, 0})})}},
+                          {QStringLiteral("nothing"), 500, {}},
+                          {QStringLiteral("arms"), 500, {Track(a, {Key(0, {0, 0, 0}), Key(4, {4, 0, 0}), Key(5, {5, 0, 0})})}}};
+
+        scene.AppendClippedAnimation(0, QStringLiteral("step"), 2, 50);
+        QCOMPARE(scene.animations.size(), std::size_t(2));
+        const Animation& clip = *scene.animations[1];
+        QCOMPARE(clip.name, QStringLiteral("step"));
+        QCOMPARE(clip.duration, 6.0f);
+        QStringList described;
+        for (const AnimationLayer& layer : clip.layers) {
+            described << layer.name + QLatin1Char(' ') + Floats(layer.duration);
+            for (const NodeTrack& track : layer.tracks)
+                described << (track.node ? track.node->name : QStringLiteral("-")) + QLatin1Char(' ') + Keys(track);
+        }
+        QCOMPARE(described.join(QStringLiteral("; ")),
+                 QStringLiteral("legs 6; b 0:2 6:8; a 1:3; - 0:2 4:6; nothing 0; arms 3; a 0:2 2:4 3:5"));
+
+        QCOMPARE(source->name, QStringLiteral("walk"));
+        QCOMPARE(source->layers[0].tracks.size(), std::size_t(4));
+        QCOMPARE(Keys(source->layers[0].tracks[0]), QStringLiteral("0:0 8:8"));
+        QCOMPARE(source->duration, 1000.0f);
+
+        scene.AppendClippedAnimation(1, QStringLiteral("half a step"), 0, 3); // a clip of a clip
+        QCOMPARE(Keys(scene.animations[2]->layers[0].tracks[0]), QStringLiteral("0:2 3:5"));
+        source->layers.clear();
+        QCOMPARE(int(Clip(scene, 0, 1).layers.size()), 0);
+    }
+
+    void NoSuchAnimation_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::newRow("below zero") << -1;
+        QTest::newRow("one too high") << 1;
+        QTest::newRow("far below zero") << std::numeric_limits<int>::min();
+    }
+
+    void NoSuchAnimation()
+    {
+        QFETCH(int, index);
+        Scene scene;
+        AddAnimation(scene, {});
+        try {
+            scene.AppendClippedAnimation(index, QStringLiteral("clip"), 0, 1);
+            QFAIL("no exception");
+        } catch (const InvalidParameterException& e) {
+            QCOMPARE(e.GetErrorText(), QStringLiteral("Invalid parameter 'animIndex' passed to method "
+                                                      "'Scene::AppendClippedAnimation':\nThe index is out of range"));
+        }
+        QCOMPARE(scene.animations.size(), std::size_t(1));
+    }
+};
+
+QTEST_APPLESS_MAIN(ClipTest)
+#include "clip_test.moc"
