@@ -11,7 +11,7 @@
 #include <clocale>
 #include <cmath>
 #include <limits>
-#include <random>
+#include <utility>
 
 using Vec3 = TVec3<float>;
 using Box = TBBox<float>;
@@ -31,30 +31,6 @@ const Matrix kPrimes{{2, -3, 5, 7, 11, 13, -17, 19, -23, 29, 31, 37, 41, 43, 47,
 
 /// Determinant -2, and no element of it or of its inverse is 0.
 const Matrix kInvertible{{-1, 1, 2, 2, 1, -2, 1, 3, -1, -1, 1, 2, -3, -2, -3, -3}};
-
-float MinorOf(const Matrix& matrix, int row, int column)
-{
-    float e[9];
-    int n = 0;
-    for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 4; ++j)
-            if (i != row && j != column)
-                e[n++] = matrix(i, j);
-    return e[0] * (e[4] * e[8] - e[5] * e[7]) - e[1] * (e[3] * e[8] - e[5] * e[6]) + e[2] * (e[3] * e[7] - e[4] * e[6]);
-}
-
-Matrix PlainInverse(const Matrix& matrix)
-{
-    const auto cofactor = [&](int i, int j) { return (i + j) % 2 ? -MinorOf(matrix, i, j) : MinorOf(matrix, i, j); };
-    float determinant = matrix(0, 0) * cofactor(0, 0);
-    for (int j = 1; j < 4; ++j)
-        determinant += matrix(0, j) * cofactor(0, j);
-    Matrix inverse;
-    for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 4; ++j)
-            inverse(j, i) = cofactor(i, j) * (1.0f / determinant);
-    return inverse;
-}
 
 /// `p` turned about the axis from `from` towards `to` (0, 1, 2 for x, y, z).
 void Turn(double (&p)[3], int from, int to, double degrees)
@@ -134,42 +110,31 @@ private Q_SLOTS:
     void InverseOf_data()
     {
         QTest::addColumn<Matrix>("source");
-        QTest::addColumn<QString>("expected"); // empty: has none
+        QTest::addColumn<Matrix>("expected");
+        QTest::addColumn<bool>("exists");
+        const float tiny = 1.0f / (1 << 30);
         QTest::newRow("every element counts") << kInvertible
-            << "-1, -0.5, 1, -0.5, 6, 4.5, -9, 2.5, -11, -9, 17, -5, 8, 6.5, -12, 3.5";
+            << Matrix{{-1, -0.5f, 1, -0.5f, 6, 4.5f, -9, 2.5f, -11, -9, 17, -5, 8, 6.5f, -12, 3.5f}} << true;
         QTest::newRow("projective") << Matrix{{2, 0, 0, 0, 0, 4, 0, 0, 0, 0, 1, 1, 0, 0, -2, 0}}
-            << Floats(PlainInverse(Matrix{{2, 0, 0, 0, 0, 4, 0, 0, 0, 0, 1, 1, 0, 0, -2, 0}}));
-        QTest::newRow("two rows alike") << Matrix{{1, 2, 3, 4, 1, 2, 3, 4, 0, 0, 1, 0, 0, 0, 0, 1}} << QString();
-        QTest::newRow("a scale of zero") << Matrix{{1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1}} << QString();
-        QTest::newRow("tiny is not singular") << Matrix{{1e-12f, 0, 0, 0, 0, 1e-12f, 0, 0, 0, 0, 1e-12f, 0, 0, 0, 0, 1}}
-            << Floats(PlainInverse(Matrix{{1e-12f, 0, 0, 0, 0, 1e-12f, 0, 0, 0, 0, 1e-12f, 0, 0, 0, 0, 1}}));
+            << Matrix{{0.5f, 0, 0, 0, 0, 0.25f, 0, 0, 0, 0, 0, -0.5f, 0, 0, 1, 0.5f}} << true;
+        QTest::newRow("tiny is not singular") << Matrix{{tiny, 0, 0, 0, 0, tiny, 0, 0, 0, 0, tiny, 0, 0, 0, 0, 1}}
+            << Matrix{{1 / tiny, 0, 0, 0, 0, 1 / tiny, 0, 0, 0, 0, 1 / tiny, 0, 0, 0, 0, 1}} << true;
+        QTest::newRow("two rows alike") << Matrix{{1, 2, 3, 4, 1, 2, 3, 4, 0, 0, 1, 0, 0, 0, 0, 1}} << kPrimes << false;
+        QTest::newRow("a scale of zero") << Matrix{{1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1}} << kPrimes << false;
     }
 
     void InverseOf()
     {
         QFETCH(Matrix, source);
-        QFETCH(QString, expected);
-        const bool exists = !expected.isEmpty();
-        Matrix destination = kPrimes;
+        QFETCH(Matrix, expected);
+        QFETCH(bool, exists);
+        Matrix destination = kPrimes; // what a singular one leaves
         QCOMPARE(Inverse(destination, source), exists);
-        QCOMPARE(Floats(destination), exists ? expected : Floats(kPrimes));
+        QVERIFY2(destination == expected, qPrintable(Floats(destination)));
 
-        const QString kept = Floats(source);
-        QCOMPARE(Inverse(source, source), exists);
-        QCOMPARE(Floats(source), exists ? expected : kept);
-    }
-
-    void InverseRoundsAsThePlainFormula()
-    {
-        std::mt19937 random(7);
-        for (int n = 0; n < 1000; ++n) {
-            Matrix source;
-            for (float& element : source.m)
-                element = float(random() % 20001) / 1000.0f - 10.0f;
-            Matrix inverse;
-            QVERIFY(Inverse(inverse, source));
-            QCOMPARE(Floats(inverse), Floats(PlainInverse(source)));
-        }
+        Matrix inPlace = source;
+        QCOMPARE(Inverse(inPlace, inPlace), exists);
+        QVERIFY2(inPlace == (exists ? expected : source), qPrintable(Floats(inPlace)));
     }
 
     void PointsAndDirections()
