@@ -1,7 +1,7 @@
 #include "lumenta/foundation/Exceptions.h"
+#include "tests/foundation/Exact.h"
 
 #include <QLibrary>
-#include <QtTest>
 
 #include <exception>
 #include <type_traits>
@@ -57,50 +57,36 @@ class ExceptionsTest : public QObject {
 private Q_SLOTS:
     void Texts_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("expected");
-        const QString file = QStringLiteral("a.txt");
-        const QString text = QStringLiteral("Can't open the file");
-        QTest::newRow("a text alone, placeholders and all") << Exception(QStringLiteral("50% of %1")).GetErrorText() << "50% of %1";
-        QTest::newRow("file: given first, printed last") << FileException(file, text).GetErrorText() << "Can't open the file\nFile: a.txt";
-        QTest::newRow("file: a placeholder in the text takes the name")
-            << FileException(file, QStringLiteral("%1?")).GetErrorText() << "a.txt?\nFile: %2";
-        QTest::newRow("file: a placeholder in the name stays")
-            << FileException(QStringLiteral("%1%2.txt"), text).GetErrorText() << "Can't open the file\nFile: %1%2.txt";
-        QTest::newRow("memory without a size") << OutOfMemoryException(text).GetErrorText() << "Can't open the file";
-        QTest::newRow("memory: more than 32 bits")
-            << OutOfMemoryException(QStringLiteral("Image"), 1ul << 32).GetErrorText() << "Image\nAttempted to allocate 4294967296 bytes";
-        QTest::newRow("memory: the largest size is not negative")
-            << OutOfMemoryException(QStringLiteral("Image"), ~0ul).GetErrorText()
-            << "Image\nAttempted to allocate 18446744073709551615 bytes";
-        QTest::newRow("memory: a placeholder in the text takes the size")
-            << OutOfMemoryException(QStringLiteral("%1"), 7).GetErrorText() << "7\nAttempted to allocate %2 bytes";
-        QTest::newRow("factory") << FactoryException(QStringLiteral("%1Cube")).GetErrorText() << "Can't create object of type %1Cube";
-        QTest::newRow("object: name, then details")
-            << ObjectLoadingException(QStringLiteral("Cube"), QStringLiteral("no mesh")).GetErrorText()
-            << "Error loading object 'Cube':\nno mesh";
-        QTest::newRow("object: a higher placeholder in the name comes after the details'")
-            << ObjectLoadingException(QStringLiteral("%2"), QStringLiteral("d")).GetErrorText() << "Error loading object 'd':\nd";
-        QTest::newRow("parameter: given second, printed first")
-            << InvalidParameterException(QStringLiteral("ReadMaterial"), QStringLiteral("value"), QStringLiteral("x")).GetErrorText()
-            << "Invalid parameter 'value' passed to method 'ReadMaterial':\nx";
-        QTest::newRow("parameter: a placeholder in the parameter takes the method")
-            << InvalidParameterException(QStringLiteral("m"), QStringLiteral("%1"), QStringLiteral("d")).GetErrorText()
-            << "Invalid parameter 'm' passed to method 'd':\n%3";
+        AnswerColumns();
+        const auto row = [](const char* name, const Exception& e, const char* expected) {
+            QTest::newRow(name) << e.GetErrorText() << QString::fromLatin1(expected);
+        };
+        row("a text alone, placeholders and all", Exception("50% of %1"), "50% of %1");
+        row("file: given first, printed last", FileException("a.txt", "Can't open the file"),
+            "Can't open the file\nFile: a.txt");
+        row("file: a placeholder in the text takes the name", FileException("a", "%1?"), "a?\nFile: %2");
+        row("file: a placeholder in the name stays", FileException("%1%2", "text"), "text\nFile: %1%2");
+        row("memory: more than 32 bits", OutOfMemoryException("Image", 1ul << 32),
+            "Image\nAttempted to allocate 4294967296 bytes");
+        row("memory: the largest is not negative", OutOfMemoryException("Image", ~0ul),
+            "Image\nAttempted to allocate 18446744073709551615 bytes");
+        row("memory: a placeholder in the text takes the size", OutOfMemoryException("%1", 7),
+            "7\nAttempted to allocate %2 bytes");
+        row("factory", FactoryException("%1Cube"), "Can't create object of type %1Cube");
+        row("object: name, then details", ObjectLoadingException("Cube", "no mesh"),
+            "Error loading object 'Cube':\nno mesh");
+        row("object: a placeholder in the name takes the details", ObjectLoadingException("%2", "d"),
+            "Error loading object 'd':\nd");
+        row("parameter: given second, printed first", InvalidParameterException("ReadMaterial", "value", "x"),
+            "Invalid parameter 'value' passed to method 'ReadMaterial':\nx");
+        row("parameter: a placeholder takes the method", InvalidParameterException("m", "%1", "d"),
+            "Invalid parameter 'm' passed to method 'd':\n%3");
     }
-
-    void Texts()
-    {
-        QFETCH(QString, text);
-        QTEST(text, "expected");
-    }
+    void Texts() { CompareAnswer(); }
 
     void FileNameIsKeptAsGiven()
     {
-        const FileException e(QStringLiteral("..\\Maps//%1.PNG"), QStringLiteral("%1"));
-        QCOMPARE(e.GetFileName(), QStringLiteral("..\\Maps//%1.PNG"));
-        QCOMPARE(FileException(e).GetFileName(), e.GetFileName());
-        QCOMPARE(FileException(e).GetErrorText(), e.GetErrorText());
+        QCOMPARE(FileException("..\\Maps//%1.PNG", "%1").GetFileName(), QStringLiteral("..\\Maps//%1.PNG"));
     }
 
     void AcrossLibraries_data()
@@ -114,17 +100,14 @@ private Q_SLOTS:
         QVERIFY2(loaded, qPrintable(plugin.errorString()));
         QVERIFY(loaded != &ThrowByName);
 
+        const QHash<QByteArray, QString> composed{
+            {"FileException", "text\nFile: file"},
+            {"FactoryException", "Can't create object of type text"},
+            {"ObjectLoadingException", "Error loading object 'object':\ntext"},
+            {"InvalidParameterException", "Invalid parameter 'parameter' passed to method 'method':\ntext"}};
         for (const Handler& handler : kHandlers) {
             const QByteArray thrown = handler.className;
-            QString text = QStringLiteral("text");
-            if (thrown == "FileException")
-                text = QStringLiteral("text\nFile: file");
-            if (thrown == "FactoryException")
-                text = QStringLiteral("Can't create object of type text");
-            if (thrown == "ObjectLoadingException")
-                text = QStringLiteral("Error loading object 'object':\ntext");
-            if (thrown == "InvalidParameterException")
-                text = QStringLiteral("Invalid parameter 'parameter' passed to method 'method':\ntext");
+            const QString text = composed.value(thrown, "text");
             QTest::newRow((thrown + " from a linked library").constData()) << &ThrowByName << thrown << text;
             QTest::newRow((thrown + " from a library loaded at run time").constData()) << loaded << thrown << text;
         }

@@ -20,7 +20,7 @@ void ThrowIf(const char* wanted, const char* className, const Arguments&... argu
 
 void ThrowByName(const char* className)
 {
-    const QString text = QStringLiteral("text");
+    const QString text = "text";
     ThrowIf<Exception>(className, "Exception", text);
     ThrowIf<ExporterException>(className, "ExporterException", text);
     ThrowIf<LoadingException>(className, "LoadingException", text);
@@ -30,9 +30,8 @@ void ThrowByName(const char* className)
     ThrowIf<UnsupportedFormatException>(className, "UnsupportedFormatException", text);
     ThrowIf<LogicException>(className, "LogicException", text);
     ThrowIf<OutOfMemoryException>(className, "OutOfMemoryException", text);
-    ThrowIf<FileException>(className, "FileException", QStringLiteral("file"), text);
+    ThrowIf<FileException>(className, "FileException", "file", text);
     ThrowIf<FactoryException>(className, "FactoryException", text);
-    ThrowIf<ObjectLoadingException>(className, "ObjectLoadingException", QStringLiteral("object"), text);
-    ThrowIf<InvalidParameterException>(className, "InvalidParameterException", QStringLiteral("method"),
-                                       QStringLiteral("parameter"), text);
+    ThrowIf<ObjectLoadingException>(className, "ObjectLoadingException", "object", text);
+    ThrowIf<InvalidParameterException>(className, "InvalidParameterException", "method", "parameter", text);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lumenta/foundation/Exceptions.h"
 #include "lumenta/platform/IMeshNodeBuilder.h"
 #include "lumenta/skin/Scene.h"
 
@@ -78,6 +79,18 @@ inline Animation* AddAnimation(Scene& scene, std::vector<NodeTrack> tracks)
     animation->layers.front().tracks = std::move(tracks);
     scene.animations.push_back(animation);
     return animation;
+}
+
+/// The text that `call` is refused with.
+template <typename Call>
+QString Refusal(const Call& call)
+{
+    try {
+        call();
+    } catch (const InvalidParameterException& e) {
+        return e.GetErrorText();
+    }
+    return QStringLiteral("not refused");
 }
 
 } // namespace SkinAnimation

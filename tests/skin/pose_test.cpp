@@ -1,18 +1,12 @@
-#include "lumenta/foundation/Exceptions.h"
 #include "tests/foundation/Exact.h"
 #include "tests/skin/SkinFixtures.h"
 
-#include <QtTest>
-
+#include <cstring>
 #include <limits>
 #include <new>
 #include <numeric>
-#include <random>
 
 using namespace SkinAnimation;
-
-Q_DECLARE_METATYPE(Quaternion)
-Q_DECLARE_METATYPE(QVector<float>)
 
 namespace {
 
@@ -20,14 +14,13 @@ constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 const Matrix kFlat = Scaling(1, 1, 0); // has no inverse
 
-/// All matrices of all nodes.
-QString Matrices(const Scene& scene)
+/// What posing writes.
+QString CurrentPose(const Scene& scene)
 {
     QStringList texts;
     for (const Node* node : scene.nodes)
-        for (const Matrix* matrix : {&node->originGlobalTransform, &node->originGlobalInverse, &node->bindTransform,
-                                     &node->globalTransform, &node->localTransform, &node->geometryTransform,
-                                     &node->meshTransform, &node->skinTransform, &node->skinTransformInverse})
+        for (const Matrix* matrix : {&node->localTransform, &node->globalTransform, &node->meshTransform,
+                                     &node->skinTransform, &node->skinTransformInverse})
             texts << Floats(*matrix);
     return texts.join(QStringLiteral("; "));
 }
@@ -69,12 +62,6 @@ Quaternion TurnAbout(int axis, double degrees)
     return {q[0], q[1], q[2], float(std::cos(half))};
 }
 
-float LengthOf(const Quaternion& q)
-{
-    return float(std::sqrt(double(q.x) * double(q.x) + double(q.y) * double(q.y) + double(q.z) * double(q.z)
-                           + double(q.w) * double(q.w)));
-}
-
 } // namespace
 
 class PoseTest : public QObject {
@@ -92,7 +79,6 @@ private Q_SLOTS:
         const Geometry geometry(QStringLiteral("name"), true);
         QCOMPARE(geometry.name, QStringLiteral("name"));
         QVERIFY(geometry.skinned && !Geometry(QString(), false).skinned && geometry.visible);
-        QVERIFY(geometry.materialName.isEmpty() && geometry.materialParameters.isEmpty());
         QVERIFY(geometry.vertices.empty() && geometry.indices.empty() && geometry.normalIndices.empty()
                 && geometry.meshVertices.empty());
     }
@@ -143,16 +129,14 @@ private Q_SLOTS:
 
     void NewRestPoseLeavesTheCurrentPoseAlone()
     {
-        Node node(QString(), Translation(1, 2, 3), Scaling(2, 2, 2), nullptr);
-        Node expected(QString(), Translation(1, 2, 3), Scaling(2, 2, 2), nullptr);
-        expected.originGlobalTransform = Translation(0, 8, 0);
-        Inverse(expected.originGlobalInverse, expected.originGlobalTransform);
-        expected.bindTransform = Scaling(2, 2, 2) * Translation(0, 8, 0);
-        Scene lists[2];
-        lists[0].nodes = {&node};
-        lists[1].nodes = {&expected};
+        Scene scene;
+        Node& node = *AddNode(scene, "node", nullptr, Translation(1, 2, 3), Scaling(2, 2, 2));
+        const QString before = CurrentPose(scene);
         node.SetOriginGlobalTransform(Translation(0, 8, 0));
-        QCOMPARE(Matrices(lists[0]), Matrices(lists[1]));
+        QCOMPARE(CurrentPose(scene), before);
+        QCOMPARE(node.originGlobalTransform, Translation(0, 8, 0));
+        QCOMPARE(node.originGlobalInverse, Translation(0, -8, 0));
+        QCOMPARE(node.bindTransform, Scaling(2, 2, 2) * Translation(0, 8, 0));
 
         node.SetOriginGlobalTransform(node.originGlobalInverse); // its own
         QCOMPARE(node.originGlobalTransform, Translation(0, -8, 0));
@@ -175,64 +159,34 @@ private Q_SLOTS:
 
     void Sampling_data()
     {
-        QTest::addColumn<QVector<float>>("times"); // of keys at 0, 10, 20, ...
-        QTest::addColumn<float>("time");
-        QTest::addColumn<float>("expected");
-        QTest::newRow("before the first key") << QVector<float>{1, 2} << 0.5f << 0.0f;
-        QTest::newRow("on the first key") << QVector<float>{1, 2} << 1.0f << 0.0f;
-        QTest::newRow("between two keys") << QVector<float>{1, 5, 6} << 2.0f << 2.5f;
-        QTest::newRow("on a key in the middle") << QVector<float>{0, 1, 2} << 1.0f << 10.0f;
-        QTest::newRow("on the last key") << QVector<float>{0, 1} << 1.0f << 10.0f;
-        QTest::newRow("after the last key") << QVector<float>{0, 1} << 7.0f << 10.0f;
-        QTest::newRow("long before") << QVector<float>{0, 1, 2} << -kInfinity << 0.0f;
-        QTest::newRow("long after") << QVector<float>{0, 1, 2} << kInfinity << 20.0f;
-        QTest::newRow("no time at all: the last pair's first") << QVector<float>{0, 1, 2} << kNaN << 10.0f;
-        QTest::newRow("one key, before it") << QVector<float>{1} << 0.0f << 0.0f;
-        QTest::newRow("one key, after it") << QVector<float>{1} << 2.0f << 0.0f;
-        QTest::newRow("one key, no time at all") << QVector<float>{1} << kNaN << 0.0f;
-        QTest::newRow("two keys at one time: on them the later") << QVector<float>{0, 1, 1, 2} << 1.0f << 20.0f;
-        QTest::newRow("two keys at one time: before them the earlier") << QVector<float>{0, 1, 1, 2} << 0.5f << 5.0f;
-        QTest::newRow("two keys at one time: after them the later") << QVector<float>{0, 1, 1, 2} << 1.5f << 25.0f;
-        QTest::newRow("two first keys at one time: on them the first") << QVector<float>{1, 1, 2} << 1.0f << 0.0f;
-        QTest::newRow("two first keys at one time: after them the second") << QVector<float>{1, 1, 2} << 1.5f << 15.0f;
-        QTest::newRow("two last keys at one time: on them the last") << QVector<float>{0, 1, 1} << 1.0f << 20.0f;
+        AnswerColumns();
+        const auto row = [](const char* name, const QVector<float>& times, float time, float expected) {
+            QTest::newRow(name) << Floats(LocalAt(KeysAt(times), time)) << Floats(Translation(expected, 0, 0));
+        };
+        row("before the first key", {1, 2}, 0.5f, 0.0f);
+        row("on the first key", {1, 2}, 1.0f, 0.0f);
+        row("between two keys", {1, 5, 6}, 2.0f, 2.5f);
+        row("on a key in the middle", {0, 1, 2}, 1.0f, 10.0f);
+        row("on the last key", {0, 1}, 1.0f, 10.0f);
+        row("after the last key", {0, 1}, 7.0f, 10.0f);
+        row("long before", {0, 1, 2}, -kInfinity, 0.0f);
+        row("long after", {0, 1, 2}, kInfinity, 20.0f);
+        row("no time at all: the last pair's first", {0, 1, 2}, kNaN, 10.0f);
+        row("one key, before it", {1}, 0.0f, 0.0f);
+        row("one key, after it", {1}, 2.0f, 0.0f);
+        row("one key, no time at all", {1}, kNaN, 0.0f);
+        row("two keys at one time: on them the later", {0, 1, 1, 2}, 1.0f, 20.0f);
+        row("two keys at one time: before them the earlier", {0, 1, 1, 2}, 0.5f, 5.0f);
+        row("two keys at one time: after them the later", {0, 1, 1, 2}, 1.5f, 25.0f);
+        row("two first keys at one time: on them the first", {1, 1, 2}, 1.0f, 0.0f);
+        row("two first keys at one time: after them the second", {1, 1, 2}, 1.5f, 15.0f);
+        row("two last keys at one time: on them the last", {0, 1, 1}, 1.0f, 20.0f);
         QVector<float> many(40);
         std::iota(many.begin(), many.end(), 0.0f);
-        QTest::newRow("many keys, no time at all") << many << kNaN << 380.0f;
+        row("many keys, no time at all", many, kNaN, 380.0f);
     }
 
-    void Sampling()
-    {
-        QFETCH(QVector<float>, times);
-        QFETCH(float, time);
-        QFETCH(float, expected);
-        QCOMPARE(Floats(LocalAt(KeysAt(times), time)), Floats(Translation(expected, 0, 0)));
-    }
-
-    void SamplingFindsWhatAScanFinds()
-    {
-        std::mt19937 random(11);
-        for (const int count : {2, 31, 32, 33, 34, 64, 65, 200}) {
-            std::vector<KeyFrame> keys;
-            for (float time = 0; int(keys.size()) < count; time += 0.37f * float(random() % 3)) // a third repeats
-                keys.push_back(Key(time, {float(random() % 1000) / 7.0f, 0, 0}));
-
-            for (const KeyFrame& key : std::vector<KeyFrame>(keys)) {
-                for (const float t : {key.time, std::nextafter(key.time, -1.0f), std::nextafter(key.time, 1e9f), key.time + 0.1f}) {
-                    float expected = t > keys.front().time ? keys.back().translation.x : keys.front().translation.x;
-                    for (int j = 0; t > keys.front().time && t < keys.back().time; ++j) {
-                        const KeyFrame& a = keys[std::size_t(j)];
-                        const KeyFrame& b = keys[std::size_t(j) + 1];
-                        if (b.time > t) {
-                            expected = (b.translation.x - a.translation.x) * ((t - a.time) / (b.time - a.time)) + a.translation.x;
-                            break;
-                        }
-                    }
-                    QCOMPARE(Floats(LocalAt(keys, t).m[12]), Floats(expected));
-                }
-            }
-        }
-    }
+    void Sampling() { CompareAnswer(); }
 
     void EveryComponentIsInterpolated()
     {
@@ -251,11 +205,11 @@ private Q_SLOTS:
             Vec3 start{axis == 2 ? 1.0f : 0.0f, axis == 0 ? 1.0f : 0.0f, axis == 1 ? 1.0f : 0.0f};
             const Vec3 end{start.z, start.x, start.y}; // about x from y to z, and so on round
             TransformPoint(start, LocalAt({Key(0, {0, 0, 0}, quarter)}, 0));
-            QVERIFY2(Distance(start, end) < 1e-6f, qPrintable(Floats(start)));
+            QCOMPARE(Rounded(start), Rounded(end));
         }
         Vec3 turned{1, 0, 0};
         TransformPoint(turned, LocalAt({Key(0, {0, 0, 0}), Key(1, {0, 0, 0}, TurnAbout(2, 120))}, 0.25f));
-        QVERIFY2(Distance(turned, Vec3{std::sqrt(0.75f), 0.5f, 0}) < 1e-6f, qPrintable(Floats(turned)));
+        QCOMPARE(Rounded(turned), QStringLiteral("0.86603, 0.5, 0"));
     }
 
     void RotationsFollowTheShortArc_data()
@@ -278,45 +232,35 @@ private Q_SLOTS:
         QFETCH(double, to);
         QFETCH(float, factor);
         QFETCH(double, expected);
-        for (int axis = 0; axis < 3; ++axis) {
-            const Quaternion found = Between(TurnAbout(axis, from), TurnAbout(axis, to), factor);
-            QVERIFY2(Distance(found, TurnAbout(axis, expected)) < 1e-6f, qPrintable(Floats(found)));
-        }
+        for (int axis = 0; axis < 3; ++axis)
+            QCOMPARE(Rounded(Between(TurnAbout(axis, from), TurnAbout(axis, to), factor)), Rounded(TurnAbout(axis, expected)));
     }
 
     void NearlyEqualRotationsAreBlendedLinearly()
     {
-        // In steps of a float's last bit below 1, the limit of 1e-5 lies between 167 and 168.
+        // In steps of a float's last bit below 1, the limit of 1e-5 lies between 167 and 168. On the arc the
+        // half-way rotation keeps its length; the straight blend is shorter by some twenty such steps.
         for (const int steps : {0, 1, 167, 168}) {
             const float w = 1.0f - float(steps) / (1 << 24);
             const Quaternion near{0, 0, float(std::sqrt(1.0 - double(w) * double(w))), w};
             const Quaternion found = Between({0, 0, 0, 1}, near, 0.5f);
-            if (steps == 168)
-                QVERIFY2(std::fabs(LengthOf(found) - 1.0f) < 5e-7f, qPrintable(Floats(found)));
-            else
-                QCOMPARE(Floats(found), Floats(Quaternion{0, 0, near.z * 0.5f, 0.5f + w * 0.5f}));
+            QCOMPARE(Floats(found) == Floats(Quaternion{0, 0, near.z * 0.5f, 0.5f + w * 0.5f}), steps < 168);
+            QVERIFY(steps < 168 || std::fabs(double(found.z) * double(found.z) + double(found.w) * double(found.w) - 1) < 1e-6);
         }
     }
 
     void RotationsAreNotNormalised_data()
     {
-        QTest::addColumn<Quaternion>("q0");
-        QTest::addColumn<Quaternion>("q1");
-        QTest::addColumn<Quaternion>("expected");
-        QTest::newRow("longer than one: linear") << Quaternion{0, 0, 0, 2} << Quaternion{0, 2, 0, 2} << Quaternion{0, 0.5f, 0, 2};
-        QTest::newRow("shorter than one: along the arc") << Quaternion{0, 0, 0, 0.5f} << Quaternion{0.5f, 0, 0, 0}
-            << Quaternion{0.5f * std::sin(std::acos(0.0f) / 4), 0, 0, 0.5f * std::cos(std::acos(0.0f) / 4)};
-        QTest::newRow("the angle comes from the product of lengths too") << Quaternion{0, 0, 0, 1} << Quaternion{0, 0, 0, 0.5f}
-            << Quaternion{0, 0, 0, (std::sin(0.75f * std::acos(0.5f)) + 0.5f * std::sin(0.25f * std::acos(0.5f))) / std::sin(std::acos(0.5f))};
+        AnswerColumns();
+        const auto row = [](const char* name, const Quaternion& q0, const Quaternion& q1, const char* expected) {
+            QTest::newRow(name) << Rounded(Between(q0, q1, 0.25f)) << QString::fromLatin1(expected);
+        };
+        row("longer than one: linear", {0, 0, 0, 2}, {0, 2, 0, 2}, "0, 0.5, 0, 2");
+        row("shorter than one: along the arc", {0, 0, 0, 0.5f}, {0.5f, 0, 0, 0}, "0.19134, 0, 0, 0.46194");
+        // acos(1/2) is 60 degrees: (sin 45 + sin 15 / 2) / sin 60
+        row("the lengths count in the angle", {0, 0, 0, 1}, {0, 0, 0, 0.5f}, "0, 0, 0, 0.96593");
     }
-
-    void RotationsAreNotNormalised()
-    {
-        QFETCH(Quaternion, q0);
-        QFETCH(Quaternion, q1);
-        QFETCH(Quaternion, expected);
-        QVERIFY2(Distance(Between(q0, q1, 0.25f), expected) < 1e-6f, qPrintable(Floats(Between(q0, q1, 0.25f))));
-    }
+    void RotationsAreNotNormalised() { CompareAnswer(); }
 
     void NoSuchAnimation_data()
     {
@@ -324,9 +268,7 @@ private Q_SLOTS:
         QTest::newRow("below zero") << -1;
         QTest::newRow("one too high") << 1;
         QTest::newRow("far too high") << std::numeric_limits<int>::max();
-        QTest::newRow("far below zero") << std::numeric_limits<int>::min();
     }
-
     void NoSuchAnimation()
     {
         QFETCH(int, index);
@@ -334,15 +276,11 @@ private Q_SLOTS:
         Node* const node = AddNode(scene, "node");
         node->localTransform = Translation(1, 2, 3); // anything that is recomputed would show
         AddAnimation(scene, {Track(node, KeysAt({0}))});
-        const QString before = Matrices(scene);
-        try {
-            scene.CalculateAnimation(index, 0);
-            QFAIL("no exception");
-        } catch (const InvalidParameterException& e) {
-            QCOMPARE(e.GetErrorText(), QStringLiteral("Invalid parameter 'animIndex' passed to method "
-                                                      "'Scene::CalculateAnimation':\nInvalid animation index"));
-        }
-        QCOMPARE(Matrices(scene), before);
+        const QString before = CurrentPose(scene);
+        QCOMPARE(Refusal([&] { scene.CalculateAnimation(index, 0); }),
+                 QStringLiteral("Invalid parameter 'animIndex' passed to method 'Scene::CalculateAnimation':\n"
+                                "Invalid animation index"));
+        QCOMPARE(CurrentPose(scene), before);
     }
 
     void WithoutLayersNothingChanges()
@@ -351,9 +289,9 @@ private Q_SLOTS:
         Node* const node = AddNode(scene, "node");
         AddAnimation(scene, {})->layers.clear();
         node->localTransform = Translation(1, 2, 3);
-        const QString before = Matrices(scene);
+        const QString before = CurrentPose(scene);
         scene.CalculateAnimation(0, 0);
-        QCOMPARE(Matrices(scene), before);
+        QCOMPARE(CurrentPose(scene), before);
     }
 
     void AnEmptyLayerRecomputesEveryNode()
@@ -373,8 +311,6 @@ private Q_SLOTS:
         QCOMPARE(child->meshTransform, Scaling(2, 4, 8) * global);
         QCOMPARE(child->skinTransform, skin);
         QCOMPARE(child->skinTransform * child->skinTransformInverse, Matrix());
-        QCOMPARE(child->originGlobalTransform, Cycle() * Translation(0, 1, 0));
-        QCOMPARE(child->bindTransform, Scaling(2, 4, 8) * child->originGlobalTransform);
 
         root->localTransform = kFlat;
         const Matrix kept = child->skinTransformInverse;
