@@ -8,7 +8,6 @@ using namespace SkinAnimation;
 namespace {
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 /// The keys of a track as "time:x time:x", x being the translation's.
 QString Keys(const NodeTrack& track)
@@ -53,31 +52,22 @@ private Q_SLOTS:
         row("both boundaries between the middle two", {0, 8, 16, 24}, 10, 12, "0:125 2:150", 2);
         row("both boundaries on keys: copied, nothing added", {0, 5, 10}, 0, 10, "0:0 5:100 10:200", 10);
         row("both boundaries on inner keys", {0, 5, 10, 15}, 5, 10, "0:100 5:200", 5);
-        row("from a key to between", {0, 4, 8}, 4, 6, "0:100 2:150", 2);
-        row("from between to a key", {0, 4, 8}, 3, 8, "0:75 1:100 5:200", 5);
         row("a key between the boundaries", {0, 4, 8}, 2, 6, "0:50 2:100 4:150", 4);
         row("ends after the last key: no end key", {0, 4, 8}, 4, 20, "0:100 4:200", 4);
         row("starts before the first key: no start key", {4, 8}, 2, 8, "2:0 6:100", 6);
         row("starts before the first key, ends between", {4, 8}, 2, 6, "2:0 4:50", 4);
         row("wider than the track", {4, 8}, -2, 20, "6:0 10:100", 10);
-        row("without end", {0, 4, 8}, 2, kInfinity, "0:50 2:100 6:200", 6);
         row("wholly after the last key", {0, 4}, 5, 9, "", 0);
         row("wholly before the first key", {4, 8}, 0, 3, "", 0);
         row("ends on the first key", {4, 8}, 0, 4, "4:0", 4);
         row("starts on the last key", {0, 4}, 4, 8, "0:100", 0);
         row("a moment between two keys does not move", {0, 8}, 2, 2, "dropped", 0);
         row("a moment on a key", {0, 4, 8}, 4, 4, "0:100", 0);
-        row("a moment on the last key", {0, 4}, 4, 4, "0:100", 0);
         row("no keys", {}, 0, 8, "", 0);
         row("one key within", {4}, 2, 8, "2:0", 2);
-        row("one key on the start", {4}, 4, 8, "0:0", 0);
-        row("one key on the end", {4}, 2, 4, "2:0", 2);
         row("one key before", {4}, 5, 8, "", 0);
-        row("one key after", {4}, 0, 3, "", 0);
         row("two keys at the start's time are both kept", {0, 4, 4, 8}, 4, 8, "0:100 0:200 4:300", 4);
         row("two keys at the end's time are both kept", {0, 4, 4, 8}, 0, 4, "0:0 4:100 4:200", 4);
-        row("two keys at one time, start just after", {0, 4, 4, 8}, 5, 8, "0:225 3:300", 3);
-        row("two keys at one time, end just before", {0, 4, 4, 8}, 0, 3, "0:0 3:75", 3);
         row("times below zero", {-10, -2, 6}, -6, 2, "0:50 4:100 8:150", 8);
         row("start after end, between two keys", {0, 10}, 5, 2, "0:50 -3:20", 0);
         row("start after end, with a key between them", {0, 4, 8}, 6, 2, "-4:50", 0);

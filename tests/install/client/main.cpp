@@ -74,8 +74,6 @@ void PrintValues()
     Matrix inverse;
     Inverse(inverse, a);
     Print("inverse", inverse);
-    Multiply(inverse, inverse, a);
-    Print("product with the inverse", inverse);
     Vec3 v = Vector();
     const Vec3 w = Vector();
     TransformPoint(v, a);
@@ -97,17 +95,13 @@ void PrintValues()
     Print("centre moved", box.Center() * 0.7f + v);
     Print("to the toolkit and back", QMatrix4x4ToMatrix(MatrixToQMatrix4x4(a)) * b);
     Print("texture", QTransformToMatrix2(Matrix2ToQTransform(Matrix2(v.x, v.y, v.z, w.x, w.y, w.z))));
-    Print("vectors", QVector3DToTVec3(TVec3ToQVector3D(v)) - QVector3DToTVec3(TVec3ToQVector3D(w)));
-    Print("texture coordinate", QVector2DToTVec2(TVec2ToQVector2D({v.x, v.y})) * w.z);
     Print("color", ColorToQColor({v.x, v.y / 8.0f, w.z, 1.0f}).name());
     Print("color from bytes", QColorToColorF(QColor(1, 77, 200)));
     QRectF rect(double(v.x), double(v.y), double(w.x), double(w.y));
     Print("rectangle", QRectFToQVariant(rect).toString());
     const QRectF read = QVariantToQRectF(QRectFToQVariant(rect), QRectF());
     Print("rectangle read", QString::number(read.x(), 'g', 17) + ' ' + QString::number(read.height(), 'g', 17));
-    Print("truth", QString::number(int(QVariantToBool(QVariant(v.x))) + 2 * int(QVariantToBool(QVariant(1)))));
     Print("millimetres", pixelsToMM(v.x, 96.0f) + mmToPixels(w.x, 96.0f));
-    Print("time", millisecondsToQTime(3723004).toString(QStringLiteral("HH:mm:ss.zzz")));
 }
 
 /// Prints what it is handed.
