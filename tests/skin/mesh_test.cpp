@@ -311,8 +311,8 @@ private Q_SLOTS:
         // A floor, a hidden wall along one edge of it, and geometries with normals of their own.
         Scene scene;
         Node* const root = AddNode(scene, "root");
+        Node* const next = AddNode(scene, "next", root); // straight after the root's: a buffer must not live on
         Node* const child = AddNode(scene, "child", root);
-        Node* const next = AddNode(scene, "next", root);
         Geometry* const floor = AddGeometry(*root, "floor", {{0, 1, 0}, {0, 0, 0}, {5, 0, 0}});
         Geometry* const wall = AddGeometry(*root, "wall", {{0, 0, 5}, {0, 0, 0}, {0, 1, 0}});
         Geometry* const apart = AddGeometry(*root, "apart", kTriangle);
