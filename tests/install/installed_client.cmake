@@ -1,0 +1,64 @@
+cmake_minimum_required(VERSION 3.25)
+
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE code OUTPUT_VARIABLE said ERROR_VARIABLE complained)
+    if(NOT code EQUAL 0)
+        message(FATAL_ERROR "${ARGN} ended with ${code}:\n${said}\n${complained}")
+    endif()
+    set(output "${said}" PARENT_SCOPE)
+endfunction()
+
+# print(PROGRAM): writes what the client prints to PROGRAM.txt. All clients print the same.
+function(print program)
+    execute_process(COMMAND "${WORK_DIR}/${program}" RESULT_VARIABLE code
+        OUTPUT_FILE "${WORK_DIR}/${program}.txt" ERROR_VARIABLE complained)
+    file(STRINGS "${WORK_DIR}/${program}.txt" printed)
+    list(LENGTH printed lines)
+    if(NOT code EQUAL 0 OR NOT complained STREQUAL "" OR lines LESS 100)
+        message(FATAL_ERROR "${program} printed ${lines} lines and ended with ${code}: ${complained}")
+    endif()
+    file(STRINGS "${WORK_DIR}/plain/client.txt" expected)
+    foreach(found wanted IN ZIP_LISTS printed expected)
+        if(NOT found STREQUAL wanted)
+            message(FATAL_ERROR "${program} computes other bits:\n${found}\ninstead of\n${wanted}")
+        endif()
+    endforeach()
+endfunction()
+
+# build_client(NAME PREFIX FLAGS TARGET): through find_package.
+function(build_client name prefix flags target)
+    run("${CMAKE_COMMAND}" -S "${CLIENT_DIR}" -B "${WORK_DIR}/${name}" -G "${GENERATOR}"
+        "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_FLAGS=${sanitizer_flag} ${flags}"
+        "-DCMAKE_PREFIX_PATH=${prefix}")
+    run("${CMAKE_COMMAND}" --build "${WORK_DIR}/${name}" --target ${target} --parallel 2)
+endfunction()
+
+set(sanitizer_flag "")
+if(SANITIZE)
+    # The library brings the sanitizers' runtime, which must be the program's first.
+    set(sanitizer_flag "-fsanitize=${SANITIZE}")
+endif()
+
+file(REMOVE_RECURSE "${WORK_DIR}")
+run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${WORK_DIR}/first place")
+build_client(plain "${WORK_DIR}/first place" "" all)
+print(plain/client)
+
+# Once moved, nothing may lead back to where it was.
+file(RENAME "${WORK_DIR}/first place" "${WORK_DIR}/moved")
+set(tuned "-O3")
+file(STRINGS /proc/cpuinfo features REGEX "^flags.* avx2 .*")
+if(features MATCHES " fma ")
+    set(tuned "-O3 -march=x86-64-v3")
+else()
+    message(STATUS "This processor has no AVX2 and FMA: the tuned client is built without.")
+endif()
+build_client(tuned "${WORK_DIR}/moved" "${tuned}" client)
+print(tuned/client)
+
+set(ENV{PKG_CONFIG_PATH} "${WORK_DIR}/moved/${LIBDIR}/pkgconfig:$ENV{PKG_CONFIG_PATH}")
+run(pkg-config --cflags --libs "lumenta-core >= 0.1")
+separate_arguments(flags UNIX_COMMAND "${output}")
+run("${COMPILER}" -std=c++17 ${sanitizer_flag} "${CLIENT_DIR}/main.cpp" -o "${WORK_DIR}/by-pkg-config" ${flags}
+    "-Wl,-rpath,${WORK_DIR}/moved/${LIBDIR}")
+print(by-pkg-config)
