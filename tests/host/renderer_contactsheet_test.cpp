@@ -8,24 +8,19 @@ using namespace Host;
 
 namespace {
 
-std::vector<SheetPicture> Coloured(const std::vector<Qt::GlobalColor>& colours)
+std::vector<SheetPicture> Pictures(int count, const QString& caption)
 {
-    std::vector<SheetPicture> pictures;
-    for (const Qt::GlobalColor colour : colours) {
-        QImage image(30, 20, QImage::Format_RGB32);
-        image.fill(colour);
-        pictures.push_back({image, QStringLiteral("t = 480 ms")});
-    }
-    return pictures;
+    QImage image(30, 20, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    return std::vector<SheetPicture>(static_cast<std::size_t>(count), {image, caption});
 }
 
-/// Whether something dark is written in a part of the sheet.
-bool IsWritten(const QImage& sheet, const QRect& part)
+/// Whether something dark is written in some rows of the sheet.
+bool IsWritten(const QImage& sheet, int top, int bottom)
 {
-    for (int y = part.top(); y <= part.bottom(); ++y)
-        for (int x = part.left(); x <= part.right(); ++x)
-            if (qGray(sheet.pixel(x, y)) < 150)
-                return true;
+    for (int y = top; y < bottom; ++y)
+        for (int x = 0; x < sheet.width(); ++x)
+            if (qGray(sheet.pixel(x, y)) < 150) return true;
     return false;
 }
 
@@ -33,8 +28,7 @@ QPoint FirstOf(const QImage& sheet, Qt::GlobalColor colour)
 {
     for (int y = 0; y < sheet.height(); ++y)
         for (int x = 0; x < sheet.width(); ++x)
-            if (sheet.pixelColor(x, y) == QColor(colour))
-                return {x, y};
+            if (sheet.pixelColor(x, y) == QColor(colour)) return {x, y};
     return {-1, -1};
 }
 
@@ -46,58 +40,64 @@ class RendererContactSheet : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void picturesStandInReadingOrder_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("asked");
+        QTest::addColumn<int>("columns");
+        QTest::newRow("as many columns as asked for") << 3 << 2 << 2;
+        QTest::newRow("nine make a square") << 9 << 0 << 3;
+        QTest::newRow("eight fill a row of four") << 8 << 0 << 4;
+        QTest::newRow("no row of seven is worth its width") << 7 << 0 << 3;
+    }
+
     void picturesStandInReadingOrder()
     {
-        const QImage sheet =
-            MakeContactSheet(Coloured({Qt::red, Qt::green, Qt::blue}), QStringLiteral("A title"), 2);
+        QFETCH(int, count);
+        QFETCH(int, asked);
+        QFETCH(int, columns);
+        std::vector<SheetPicture> pictures = Pictures(count, QString());
+        pictures[0].image.fill(Qt::red);
+        pictures[static_cast<std::size_t>(columns - 1)].image.fill(Qt::green);
+        pictures[static_cast<std::size_t>(columns)].image.fill(Qt::blue);
+        const QImage sheet = MakeContactSheet(pictures, QString(), asked);
         const QPoint first = FirstOf(sheet, Qt::red);
-        const QPoint second = FirstOf(sheet, Qt::green);
-        const QPoint third = FirstOf(sheet, Qt::blue);
-        QVERIFY(first.x() >= 0 && second.x() >= first.x() + 30 && second.y() == first.y());
-        QVERIFY(third.x() == first.x() && third.y() >= first.y() + 20);
-        QVERIFY(sheet.height() >= third.y() + 20 && sheet.width() >= second.x() + 30);
+        const QPoint last = FirstOf(sheet, Qt::green);
+        const QPoint next = FirstOf(sheet, Qt::blue);
+        QVERIFY(first.x() >= 0 && last.x() >= first.x() + 30 * (columns - 1) && last.y() == first.y());
+        QVERIFY(next.x() == first.x() && next.y() >= first.y() + 20);
+        QVERIFY(last.x() + 60 > sheet.width()); // no column is left empty
+        QVERIFY(next.y() + 20 <= sheet.height());
     }
 
-    void writesWhereItCan()
+    void writesWhereItCanAndElseLeavesNoRoom()
     {
         const bool canWrite = qobject_cast<QGuiApplication*>(QCoreApplication::instance())
-            && qEnvironmentVariableIsEmpty("FONTCONFIG_FILE");
-        const QImage sheet = MakeContactSheet(Coloured({Qt::white}), QStringLiteral("A title"));
-        const QPoint place = FirstOf(sheet, Qt::white);
-        QCOMPARE(IsWritten(sheet, {0, 0, sheet.width(), place.y()}), canWrite);
-        QCOMPARE(IsWritten(sheet, {0, place.y() + 20, sheet.width(), sheet.height() - place.y() - 20}), canWrite);
-    }
-
-    void leavesNoRoomForWhatIsNotWritten()
-    {
-        std::vector<SheetPicture> pictures = Coloured({Qt::red});
-        pictures[0].caption.clear();
-        QCOMPARE(MakeContactSheet(pictures, QString()).size(), QSize(30 + 48, 20 + 48));
-    }
-
-    void refusesPicturesThatDoNotFit_data()
-    {
-        QTest::addColumn<int>("pictures");
-        QTest::addColumn<QString>("details");
-        QTest::newRow("none") << 0 << "There is no picture.";
-        QTest::newRow("of two sizes") << 2 << "The pictures differ in size.";
+                              && qEnvironmentVariableIsEmpty("FONTCONFIG_FILE");
+        const QSize bare(30 + 48, 20 + 48);
+        QCOMPARE(MakeContactSheet(Pictures(1, QString()), QString()).size(), bare);
+        const QImage sheet = MakeContactSheet(Pictures(1, QStringLiteral("t = 480 ms")), QStringLiteral("A title"));
+        const int top = FirstOf(sheet, Qt::white).y();
+        QCOMPARE(IsWritten(sheet, 0, top), canWrite);
+        QCOMPARE(IsWritten(sheet, top + 20, sheet.height()), canWrite);
+        QCOMPARE(sheet.size() == bare, !canWrite);
     }
 
     void refusesPicturesThatDoNotFit()
     {
-        QFETCH(int, pictures);
-        QFETCH(QString, details);
-        std::vector<SheetPicture> given;
-        for (int i = 0; i < pictures; ++i)
-            given.push_back({QImage(10 + i, 10, QImage::Format_RGB32), QString()});
-        try {
-            MakeContactSheet(given, QString());
-            QFAIL("Nothing was thrown");
-        } catch (const InvalidParameterException& e) {
-            QCOMPARE(e.GetErrorText(), QStringLiteral("Invalid parameter 'pictures' passed to method "
-                                                      "'MakeContactSheet':\n")
-                                           + details);
-        }
+        const auto errorOf = [](const std::vector<SheetPicture>& pictures) {
+            try {
+                MakeContactSheet(pictures, QString());
+                return QString();
+            } catch (const InvalidParameterException& e) {
+                return e.GetErrorText();
+            }
+        };
+        const QString text = QStringLiteral("Invalid parameter 'pictures' passed to method 'MakeContactSheet':\n%1");
+        QCOMPARE(errorOf({}), text.arg(QStringLiteral("There is no picture.")));
+        std::vector<SheetPicture> pictures = Pictures(2, QString());
+        pictures[1].image = pictures[1].image.copy(0, 0, 30, 19);
+        QCOMPARE(errorOf(pictures), text.arg(QStringLiteral("The pictures differ in size.")));
     }
 };
 
