@@ -15,15 +15,6 @@ std::vector<SheetPicture> Pictures(int count, const QString& caption)
     return std::vector<SheetPicture>(static_cast<std::size_t>(count), {image, caption});
 }
 
-/// Whether something dark is written in some rows of the sheet.
-bool IsWritten(const QImage& sheet, int top, int bottom)
-{
-    for (int y = top; y < bottom; ++y)
-        for (int x = 0; x < sheet.width(); ++x)
-            if (qGray(sheet.pixel(x, y)) < 150) return true;
-    return false;
-}
-
 QPoint FirstOf(const QImage& sheet, Qt::GlobalColor colour)
 {
     for (int y = 0; y < sheet.height(); ++y)
@@ -40,47 +31,38 @@ class RendererContactSheet : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void picturesStandInReadingOrder_data()
-    {
-        QTest::addColumn<int>("count");
-        QTest::addColumn<int>("asked");
-        QTest::addColumn<int>("columns");
-        QTest::newRow("as many columns as asked for") << 3 << 2 << 2;
-        QTest::newRow("nine make a square") << 9 << 0 << 3;
-        QTest::newRow("eight fill a row of four") << 8 << 0 << 4;
-        QTest::newRow("no row of seven is worth its width") << 7 << 0 << 3;
-    }
-
+    // As many columns as asked for; a square of nine; rows of four where they
+    // come out even; seven as nearly square as can be.
     void picturesStandInReadingOrder()
     {
-        QFETCH(int, count);
-        QFETCH(int, asked);
-        QFETCH(int, columns);
-        std::vector<SheetPicture> pictures = Pictures(count, QString());
-        pictures[0].image.fill(Qt::red);
-        pictures[static_cast<std::size_t>(columns - 1)].image.fill(Qt::green);
-        pictures[static_cast<std::size_t>(columns)].image.fill(Qt::blue);
-        const QImage sheet = MakeContactSheet(pictures, QString(), asked);
-        const QPoint first = FirstOf(sheet, Qt::red);
-        const QPoint last = FirstOf(sheet, Qt::green);
-        const QPoint next = FirstOf(sheet, Qt::blue);
-        QVERIFY(first.x() >= 0 && last.x() >= first.x() + 30 * (columns - 1) && last.y() == first.y());
-        QVERIFY(next.x() == first.x() && next.y() >= first.y() + 20);
-        QVERIFY(last.x() + 60 > sheet.width()); // no column is left empty
-        QVERIFY(next.y() + 20 <= sheet.height());
+        const int cases[][3] = {{3, 2, 2}, {9, 0, 3}, {8, 0, 4}, {7, 0, 3}};
+        for (const auto& [count, asked, columns] : cases) {
+            std::vector<SheetPicture> pictures = Pictures(count, QString());
+            pictures[0].image.fill(Qt::red);
+            pictures[static_cast<std::size_t>(columns - 1)].image.fill(Qt::green);
+            pictures[static_cast<std::size_t>(columns)].image.fill(Qt::blue);
+            const QImage sheet = MakeContactSheet(pictures, QString(), asked);
+            const QPoint first = FirstOf(sheet, Qt::red);
+            const QPoint last = FirstOf(sheet, Qt::green);
+            const QPoint next = FirstOf(sheet, Qt::blue);
+            QVERIFY(first.x() >= 0 && last.x() >= first.x() + 30 * (columns - 1) && last.y() == first.y());
+            QVERIFY(next.x() == first.x() && next.y() >= first.y() + 20 && next.y() + 20 <= sheet.height());
+            QVERIFY(last.x() + 60 > sheet.width()); // no column is left empty
+        }
     }
 
     void writesWhereItCanAndElseLeavesNoRoom()
     {
+        const auto sheet = [](const QString& caption, const QString& title) {
+            return MakeContactSheet(Pictures(1, caption), title);
+        };
         const bool canWrite = qobject_cast<QGuiApplication*>(QCoreApplication::instance())
                               && qEnvironmentVariableIsEmpty("FONTCONFIG_FILE");
-        const QSize bare(30 + 48, 20 + 48);
-        QCOMPARE(MakeContactSheet(Pictures(1, QString()), QString()).size(), bare);
-        const QImage sheet = MakeContactSheet(Pictures(1, QStringLiteral("t = 480 ms")), QStringLiteral("A title"));
-        const int top = FirstOf(sheet, Qt::white).y();
-        QCOMPARE(IsWritten(sheet, 0, top), canWrite);
-        QCOMPARE(IsWritten(sheet, top + 20, sheet.height()), canWrite);
-        QCOMPARE(sheet.size() == bare, !canWrite);
+        const QImage written = sheet(QStringLiteral("0 ms"), QStringLiteral("A title"));
+        QCOMPARE(sheet(QStringLiteral("9 ms"), QStringLiteral("A title")) != written, canWrite);
+        QCOMPARE(sheet(QStringLiteral("0 ms"), QStringLiteral("Another")) != written, canWrite);
+        QCOMPARE(sheet(QString(), QString()).size(), QSize(30 + 48, 20 + 48));
+        QCOMPARE(written.size() == QSize(30 + 48, 20 + 48), !canWrite);
     }
 
     void refusesPicturesThatDoNotFit()
