@@ -8,33 +8,18 @@ using namespace Host;
 
 namespace {
 
-std::vector<SheetPicture> Coloured(const std::vector<Qt::GlobalColor>& colours)
+std::vector<SheetPicture> Pictures(int count, const QString& caption)
 {
-    std::vector<SheetPicture> pictures;
-    for (const Qt::GlobalColor colour : colours) {
-        QImage image(30, 20, QImage::Format_RGB32);
-        image.fill(colour);
-        pictures.push_back({image, QStringLiteral("t = 480 ms")});
-    }
-    return pictures;
-}
-
-/// Whether something dark is written in a part of the sheet.
-bool IsWritten(const QImage& sheet, const QRect& part)
-{
-    for (int y = part.top(); y <= part.bottom(); ++y)
-        for (int x = part.left(); x <= part.right(); ++x)
-            if (qGray(sheet.pixel(x, y)) < 150)
-                return true;
-    return false;
+    QImage image(30, 20, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    return std::vector<SheetPicture>(static_cast<std::size_t>(count), {image, caption});
 }
 
 QPoint FirstOf(const QImage& sheet, Qt::GlobalColor colour)
 {
     for (int y = 0; y < sheet.height(); ++y)
         for (int x = 0; x < sheet.width(); ++x)
-            if (sheet.pixelColor(x, y) == QColor(colour))
-                return {x, y};
+            if (sheet.pixelColor(x, y) == QColor(colour)) return {x, y};
     return {-1, -1};
 }
 
@@ -46,58 +31,55 @@ class RendererContactSheet : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // As many columns as asked for; a square of nine; rows of four where they
+    // come out even; seven as nearly square as can be.
     void picturesStandInReadingOrder()
     {
-        const QImage sheet =
-            MakeContactSheet(Coloured({Qt::red, Qt::green, Qt::blue}), QStringLiteral("A title"), 2);
-        const QPoint first = FirstOf(sheet, Qt::red);
-        const QPoint second = FirstOf(sheet, Qt::green);
-        const QPoint third = FirstOf(sheet, Qt::blue);
-        QVERIFY(first.x() >= 0 && second.x() >= first.x() + 30 && second.y() == first.y());
-        QVERIFY(third.x() == first.x() && third.y() >= first.y() + 20);
-        QVERIFY(sheet.height() >= third.y() + 20 && sheet.width() >= second.x() + 30);
+        const int cases[][3] = {{3, 2, 2}, {9, 0, 3}, {8, 0, 4}, {7, 0, 3}};
+        for (const auto& [count, asked, columns] : cases) {
+            std::vector<SheetPicture> pictures = Pictures(count, QString());
+            pictures[0].image.fill(Qt::red);
+            pictures[static_cast<std::size_t>(columns - 1)].image.fill(Qt::green);
+            pictures[static_cast<std::size_t>(columns)].image.fill(Qt::blue);
+            const QImage sheet = MakeContactSheet(pictures, QString(), asked);
+            const QPoint first = FirstOf(sheet, Qt::red);
+            const QPoint last = FirstOf(sheet, Qt::green);
+            const QPoint next = FirstOf(sheet, Qt::blue);
+            QVERIFY(first.x() >= 0 && last.x() >= first.x() + 30 * (columns - 1) && last.y() == first.y());
+            QVERIFY(next.x() == first.x() && next.y() >= first.y() + 20 && next.y() + 20 <= sheet.height());
+            QVERIFY(last.x() + 60 > sheet.width()); // no column is left empty
+        }
     }
 
-    void writesWhereItCan()
+    void writesWhereItCanAndElseLeavesNoRoom()
     {
+        const auto sheet = [](const QString& caption, const QString& title) {
+            return MakeContactSheet(Pictures(1, caption), title);
+        };
         const bool canWrite = qobject_cast<QGuiApplication*>(QCoreApplication::instance())
-            && qEnvironmentVariableIsEmpty("FONTCONFIG_FILE");
-        const QImage sheet = MakeContactSheet(Coloured({Qt::white}), QStringLiteral("A title"));
-        const QPoint place = FirstOf(sheet, Qt::white);
-        QCOMPARE(IsWritten(sheet, {0, 0, sheet.width(), place.y()}), canWrite);
-        QCOMPARE(IsWritten(sheet, {0, place.y() + 20, sheet.width(), sheet.height() - place.y() - 20}), canWrite);
-    }
-
-    void leavesNoRoomForWhatIsNotWritten()
-    {
-        std::vector<SheetPicture> pictures = Coloured({Qt::red});
-        pictures[0].caption.clear();
-        QCOMPARE(MakeContactSheet(pictures, QString()).size(), QSize(30 + 48, 20 + 48));
-    }
-
-    void refusesPicturesThatDoNotFit_data()
-    {
-        QTest::addColumn<int>("pictures");
-        QTest::addColumn<QString>("details");
-        QTest::newRow("none") << 0 << "There is no picture.";
-        QTest::newRow("of two sizes") << 2 << "The pictures differ in size.";
+                              && qEnvironmentVariableIsEmpty("FONTCONFIG_FILE");
+        const QImage written = sheet(QStringLiteral("0 ms"), QStringLiteral("A title"));
+        QCOMPARE(sheet(QStringLiteral("9 ms"), QStringLiteral("A title")) != written, canWrite);
+        QCOMPARE(sheet(QStringLiteral("0 ms"), QStringLiteral("Another")) != written, canWrite);
+        QCOMPARE(sheet(QString(), QString()).size(), QSize(30 + 48, 20 + 48));
+        QCOMPARE(written.size() == QSize(30 + 48, 20 + 48), !canWrite);
     }
 
     void refusesPicturesThatDoNotFit()
     {
-        QFETCH(int, pictures);
-        QFETCH(QString, details);
-        std::vector<SheetPicture> given;
-        for (int i = 0; i < pictures; ++i)
-            given.push_back({QImage(10 + i, 10, QImage::Format_RGB32), QString()});
-        try {
-            MakeContactSheet(given, QString());
-            QFAIL("Nothing was thrown");
-        } catch (const InvalidParameterException& e) {
-            QCOMPARE(e.GetErrorText(), QStringLiteral("Invalid parameter 'pictures' passed to method "
-                                                      "'MakeContactSheet':\n")
-                                           + details);
-        }
+        const auto errorOf = [](const std::vector<SheetPicture>& pictures) {
+            try {
+                MakeContactSheet(pictures, QString());
+                return QString();
+            } catch (const InvalidParameterException& e) {
+                return e.GetErrorText();
+            }
+        };
+        const QString text = QStringLiteral("Invalid parameter 'pictures' passed to method 'MakeContactSheet':\n%1");
+        QCOMPARE(errorOf({}), text.arg(QStringLiteral("There is no picture.")));
+        std::vector<SheetPicture> pictures = Pictures(2, QString());
+        pictures[1].image = pictures[1].image.copy(0, 0, 30, 19);
+        QCOMPARE(errorOf(pictures), text.arg(QStringLiteral("The pictures differ in size.")));
     }
 };
 

@@ -1,29 +1,43 @@
 #pragma once
 
-#include <QDir>
 #include <QDirIterator>
-#include <QFile>
 #include <QProcess>
-#include <QString>
-#include <QStringList>
 #include <QtTest>
 
-#include <csignal>
-#include <cstdlib>
+#include <functional>
 
-#include <fcntl.h>
-#include <linux/capability.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-/// What makes life hard for the command, besides its arguments.
-enum class Hardship {
-    None,
-    NoPrivilege, ///< Permissions of files bind it, even where the tests run as root.
-    SmallFiles,  ///< No file may grow beyond 1000 bytes.
-    LittleMemory ///< 700 MB of addresses.
-};
+#include <linux/capability.h>
+
+/// What makes life hard for the command, besides its arguments. Done in its own
+/// process before it starts; false if it cannot be done.
+using Hardship = std::function<bool()>;
+
+/// Permissions of files bind the command, even where the tests run as root:
+/// what is not in the bounding set is gone with the next exec.
+inline bool WithoutPrivilege()
+{
+    return geteuid() != 0
+           || (prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0) == 0
+               && prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) == 0);
+}
+
+/// No file may grow beyond 1000 bytes.
+inline bool WithSmallFiles()
+{
+    const rlimit few{1000, 1000};
+    return setrlimit(RLIMIT_FSIZE, &few) == 0;
+}
+
+/// 700 MB of addresses.
+inline bool WithLittleMemory()
+{
+    const rlimit little{700u << 20, 700u << 20};
+    return setrlimit(RLIMIT_AS, &little) == 0;
+}
 
 struct Outcome {
     int exitCode;
@@ -34,25 +48,11 @@ struct Outcome {
 /// Runs the built command.
 class CommandRunner : public QProcess {
 public:
-    explicit CommandRunner(const QString& folder)
+    explicit CommandRunner(const QString& folder, const Hardship& hardship = {})
+        : m_hardship(hardship)
     {
         setWorkingDirectory(folder);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
-        setProcessEnvironment(environment);
     }
-
-    void SetVariable(const QString& name, const QString& value)
-    {
-        QProcessEnvironment environment = processEnvironment();
-        environment.insert(name, value);
-        setProcessEnvironment(environment);
-    }
-
-    void SetHardship(Hardship hardship) { m_hardship = hardship; }
-
-    /// Standard error goes to this terminal.
-    void SetTerminal(int terminal) { m_terminal = terminal; }
 
     Outcome Run(const QStringList& words)
     {
@@ -66,35 +66,11 @@ public:
 protected:
     void setupChildProcess() override
     {
-        if (!Impose())
-            _exit(99);
-        if (m_terminal >= 0)
-            dup2(m_terminal, STDERR_FILENO);
+        if (m_hardship && !m_hardship()) _exit(99);
     }
 
 private:
-    bool Impose() const
-    {
-        const rlimit fewBytes{1000, 1000};
-        const rlimit littleMemory{700u << 20, 700u << 20};
-        switch (m_hardship) {
-        case Hardship::NoPrivilege:
-            // What is not in the bounding set is gone with the next exec.
-            return geteuid() != 0
-                   || (prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0) == 0
-                       && prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) == 0);
-        case Hardship::SmallFiles:
-            return setrlimit(RLIMIT_FSIZE, &fewBytes) == 0;
-        case Hardship::LittleMemory:
-            return setrlimit(RLIMIT_AS, &littleMemory) == 0;
-        case Hardship::None:
-            return true;
-        }
-        return false;
-    }
-
-    Hardship m_hardship = Hardship::None;
-    int m_terminal = -1;
+    Hardship m_hardship;
 };
 
 /// Everything in the folder, hidden files too, in order.
