@@ -4,11 +4,15 @@
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 #include <vector>
 
 // QCOMPARE forgives floats their last bits. The tests of this library do not:
 // they compare texts that are equal only where the values are.
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 template <typename Record>
 std::vector<float> ValuesOf(const Record& record)
@@ -44,6 +48,11 @@ inline void AnswerColumns()
 {
     QTest::addColumn<QString>("found");
     QTest::addColumn<QString>("expected");
+}
+
+inline void Row(const char* name, const QString& found, const QString& expected)
+{
+    QTest::newRow(name) << found << expected;
 }
 
 inline void CompareAnswer()
