@@ -70,25 +70,22 @@ private Q_SLOTS:
     void AcrossLibraries_data()
     {
         QTest::addColumn<Thrower>("thrower");
-        QTest::addColumn<QByteArray>("thrown");
-
         static QLibrary plugin(QStringLiteral(EXCEPTION_PLUGIN)); // symbols stay local unless asked otherwise
         const auto loaded = reinterpret_cast<Thrower>(plugin.resolve("ThrowByName"));
         QVERIFY2(loaded && loaded != &ThrowByName, qPrintable(plugin.errorString()));
-
-        for (const auto& [thrown, handler] : kHandlers) {
-            QTest::newRow((thrown + " from a linked library").constData()) << &ThrowByName << thrown;
-            QTest::newRow((thrown + " from a library loaded at run time").constData()) << loaded << thrown;
-        }
+        QTest::newRow("from a linked library") << &ThrowByName;
+        QTest::newRow("from a library loaded at run time") << loaded;
     }
 
     void AcrossLibraries()
     {
         QFETCH(Thrower, thrower);
-        QFETCH(QByteArray, thrown);
-        for (const auto& [name, catches] : kHandlers) {
-            const bool base = name == "Exception" || (name == "LoadingException" && thrown == "ObjectLoadingException");
-            QCOMPARE(catches(thrower, thrown.constData()), base || name == thrown);
+        for (const auto& [thrown, itself] : kHandlers) {
+            for (const auto& [name, catches] : kHandlers) {
+                const bool is = name == thrown || name == "Exception"
+                    || (name == "LoadingException" && thrown == "ObjectLoadingException");
+                QVERIFY2(catches(thrower, thrown.constData()) == is, qPrintable(thrown + " caught as " + name));
+            }
         }
     }
 };

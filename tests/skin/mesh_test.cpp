@@ -7,7 +7,7 @@ namespace {
 const std::vector<Vec3> kTriangle = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
 
 /// "position / normal" of a vertex that four bones pull at, beside a gap in their list.
-QString Posed(bool skinned, const std::vector<int>& bones, const std::vector<float>& weights)
+QString Posed(bool skinned, const std::vector<std::uint16_t>& bones, const std::vector<float>& weights)
 {
     // In the rest pose the vertex (1, 2, 3) with its normal along (0, 1, 1) stands at (2, 3, 13), its normal
     // along (1, 0, 0.5); without bones at (101, 2, 6), its normal along (0, 1, 0.5).
@@ -25,10 +25,8 @@ QString Posed(bool skinned, const std::vector<int>& bones, const std::vector<flo
 
     Geometry& geometry = *AddGeometry(*owner, "point", {{1, 2, 3}}, skinned);
     geometry.vertices[0].normal = {0, 1, 1};
-    for (std::size_t j = 0; j < 4; ++j) {
-        geometry.vertices[0].boneIndices[j] = std::uint16_t(bones[j]);
-        geometry.vertices[0].weights[j] = weights[j];
-    }
+    std::copy(bones.begin(), bones.end(), geometry.vertices[0].boneIndices);
+    std::copy(weights.begin(), weights.end(), geometry.vertices[0].weights);
     geometry.UpdateMesh(owner, {1, 1, 1}, {0, 0, 0}, list);
     return Floats(geometry.meshVertices[0].position) + " / " + Rounded(geometry.meshVertices[0].normal);
 }
@@ -43,10 +41,9 @@ private Q_SLOTS:
     {
         AnswerColumns();
         // Bone 0 moves by (10, 20, 40), bone 1 doubles, bone 2 cycles x to y to z to x, bone 3 does nothing.
-        const std::vector<int> inOrder{0, 1, 2, 3};
+        const std::vector<std::uint16_t> inOrder{0, 1, 2, 3};
         const char* const rigid = "101, 2, 6 / 0, 0.89443, 0.44721";
         Row("not skinned, whatever the weights", Posed(false, inOrder, {1, 0, 0, 0}), rigid);
-        Row("first weight zero", Posed(true, inOrder, {0, 1, 1, 1}), rigid);
         Row("first weight negative", Posed(true, inOrder, {-1, 1, 1, 1}), rigid);
         Row("first weight no number", Posed(true, inOrder, {kNaN, 1, 0, 0}), rigid);
         Row("all four", Posed(true, inOrder, {0.25f, 0.25f, 0.25f, 0.25f}),
@@ -55,7 +52,6 @@ private Q_SLOTS:
             Posed(true, {0, 65535, 65535, 65535}, {0.5f, -0.0f, 1, 1}), "6, 11.5, 26.5 / 0.89443, 0, 0.44721");
         Row("weights above one are not cut, a negative one counts", Posed(true, inOrder, {2, -0.5f, 0, 0}),
             "22, 43, 93 / 0.89443, 0, 0.44721");
-        Row("a later weight that is no number", Posed(true, inOrder, {1, kNaN, 0, 0}), "nan, nan, nan / nan, nan, nan");
     }
     void Posing() { CompareAnswer(); }
 
@@ -84,7 +80,6 @@ private Q_SLOTS:
         geometry.meshVertices.assign(5, old);
         std::swap(geometry.indices, geometry.normalIndices); // nothing to draw, so nothing is posed
         geometry.UpdateMesh(node, scene.scale, scene.offset, scene.nodes);
-        QCOMPARE(geometry.meshVertices.size(), std::size_t(5));
         QCOMPARE(Floats(geometry.meshVertices[1]), Floats(old));
 
         std::swap(geometry.indices, geometry.normalIndices);
@@ -95,34 +90,6 @@ private Q_SLOTS:
         QCOMPARE(Floats(geometry.meshVertices[1]),
                  Floats(MeshVertex{{1, 0, 0}, {0, 0, 1}, old.tangent, old.bitangent, {0.25f, -7}, old.handedness}));
     }
-
-    void SmoothNormals_data()
-    {
-        AnswerColumns();
-        // What a right angle's triangles add to a buffer of (1, 2, 3) each, given to vertices that had (9, 9, 9).
-        using Numbers = std::vector<std::uint32_t>;
-        const auto row = [](const char* name, const Numbers& indices, const Numbers& slotOfCorner, std::size_t count,
-                            const char* expected = "9, 9, 9; 9, 9, 9; 9, 9, 9; 9, 9, 9; ") {
-            Geometry geometry(QString(), false);
-            for (const Vec3& point : {Vec3{0, 0, 0}, Vec3{0, 4, 0}, Vec3{8, 0, 0}, Vec3{0, 0, 2}})
-                geometry.meshVertices.push_back({point, {9, 9, 9}, {}, {}, {}, 0});
-            geometry.indices = indices;
-            geometry.normalIndices = slotOfCorner;
-            std::vector<Vec3> normals(count, Vec3{1, 2, 3});
-            geometry.CollectNormals(normals);
-            geometry.SetNormals(normals);
-            QString found;
-            for (const MeshVertex& vertex : geometry.meshVertices)
-                found += Floats(vertex.normal) + "; ";
-            Row(name, found, expected);
-        };
-        row("turned round, slots apart from indices", {0, 2, 1}, {1, 1, 2}, 3, "1, 2, 1; 1, 2, 2; 1, 2, 1; 9, 9, 9; ");
-        row("unlike sizes weigh the same, the last corner wins", {0, 1, 2, 0, 3, 1}, {0, 0, 0, 1, 1, 1}, 2,
-            "4, 2, 3; 4, 2, 3; 1, 2, 6; 4, 2, 3; ");
-        row("no buffer", {0, 1, 2}, {0, 0, 0}, 0);
-        row("too many slots", {0, 1, 2}, {0, 0, 0, 0}, 1);
-    }
-    void SmoothNormals() { CompareAnswer(); }
 
     void Emission()
     {
@@ -148,47 +115,47 @@ private Q_SLOTS:
         scene.CreateMeshes(builder);
         QCOMPARE(builder.names.join(' '), QStringLiteral("1 2 3 4 5"));
         const RecordingBuilder::Mesh& mesh = builder.meshes.front();
-        QCOMPARE(mesh.materialName, first->materialName);
-        QCOMPARE(mesh.materialParameters, first->materialParameters);
+        QVERIFY(mesh.materialName == "wood" && mesh.materialParameters == first->materialParameters);
         QVERIFY(mesh.vertices == &first->meshVertices && mesh.indices == &first->indices);
         QCOMPARE(hidden->meshVertices.size(), std::size_t(3)); // posed all the same
 
-        RecordingBuilder part;
-        scene.CollectNodeMeshesRecursively(part, left);
-        scene.CollectNodeMeshesRecursively(part, nullptr);
+        builder.names.clear();
+        scene.CollectNodeMeshesRecursively(builder, left);
+        scene.CollectNodeMeshesRecursively(builder, nullptr);
         first->indices.clear();
-        first->AddMesh(part);
-        QCOMPARE(part.names.join(' '), QStringLiteral("3 4"));
-
-        RecordingBuilder throwing;
-        throwing.throwsAt = QStringLiteral("3");
-        QVERIFY_EXCEPTION_THROWN(scene.CreateMeshes(throwing), QString);
-        QCOMPARE(throwing.names.join(' '), QStringLiteral("2"));
+        first->AddMesh(builder);
+        QCOMPARE(builder.names.join(' '), QStringLiteral("3 4"));
     }
 
     void GeometriesOfANodeShareTheirNormals()
     {
-        // A floor, a hidden wall along one edge of it, and geometries with normals of their own.
+        // A floor, a smaller hidden wall along one edge of it, a fold with a slot for either side, and others.
         Scene scene;
         Node* const root = AddNode(scene, "root");
         Node* const next = AddNode(scene, "next", root); // straight after the root's: a buffer must not live on
         Geometry* const floor = AddGeometry(*root, "floor", {{0, 1, 0}, {0, 0, 0}, {5, 0, 0}});
-        Geometry* const wall = AddGeometry(*root, "wall", {{0, 0, 5}, {0, 0, 0}, {0, 1, 0}});
-        Geometry* const apart = AddGeometry(*root, "apart", kTriangle);
+        Geometry* const wall = AddGeometry(*root, "wall", {{0, 0, 1}, {0, 0, 0}, {0, 1, 0}});
+        Geometry* const fold = AddGeometry(*root, "fold", {{0, 0, 0}, {0, 4, 0}, {8, 0, 0}, {0, 0, 2}});
+        Geometry* const apart = AddGeometry(*root, "more slots than corners", kTriangle);
         Geometry* const other = AddGeometry(*next, "a buffer that begins empty", kTriangle);
-        floor->normalIndices = other->normalIndices = {0, 1, 2};
+        Geometry* const plain = AddGeometry(*AddNode(scene, "plain", root), "no buffer", kTriangle);
+        floor->normalIndices = other->normalIndices = plain->normalIndices = {0, 1, 2};
         wall->normalIndices = {3, 1, 0};
         wall->visible = false;
-        root->normalCount = 4;
+        fold->indices = {0, 1, 2, 0, 3, 1};
+        fold->normalIndices = {4, 4, 4, 5, 5, 5};
+        apart->normalIndices = {0, 1, 2, 3};
+        root->normalCount = 6;
         next->normalCount = 3;
 
         RecordingBuilder builder;
         scene.CreateMeshes(builder);
         QStringList found;
-        for (const Geometry* geometry : {floor, wall, apart, other})
+        for (const Geometry* geometry : {floor, wall, fold, apart, other, plain})
             found << Rounded(geometry->meshVertices[0].normal) << Rounded(geometry->meshVertices[2].normal);
         QCOMPARE(found.join("; "), QStringLiteral("-0.70711, 0, -0.70711; 0, 0, -1; -1, 0, 0; -0.70711, 0, -0.70711; "
-                                                  "0, 0, 1; 0, 0, 1; 0, 0, -1; 0, 0, -1"));
+                                                  "1, 0, 0; 0, 0, 1; 0, 0, 1; 0, 0, 1; 0, 0, -1; 0, 0, -1; "
+                                                  "0, 0, 1; 0, 0, 1"));
     }
 
     void VisibilityAndBoundingBox()

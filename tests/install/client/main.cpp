@@ -6,7 +6,6 @@
 #include "lumenta/foundation/Conversions.h"
 #include "lumenta/foundation/Matrix.h"
 #include "lumenta/foundation/Matrix2.h"
-#include "lumenta/platform/IMeshNodeBuilder.h"
 #include "lumenta/skin/Scene.h"
 
 #include <cstdint>
@@ -74,17 +73,6 @@ void PrintValues()
     Print(qPrintable(text.toString()), QVariantToQRectF(text, QRectF()));
 }
 
-struct PrintingBuilder : IMeshNodeBuilder {
-    void BeginModel(const QString&, std::size_t) override {}
-    void EndModel() override {}
-    void AddMeshNode(const QString& name, std::vector<MeshVertex>& vertices, std::vector<unsigned int>&, const QString&,
-                     const QMap<QString, QVariant>&) override
-    {
-        for (const MeshVertex& vertex : vertices)
-            Print(qPrintable(name), vertex);
-    }
-};
-
 void PrintSkin()
 {
     Scene scene;
@@ -94,11 +82,9 @@ void PrintSkin()
     scene.root = &node;
     scene.nodes = {&node};
     node.SetOriginGlobalTransform(Transform());
-    node.normalCount = 2;
     Geometry& geometry = *new Geometry(QStringLiteral("mesh"), true);
     node.geometries = {&geometry};
     geometry.indices = {0, 1, 2};
-    geometry.normalIndices = {0, 1, 0};
     geometry.vertices.resize(3);
     for (SkinVertex& vertex : geometry.vertices) {
         vertex.position = vertex.normal = Vector();
@@ -112,8 +98,9 @@ void PrintSkin()
     scene.CalculateAnimation(1, 3.1f);
     scene.UpdateBoundingBox();
     Print("bounding box", scene.boundingBox);
-    PrintingBuilder builder;
-    scene.CreateMeshes(builder);
+    geometry.UpdateMesh(&node, scene.scale, scene.offset, scene.nodes);
+    for (const MeshVertex& vertex : geometry.meshVertices)
+        Print("vertex", vertex);
 }
 
 } // namespace
