@@ -1,33 +1,22 @@
 #pragma once
 
-#include "lumenta/foundation/Exceptions.h"
 #include "lumenta/platform/IMeshNodeBuilder.h"
 #include "lumenta/skin/Scene.h"
+#include "tests/foundation/Exact.h"
 
-#include <memory>
 #include <utility>
 
-// Short ways to fill a scene, as a loader does.
+// Short ways to fill a scene, as a loader does, and to see what comes of it.
 
 using Vec3 = TVec3<float>;
 
 namespace SkinAnimation {
 
-inline Matrix Translation(float x, float y, float z)
-{
-    return {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, y, z, 1}};
-}
-
-inline Matrix Scaling(float x, float y, float z)
-{
-    return {{x, 0, 0, 0, 0, y, 0, 0, 0, 0, z, 0, 0, 0, 0, 1}};
-}
+inline Matrix Translation(float x, float y, float z) { return {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, y, z, 1}}; }
+inline Matrix Scaling(float x, float y, float z) { return {{x, 0, 0, 0, 0, y, 0, 0, 0, 0, z, 0, 0, 0, 0, 1}}; }
 
 /// x to y, y to z, z to x: commutes with no translation and no scale.
-inline Matrix Cycle()
-{
-    return {{0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 1}};
-}
+inline Matrix Cycle() { return {{0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 1}}; }
 
 inline Node* AddNode(Scene& scene, const char* name, Node* parent = nullptr, const Matrix& originGlobal = Matrix(),
                      const Matrix& geometryTransform = Matrix())
@@ -57,40 +46,38 @@ inline Geometry* AddGeometry(Node& node, const char* name, const std::vector<Vec
     return geometry;
 }
 
-inline KeyFrame Key(float time, const Vec3& translation, const Quaternion& rotation = {0, 0, 0, 1},
-                    const Vec3& scale = {1, 1, 1})
+/// A key that moves along x.
+inline KeyFrame Key(float time, float x, const Quaternion& rotation = {0, 0, 0, 1})
 {
-    return {time, translation, rotation, scale};
-}
-
-inline NodeTrack Track(Node* node, std::vector<KeyFrame> keys)
-{
-    NodeTrack track;
-    track.node = node;
-    track.keys = std::move(keys);
-    return track;
+    return {time, {x, 0, 0}, rotation, {1, 1, 1}};
 }
 
 /// An animation of one layer.
 inline Animation* AddAnimation(Scene& scene, std::vector<NodeTrack> tracks)
 {
-    auto* const animation = new Animation;
-    animation->layers.resize(1);
-    animation->layers.front().tracks = std::move(tracks);
-    scene.animations.push_back(animation);
-    return animation;
+    scene.animations.push_back(new Animation{QString(), 0, {{QString(), 0, std::move(tracks)}}});
+    return scene.animations.back();
 }
 
-/// The text that `call` is refused with.
-template <typename Call>
-QString Refusal(const Call& call)
-{
-    try {
-        call();
-    } catch (const InvalidParameterException& e) {
-        return e.GetErrorText();
+/// Writes down what it is handed.
+struct RecordingBuilder final : IMeshNodeBuilder {
+    struct Mesh {
+        const std::vector<MeshVertex>* vertices;
+        const std::vector<unsigned int>* indices;
+        QString materialName;
+        QMap<QString, QVariant> materialParameters;
+    };
+    QStringList names;
+    std::vector<Mesh> meshes;
+
+    void BeginModel(const QString&, std::size_t) override { QFAIL("the library never begins a model"); }
+    void EndModel() override { QFAIL("the library never ends a model"); }
+    void AddMeshNode(const QString& name, std::vector<MeshVertex>& vertices, std::vector<unsigned int>& indices,
+                     const QString& materialName, const QMap<QString, QVariant>& materialParameters) override
+    {
+        names << name;
+        meshes.push_back({&vertices, &indices, materialName, materialParameters});
     }
-    return QStringLiteral("not refused");
-}
+};
 
 } // namespace SkinAnimation

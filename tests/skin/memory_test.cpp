@@ -1,13 +1,12 @@
-#include "tests/foundation/Exact.h"
 #include "tests/skin/SkinFixtures.h"
 
-#include <pthread.h>
+#include <QThread>
 
-#include <algorithm>
 #include <atomic>
-#include <cstddef>
 #include <cstdlib>
+#include <memory>
 #include <new>
+#include <tuple>
 
 using namespace SkinAnimation;
 
@@ -20,10 +19,9 @@ std::atomic<long> allocationsUntilFailure{-1}; // below zero: never
 
 void* Allocate(std::size_t size, std::size_t alignment)
 {
-    if (allocationsUntilFailure >= 0 && allocationsUntilFailure-- == 0)
-        throw std::bad_alloc();
-    void* block = nullptr;
-    if (posix_memalign(&block, std::max(alignment, sizeof(void*)), std::max<std::size_t>(size, 1)) != 0)
+    const bool fails = allocationsUntilFailure >= 0 && allocationsUntilFailure-- == 0;
+    void* const block = fails ? nullptr : std::aligned_alloc(alignment, (size / alignment + 1) * alignment);
+    if (!block)
         throw std::bad_alloc();
     ++allocations;
     ++liveBlocks;
@@ -48,18 +46,6 @@ void operator delete(void* block, std::size_t, std::align_val_t) noexcept { Free
 
 namespace {
 
-class CountingBuilder : public IMeshNodeBuilder {
-public:
-    std::size_t meshes = 0;
-    void BeginModel(const QString&, std::size_t) override {}
-    void EndModel() override {}
-    void AddMeshNode(const QString&, std::vector<MeshVertex>&, std::vector<unsigned int>&, const QString&,
-                     const QMap<QString, QVariant>&) override
-    {
-        ++meshes;
-    }
-};
-
 /// A chain of `count` nodes, each with a skinned triangle and one track.
 void FillChain(Scene& scene, int count)
 {
@@ -68,11 +54,10 @@ void FillChain(Scene& scene, int count)
     for (int i = 0; i < count; ++i) {
         node = AddNode(scene, "link", node);
         Geometry* const geometry = AddGeometry(*node, "triangle", {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, true);
-        for (SkinVertex& vertex : geometry->vertices)
-            vertex.weights[0] = 1;
-        geometry->normalIndices = {0, 1, 2};
+        geometry->vertices[1].weights[0] = 1;
+        geometry->normalIndices = geometry->indices;
         node->normalCount = std::uint64_t(3 + i % 5);
-        tracks.push_back(Track(node, {Key(0, {0, 0, 0}), Key(1, {0, 0, 1})}));
+        tracks.push_back({node, {Key(0, 0), Key(1, 1)}});
     }
     AddAnimation(scene, std::move(tracks));
 }
@@ -85,21 +70,13 @@ long AllocationsOf(const Call& call)
     return allocations - before;
 }
 
-/// Runs `call` on a thread with a stack of `bytes`.
 template <typename Call>
-void RunOnSmallStack(std::size_t bytes, Call call)
+void RunOnSmallStack(const Call& call)
 {
-    pthread_attr_t attributes;
-    pthread_t thread;
-    pthread_attr_init(&attributes);
-    QCOMPARE(pthread_attr_setstacksize(&attributes, bytes), 0);
-    const auto run = [](void* argument) -> void* {
-        (*static_cast<Call*>(argument))();
-        return nullptr;
-    };
-    QCOMPARE(pthread_create(&thread, &attributes, run, &call), 0);
-    QCOMPARE(pthread_join(thread, nullptr), 0);
-    pthread_attr_destroy(&attributes);
+    const std::unique_ptr<QThread> thread(QThread::create(call));
+    thread->setStackSize(128 * 1024);
+    thread->start();
+    QVERIFY(thread->wait());
 }
 
 } // namespace
@@ -108,45 +85,30 @@ class MemoryTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void Frames_data()
+    void PosingAllocatesOnlyForManyBonesAndVertices()
     {
-        QTest::addColumn<int>("nodes");
-        QTest::addColumn<int>("vertices");
-        QTest::addColumn<long>("allocationsOfUpdateMesh");
-        QTest::newRow("one bone") << 1 << 3 << 0L;
-        QTest::newRow("as many bones as the stack takes") << 256 << 500 << 0L;
-        QTest::newRow("one bone more, one allocation") << 257 << 500 << 1L;
-        QTest::newRow("many bones, few vertices") << 1000 << 3 << 0L;
-    }
-
-    void Frames()
-    {
-        QFETCH(int, nodes);
-        QFETCH(int, vertices);
-        QFETCH(long, allocationsOfUpdateMesh);
-        Scene scene;
-        FillChain(scene, nodes);
-        Geometry& geometry = *scene.root->geometries.front();
-        geometry.vertices.resize(std::size_t(vertices), geometry.vertices.front());
-
-        const auto pose = [&] { geometry.UpdateMesh(scene.root, scene.scale, scene.offset, scene.nodes); };
-        QVERIFY(AllocationsOf(pose) >= 1); // room for the posed vertices
-        QCOMPARE(AllocationsOf(pose), allocationsOfUpdateMesh);
-        QCOMPARE(AllocationsOf([&] { scene.CalculateAnimation(0, 0.5f); }), 0L);
-        QCOMPARE(AllocationsOf([&] { scene.UpdateBoundingBox(); }), 0L);
+        // As many bones as the stack takes, one more, and more than so few vertices are prepared for.
+        for (const auto& [bones, vertices, expected] : {std::tuple(256, 500, 0L), {257, 500, 1L}, {1000, 3, 0L}}) {
+            Scene scene;
+            FillChain(scene, bones);
+            Geometry& geometry = *scene.root->geometries.front();
+            geometry.vertices.resize(std::size_t(vertices), geometry.vertices.front());
+            const auto pose = [&] { geometry.UpdateMesh(scene.root, scene.scale, scene.offset, scene.nodes); };
+            pose(); // makes room for the posed vertices
+            QCOMPARE(AllocationsOf(pose), expected);
+            QCOMPARE(AllocationsOf([&] { scene.CalculateAnimation(0, 0.5f); }), 0L);
+        }
     }
 
     void CreateMeshesAllocatesOneBuffer()
     {
         Scene scene;
-        FillChain(scene, 100); // of unlike sizes: the largest serves them all
-        CountingBuilder builder;
+        FillChain(scene, 101); // of unlike sizes, the largest in between: it serves them all
+        RecordingBuilder builder;
+        builder.names.reserve(202);
+        builder.meshes.reserve(202);
         scene.CreateMeshes(builder);
-        QCOMPARE(builder.meshes, std::size_t(100));
         QCOMPARE(AllocationsOf([&] { scene.CreateMeshes(builder); }), 1L);
-        for (Node* node : scene.nodes)
-            node->normalCount = 0;
-        QCOMPARE(AllocationsOf([&] { scene.CreateMeshes(builder); }), 0L);
     }
 
     void EverythingIsFreedOnce()
@@ -157,19 +119,12 @@ private Q_SLOTS:
             FillChain(scene, 50);
             AddNode(scene, "second child", scene.nodes[10]);
             scene.nodes[20]->children.push_back(nullptr);
-            AddAnimation(scene, {});
-            CountingBuilder builder;
-            scene.CreateMeshes(builder);
             scene.AppendClippedAnimation(0, QString(), 0, 1);
-        }
-        QCOMPARE(liveBlocks.load(), before);
-        {
             // A loader gave up before the scene had a root: its nodes are still its own.
-            Scene scene;
-            const std::unique_ptr<Node> root(AddNode(scene, "root"));
-            AddGeometry(*AddNode(scene, "child", root.get()), "triangle", {{0, 0, 0}});
-            AddGeometry(*root, "triangle", {{0, 0, 0}});
-            scene.root = nullptr;
+            Scene rootless;
+            const std::unique_ptr<Node> root(AddNode(rootless, "root"));
+            AddGeometry(*AddNode(rootless, "child", root.get()), "triangle", {{0, 0, 0}});
+            rootless.root = nullptr;
         }
         QCOMPARE(liveBlocks.load(), before);
     }
@@ -177,46 +132,37 @@ private Q_SLOTS:
     void RunningOutOfMemoryWhileClipping()
     {
         const long before = liveBlocks;
-        int failures = 0;
-        for (long allowed = 0;; ++allowed) {
+        bool failed = true;
+        for (long allowed = 0; failed; ++allowed) {
             Scene scene;
             FillChain(scene, 3);
-            scene.animations.reserve(scene.animations.size() + 1);
-            bool failed = false;
+            scene.animations.reserve(2);
             allocationsUntilFailure = allowed;
             try {
-                scene.AppendClippedAnimation(0, QStringLiteral("clip"), 0, 1);
+                scene.AppendClippedAnimation(0, QString(), 0, 1);
+                failed = false;
             } catch (const std::bad_alloc&) {
-                failed = true;
             }
             allocationsUntilFailure = -1;
             QCOMPARE(scene.animations.size(), std::size_t(allowed == 0 ? 1 : 2)); // the unfinished one stays
-            if (!failed)
-                break;
-            ++failures;
+            QVERIFY(failed || allowed > 3);
         }
-        QVERIFY(failures > 3);
         QCOMPARE(liveBlocks.load(), before);
     }
 
     void ALongChainNeedsNoStack()
     {
-        const long before = liveBlocks;
         auto scene = std::make_unique<Scene>();
         FillChain(*scene, 100000);
-        CountingBuilder builder;
-        RunOnSmallStack(128 * 1024, [&] {
+        RunOnSmallStack([&] {
+            RecordingBuilder builder;
             scene->CalculateAnimation(0, 0.5f);
             scene->CreateMeshes(builder);
+            QCOMPARE(builder.meshes.size(), std::size_t(100000));
         });
-        QCOMPARE(builder.meshes, std::size_t(100000));
-        Node* last = scene->root;
-        while (!last->children.empty())
-            last = last->children.front();
-        QCOMPARE(Floats(last->globalTransform), Floats(Translation(0, 0, 50000)));
-        QCOMPARE(Floats(last->geometries.front()->meshVertices[1].position), QStringLiteral("1, 0, 0.5"));
-        RunOnSmallStack(128 * 1024, [&] { scene.reset(); });
-        QCOMPARE(liveBlocks.load(), before);
+        QCOMPARE(scene->nodes.back()->globalTransform, Translation(50000, 0, 0));
+        QCOMPARE(scene->nodes.back()->geometries[0]->meshVertices[1].position, (Vec3{1.5f, 0, 0}));
+        RunOnSmallStack([&] { scene.reset(); });
     }
 };
 

@@ -4,10 +4,8 @@
 #include "lumenta/foundation/BBox.h"
 #include "lumenta/foundation/Color.h"
 #include "lumenta/foundation/Conversions.h"
-#include "lumenta/foundation/Exceptions.h"
 #include "lumenta/foundation/Matrix.h"
 #include "lumenta/foundation/Matrix2.h"
-#include "lumenta/platform/IMeshNodeBuilder.h"
 #include "lumenta/skin/Scene.h"
 
 #include <cstdint>
@@ -27,12 +25,7 @@ void Print(const char* name, const Record& record)
     std::printf("%s", name);
     for (const std::uint32_t word : words)
         std::printf(" %08x", unsigned(word));
-    std::printf("\n");
-}
-
-void Print(const char* name, const QString& text)
-{
-    std::printf("%s %s\n", name, text.toUtf8().constData());
+    std::puts("");
 }
 
 /// Between -8 and 8, in steps that a float holds exactly.
@@ -43,142 +36,71 @@ float Number()
     return static_cast<float>(static_cast<int>(state >> 15) - 65536) / 8192.0f;
 }
 
-Vec3 Vector()
-{
-    const float x = Number();
-    const float y = Number();
-    return {x, y, Number()};
-}
+/// The braces put the three calls in order.
+Vec3 Vector() { return {Number(), Number(), Number()}; }
 
 Matrix Transform()
 {
     Matrix matrix;
-    matrix.SetRotation(Vector());
-    for (int i = 0; i < 11; ++i)
-        matrix.m[i] += i % 4 == 3 ? 0.0f : Number() / 16.0f;
+    matrix.SetRotation(Vector() * 20.0f);
     matrix.SetTranslation(Vector());
     return matrix;
-}
-
-KeyFrame Key(float time)
-{
-    return {time, Vector(), {Number() / 16.0f, Number() / 16.0f, Number() / 16.0f, Number() / 16.0f}, Vector()};
 }
 
 void PrintValues()
 {
     const Matrix a = Transform();
-    const Matrix b = Transform();
-    Print("rotation and translation", a);
-    Print("product", a * b);
-    Matrix inverse;
-    Inverse(inverse, a);
-    Print("inverse", inverse);
+    Matrix b = Transform();
+    Inverse(b, a * b);
+    Print("inverse of a product", b);
     Vec3 v = Vector();
-    const Vec3 w = Vector();
+    Vec3 w = Vector();
     TransformPoint(v, a);
-    Print("point", v);
-    TransformDirection(v, b);
-    Print("direction", v);
-    Print("direction from angles", DirectionFromAngles(v));
+    TransformDirection(w, b);
     Print("sum of products", v * 3.1f + w * Number() - w);
-    Print("dot", Dot(v, w));
-    Print("cross", Cross(v, w));
-    Print("length", Length(v));
-    Print("unit", Normalized(v));
+    Print("lengths", Length(v) * Dot(v, w) + pixelsToMM(v.x, 96.0f) + mmToPixels(w.x, 96.0f));
+    Print("units", Normalized(Cross(v, w)) + DirectionFromAngles(w));
     TBBox<float> box;
     box.Extend(v);
     box.Extend(w);
     Print("box", box);
-    Print("centre", box.Center());
-    Print("half extent", box.HalfExtent());
-    Print("centre moved", box.Center() * 0.7f + v);
+    Print("centre and half extent", box.Center() * 0.7f + box.HalfExtent());
     Print("to the toolkit and back", QMatrix4x4ToMatrix(MatrixToQMatrix4x4(a)) * b);
     Print("texture", QTransformToMatrix2(Matrix2ToQTransform(Matrix2(v.x, v.y, v.z, w.x, w.y, w.z))));
-    Print("color", ColorToQColor({v.x, v.y / 8.0f, w.z, 1.0f}).name());
-    Print("color from bytes", QColorToColorF(QColor(1, 77, 200)));
+    Print("color", QColorToColorF(ColorToQColor({v.x, v.y / 8.0f, w.z, 1.0f})));
     QRectF rect(double(v.x), double(v.y), double(w.x), double(w.y));
-    Print("rectangle", QRectFToQVariant(rect).toString());
-    const QRectF read = QVariantToQRectF(QRectFToQVariant(rect), QRectF());
-    Print("rectangle read", QString::number(read.x(), 'g', 17) + ' ' + QString::number(read.height(), 'g', 17));
-    Print("millimetres", pixelsToMM(v.x, 96.0f) + mmToPixels(w.x, 96.0f));
+    const QVariant text = QRectFToQVariant(rect);
+    Print(qPrintable(text.toString()), QVariantToQRectF(text, QRectF()));
 }
-
-/// Prints what it is handed.
-class PrintingBuilder : public IMeshNodeBuilder {
-public:
-    void BeginModel(const QString&, std::size_t) override {}
-    void EndModel() override {}
-    void AddMeshNode(const QString& name, std::vector<MeshVertex>& vertices, std::vector<unsigned int>& indices,
-                     const QString&, const QMap<QString, QVariant>&) override
-    {
-        Print("mesh", name);
-        for (const MeshVertex& vertex : vertices)
-            Print("vertex", vertex);
-        std::printf("triangles %zu\n", indices.size() / 3);
-    }
-};
 
 void PrintSkin()
 {
     Scene scene;
     scene.scale = Vector();
     scene.offset = Vector();
-    scene.animations.push_back(new Animation);
-    scene.animations[0]->layers.resize(1);
-    for (int i = 0; i < 4; ++i) {
-        Node* const parent = i == 0 ? nullptr : scene.nodes[static_cast<std::size_t>(i) / 2];
-        auto* const node = new Node(QString::number(i), Transform(), Transform(), parent);
-        node->normalCount = 3;
-        scene.nodes.push_back(node);
-        if (parent)
-            parent->children.push_back(node);
-        else
-            scene.root = node;
-
-        auto* const geometry = new Geometry(QString::number(i), i % 2 == 0);
-        node->geometries.push_back(geometry);
-        for (std::uint32_t corner = 0; corner < 6; ++corner) {
-            SkinVertex vertex;
-            vertex.position = Vector();
-            vertex.normal = Vector();
-            vertex.texCoord = {Number(), Number()};
-            for (int j = 0; j < 4; ++j) {
-                vertex.boneIndices[j] = static_cast<std::uint16_t>(j);
-                vertex.weights[j] = static_cast<float>(j + 1) / 10.0f;
-            }
-            geometry->vertices.push_back(vertex);
-            geometry->indices.push_back(corner);
-            if (i == 0)
-                geometry->normalIndices.push_back(corner % 3);
-        }
-
-        NodeTrack track;
-        track.node = node;
-        for (int k = 0; k < 40; ++k)
-            track.keys.push_back(Key(static_cast<float>(k)));
-        scene.animations[0]->layers[0].tracks.push_back(track);
+    Node& node = *new Node(QStringLiteral("node"), Transform(), Transform(), nullptr);
+    scene.root = &node;
+    scene.nodes = {&node};
+    node.SetOriginGlobalTransform(Transform());
+    Geometry& geometry = *new Geometry(QStringLiteral("mesh"), true);
+    node.geometries = {&geometry};
+    geometry.indices = {0, 1, 2};
+    geometry.vertices.resize(3);
+    for (SkinVertex& vertex : geometry.vertices) {
+        vertex.position = vertex.normal = Vector();
+        vertex.texCoord = {Number(), Number()};
+        vertex.weights[0] = Number();
     }
-    scene.nodes[3]->SetOriginGlobalTransform(Transform());
-    scene.AppendClippedAnimation(0, QStringLiteral("clip"), 7.3f, 31.7f);
-    for (const KeyFrame& key : scene.animations[1]->layers[0].tracks[1].keys)
-        Print("key", key);
-
-    PrintingBuilder builder;
-    for (int animation = 0; animation < 2; ++animation) {
-        scene.CalculateAnimation(animation, 11.1f);
-        for (const Node* node : scene.nodes)
-            Print("skin transform", node->skinTransformInverse);
-        scene.UpdateBoundingBox();
-        Print("bounding box", scene.boundingBox);
-        scene.CreateMeshes(builder);
-        scene.SetMeshVisibility(QStringLiteral("1"), false);
-    }
-    try {
-        scene.CalculateAnimation(2, 0.0f);
-    } catch (const InvalidParameterException& e) {
-        Print("refused", e.GetErrorText());
-    }
+    const KeyFrame first{0.0f, Vector(), {0.1f, 0.2f, 0.3f, 0.4f}, Vector()};
+    const KeyFrame last{9.0f, Vector(), {0.4f, -0.3f, 0.2f, 0.1f}, Vector()};
+    scene.animations = {new Animation{QString(), 9.0f, {{QString(), 9.0f, {{&node, {first, last}}}}}}};
+    scene.AppendClippedAnimation(0, QStringLiteral("clip"), 1.3f, 7.7f);
+    scene.CalculateAnimation(1, 3.1f);
+    scene.UpdateBoundingBox();
+    Print("bounding box", scene.boundingBox);
+    geometry.UpdateMesh(&node, scene.scale, scene.offset, scene.nodes);
+    for (const MeshVertex& vertex : geometry.meshVertices)
+        Print("vertex", vertex);
 }
 
 } // namespace
