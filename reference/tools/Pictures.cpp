@@ -7,6 +7,7 @@
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Services.h"
 #include "reference/tools/Texts.h"
+#include "reference/tools/Toolkit.h"
 
 #include <QFileInfo>
 
@@ -111,6 +112,7 @@ void MakePictures(Model& model, const RenderOptions& options, ProgressBar& bar)
             });
             return;
         }
+        PrepareWriting();
         std::vector<SheetPicture> pictures;
         Draw(sequence, request, options, bar, [&](int number, const QImage& picture) {
             pictures.push_back({picture, Caption(sequence.GetFrames()[static_cast<std::size_t>(number)], take)});
