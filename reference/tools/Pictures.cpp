@@ -99,8 +99,7 @@ void Draw(FrameSequence& sequence, PictureRequest request, const RenderOptions& 
 void MakePictures(Model& model, const RenderOptions& options, ProgressBar& bar)
 {
     Take take = options.take;
-    if (!options.ownUp)
-        take.up = model.up;
+    take.up = options.up.value_or(model.up);
     Hide(model, options.hiddenMeshes, options.hiddenMaterials);
     FrameSequence sequence = MakeSequence(model, take, bar);
     const QMap<QString, QImage> textures = TexturesOf(model, bar);
