@@ -44,6 +44,16 @@ QString TitleOf(const Model& model, const Take& take)
                      + (name.isEmpty() ? QStringLiteral("animation %1").arg(*take.animation) : name));
 }
 
+/// A picture in the place of what it is drawn from would destroy that.
+void KeepInputs(const Model& model, const RenderOptions& options)
+{
+    const QSet<QString> inputs = InputFiles(model);
+    const QStringList outputs = OutputFiles(options);
+    for (const QString& output : outputs)
+        if (inputs.contains(CanonicalPath(output)))
+            throw Failure{output, QStringLiteral("would overwrite what the picture is drawn from")};
+}
+
 FrameSequence MakeSequence(Model& model, const Take& take, ProgressBar& bar)
 {
     try {
@@ -100,6 +110,7 @@ void MakePictures(Model& model, const RenderOptions& options, ProgressBar& bar)
 {
     Take take = options.take;
     take.up = options.up.value_or(model.up);
+    KeepInputs(model, options);
     Hide(model, options.hiddenMeshes, options.hiddenMaterials);
     FrameSequence sequence = MakeSequence(model, take, bar);
     const QMap<QString, QImage> textures = TexturesOf(model, bar);
