@@ -73,17 +73,20 @@ int ColumnsFor(int count)
     return square;
 }
 
+Layout ArrangedLayout(int count, QSize picture, int columns, bool titled, bool captioned)
+{
+    const int used = std::min(columns > 0 ? columns : ColumnsFor(count), count);
+    const int line = 2 * CaptionHeight(picture);
+    return {picture, used, (count + used - 1) / used, titled ? line + kGap : 0, captioned ? line : 0};
+}
+
 Layout LayoutOf(const std::vector<SheetPicture>& pictures, const QString& title, int columns)
 {
-    const int count = static_cast<int>(pictures.size());
-    const int used = std::min(columns > 0 ? columns : ColumnsFor(count), count);
-    const QSize size = pictures.front().image.size();
     const bool captioned = std::any_of(pictures.begin(), pictures.end(),
                                        [](const SheetPicture& picture) { return !picture.caption.isEmpty(); });
     const bool canWrite = CanWrite();
-    const int line = 2 * CaptionHeight(size);
-    return {size, used, (count + used - 1) / used, canWrite && !title.isEmpty() ? line + kGap : 0,
-            canWrite && captioned ? line : 0};
+    return ArrangedLayout(static_cast<int>(pictures.size()), pictures.front().image.size(), columns,
+                          canWrite && !title.isEmpty(), canWrite && captioned);
 }
 
 QFont FontOfHeight(int pixels)
@@ -126,6 +129,11 @@ QImage MakeContactSheet(const std::vector<SheetPicture>& pictures, const QString
         }
     }
     return sheet;
+}
+
+QSize ContactSheetSize(int count, QSize picture, int columns)
+{
+    return ArrangedLayout(count, picture, columns, true, true).SheetSize();
 }
 
 } // namespace Host

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QSize>
 #include <QString>
 
 #include <vector>
@@ -24,5 +25,8 @@ struct SheetPicture {
 ///         none
 /// \throws OutOfMemoryException the sheet does not fit in memory
 QImage MakeContactSheet(const std::vector<SheetPicture>& pictures, const QString& title, int columns = 0);
+
+/// The size of such a sheet of `count` pictures, with title and captions. At least 1 picture.
+QSize ContactSheetSize(int count, QSize picture, int columns = 0);
 
 } // namespace Host

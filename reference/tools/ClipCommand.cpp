@@ -101,9 +101,7 @@ void Run(const Arguments& arguments)
 {
     const QString source = arguments.OnlyWord(QStringLiteral("MODEL"));
     const Cut cut = ReadCut(arguments);
-    std::optional<RenderOptions> pictures;
-    if (arguments.Has(QStringLiteral("output")))
-        pictures = ReadRenderOptions(arguments, QStringLiteral("clip"));
+    RenderOptions pictures = ReadRenderOptions(arguments, QStringLiteral("clip"));
 
     ProgressBar bar;
     Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, 5));
@@ -113,9 +111,9 @@ void Run(const Arguments& arguments)
     bar.Clear();
     const auto& animations = model.scene->animations;
     Print(ClipText(*animations[static_cast<std::size_t>(animation)], *animations[static_cast<std::size_t>(clip)], cut));
-    if (pictures) {
-        pictures->take.animation = clip;
-        MakePictures(model, *pictures, bar);
+    if (!pictures.fileName.isEmpty()) {
+        pictures.take.animation = clip;
+        MakePictures(model, pictures, bar);
     }
 }
 

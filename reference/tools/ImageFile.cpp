@@ -18,6 +18,16 @@ QString OnDisk(const QString& fileName)
     return fileName.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + fileName : fileName;
 }
 
+/// Where writing ends up: behind all links, even where that does not exist yet.
+QFileInfo TargetOf(const QString& fileName)
+{
+    constexpr int kMostLinks = 40; // as the system has it; they may go round in circles
+    QFileInfo file(OnDisk(fileName));
+    for (int i = 0; i < kMostLinks && file.isSymLink(); ++i)
+        file.setFile(file.symLinkTarget());
+    return file;
+}
+
 QByteArray Encoded(const QString& fileName, const QImage& image)
 {
     QByteArray bytes;
@@ -33,10 +43,10 @@ QByteArray Encoded(const QString& fileName, const QImage& image)
 
 void CheckImageFile(const QString& verb, const QString& fileName)
 {
-    const QFileInfo file(OnDisk(fileName));
-    if (file.suffix().compare(QLatin1String("png"), Qt::CaseInsensitive) != 0)
+    if (QFileInfo(fileName).suffix().compare(QLatin1String("png"), Qt::CaseInsensitive) != 0)
         throw UsageError{verb, fileName + QStringLiteral(": only pictures that end in .png can be written")};
 
+    const QFileInfo file = TargetOf(fileName);
     const QFileInfo folder(file.path());
     if (!folder.exists())
         throw Failure{fileName, QStringLiteral("the folder %1 does not exist").arg(Quoted(file.path()))};
@@ -49,6 +59,11 @@ void CheckImageFile(const QString& verb, const QString& fileName)
         throw Failure{fileName, QStringLiteral("is not a regular file")};
     if (!folder.isWritable())
         throw Failure{fileName, QStringLiteral("the folder %1 may not be written to").arg(Quoted(file.path()))};
+}
+
+QString CanonicalPath(const QString& fileName)
+{
+    return QFileInfo(OnDisk(fileName)).canonicalFilePath();
 }
 
 void WriteImageFile(const QString& fileName, const QImage& image)

@@ -142,7 +142,7 @@ QString JsonText(const QJsonObject& facts)
     QStringList lines;
     const QStringList raw = QString::fromUtf8(QJsonDocument(facts).toJson()).split(QLatin1Char('\n'));
     for (const QString& line : raw)
-        lines += Printable(line);
+        lines += PrintableJson(line);
     return lines.join(QLatin1Char('\n'));
 }
 

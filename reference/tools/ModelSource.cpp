@@ -9,8 +9,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QRegularExpression>
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 
 namespace Host {
 
@@ -18,30 +21,66 @@ namespace {
 
 const QString kFigure = QStringLiteral(":figure");
 
-/// The places where the file of a texture may lie, best first.
-QStringList TextureFiles(const Model& model, const QString& texture)
+/// The file of a texture, from the places where it may lie, best first; empty
+/// where it lies in none.
+QString TextureFile(const Model& model, const QString& texture)
 {
     const QDir folder = QFileInfo(model.fileName).dir();
     // Many files were written where folders are parted by backslashes.
     const QString path = QString(texture).replace(QLatin1Char('\\'), QLatin1Char('/'));
-    return {folder.filePath(texture), folder.filePath(path), folder.filePath(QFileInfo(path).fileName())};
+    for (const QString& place : {texture, path, QFileInfo(path).fileName()})
+        if (QFileInfo(folder, place).isFile())
+            return folder.filePath(place);
+    return {};
+}
+
+QImage ReadImage(const QString& file, QString& problem)
+{
+    QImageReader reader(file);
+    // By suffix first: TGA, for one, has no mark that its content is known by,
+    // and looks like another format.
+    QImage image = reader.read();
+    if (!image.isNull())
+        return image;
+    const QByteArray suffix = QFileInfo(file).suffix().toLower().toLatin1();
+    const bool known = reader.error() != QImageReader::UnsupportedFormatError
+                       && QImageReader::supportedImageFormats().contains(suffix);
+    problem = known ? reader.errorString() : QStringLiteral("its format is unknown");
+
+    reader.setFileName(file);
+    reader.setDecideFormatFromContent(true);
+    return reader.read();
 }
 
 QImage LoadTexture(const Model& model, const QString& texture, QString& problem)
 {
-    problem = QStringLiteral("texture %1 was not found").arg(Quoted(texture));
-    const QStringList files = TextureFiles(model, texture);
-    for (const QString& file : files) {
-        if (!QFileInfo(file).isFile())
-            continue;
-        QImageReader reader(file);
-        reader.setDecideFormatFromContent(true);
-        const QImage image = reader.read();
-        if (!image.isNull())
-            return image;
-        problem = QStringLiteral("texture %1 cannot be read: %2").arg(Quoted(texture), reader.errorString());
+    const QString file = TextureFile(model, texture);
+    if (file.isEmpty()) {
+        problem = QStringLiteral("texture %1 was not found").arg(Quoted(texture));
+        return model.embeddedImages.value(texture);
     }
-    return model.embeddedImages.value(texture);
+    QString reason;
+    const QImage image = ReadImage(file, reason);
+    problem = QStringLiteral("texture %1 cannot be read: %2").arg(Quoted(texture), reason);
+    return image.isNull() ? model.embeddedImages.value(texture) : image;
+}
+
+/// The number that the word is, as near as an int comes to it.
+std::optional<int> NumberIn(const QString& word)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\A-?[0-9]+\\z"));
+    if (!pattern.match(word).hasMatch())
+        return {};
+    bool fits = false;
+    const int number = word.toInt(&fits);
+    if (fits)
+        return number;
+    return word.startsWith(QLatin1Char('-')) ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+}
+
+QString TextureOf(const SkinAnimation::Geometry& geometry)
+{
+    return geometry.materialParameters.value(QStringLiteral("texture")).toString();
 }
 
 template <typename NameOf>
@@ -87,10 +126,8 @@ int FindAnimation(const Model& model, const QString& nameOrNumber)
     if (found != animations.end())
         return static_cast<int>(found - animations.begin());
 
-    bool isNumber = false;
-    const int number = nameOrNumber.toInt(&isNumber);
-    if (isNumber)
-        return number;
+    if (const auto number = NumberIn(nameOrNumber))
+        return *number;
 
     QStringList names;
     for (const SkinAnimation::Animation* animation : animations)
@@ -121,7 +158,7 @@ QMap<QString, QImage> LoadTextures(const Model& model, QStringList& missing)
     QMap<QString, QImage> textures;
     QStringList tried;
     for (const SkinAnimation::Geometry* geometry : GeometriesOf(*model.scene)) {
-        const QString texture = geometry->materialParameters.value(QStringLiteral("texture")).toString();
+        const QString texture = TextureOf(*geometry);
         if (!geometry->visible || texture.isEmpty() || tried.contains(texture))
             continue;
         tried += texture;
@@ -134,6 +171,18 @@ QMap<QString, QImage> LoadTextures(const Model& model, QStringList& missing)
             textures.insert(texture, image);
     }
     return textures;
+}
+
+QSet<QString> InputFiles(const Model& model)
+{
+    QSet<QString> files{QFileInfo(model.fileName).canonicalFilePath()};
+    for (const SkinAnimation::Geometry* geometry : GeometriesOf(*model.scene)) {
+        const QString texture = TextureOf(*geometry);
+        if (!texture.isEmpty())
+            files += QFileInfo(TextureFile(model, texture)).canonicalFilePath();
+    }
+    files.remove(QString());
+    return files;
 }
 
 std::vector<const SkinAnimation::Geometry*> GeometriesOf(const SkinAnimation::Scene& scene)

@@ -5,6 +5,7 @@
 
 #include <QImage>
 #include <QMap>
+#include <QSet>
 #include <QStringList>
 
 namespace Host {
@@ -33,6 +34,9 @@ void Hide(Model& model, const QStringList& meshes, const QStringList& materials)
 /// in that folder; then among the embedded ones.
 /// \param missing receives a text for each that could not be had
 QMap<QString, QImage> LoadTextures(const Model& model, QStringList& missing);
+
+/// The model's file and those of its textures, hidden ones too, as canonical paths.
+QSet<QString> InputFiles(const Model& model);
 
 /// Every geometry of the scene, parents before children.
 std::vector<const SkinAnimation::Geometry*> GeometriesOf(const SkinAnimation::Scene& scene);

@@ -7,6 +7,7 @@
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Services.h"
 #include "reference/tools/Texts.h"
+#include "reference/tools/Toolkit.h"
 
 #include <QFileInfo>
 
@@ -41,6 +42,16 @@ QString TitleOf(const Model& model, const Take& take)
     const QString name = model.scene->animations[static_cast<std::size_t>(*take.animation)]->name;
     return Printable(title + QStringLiteral(", ")
                      + (name.isEmpty() ? QStringLiteral("animation %1").arg(*take.animation) : name));
+}
+
+/// A picture in the place of what it is drawn from would destroy that.
+void KeepInputs(const Model& model, const RenderOptions& options)
+{
+    const QSet<QString> inputs = InputFiles(model);
+    const QStringList outputs = OutputFiles(options);
+    for (const QString& output : outputs)
+        if (inputs.contains(CanonicalPath(output)))
+            throw Failure{output, QStringLiteral("would overwrite what the picture is drawn from")};
 }
 
 FrameSequence MakeSequence(Model& model, const Take& take, ProgressBar& bar)
@@ -98,8 +109,8 @@ void Draw(FrameSequence& sequence, PictureRequest request, const RenderOptions& 
 void MakePictures(Model& model, const RenderOptions& options, ProgressBar& bar)
 {
     Take take = options.take;
-    if (!options.ownUp)
-        take.up = model.up;
+    take.up = options.up.value_or(model.up);
+    KeepInputs(model, options);
     Hide(model, options.hiddenMeshes, options.hiddenMaterials);
     FrameSequence sequence = MakeSequence(model, take, bar);
     const QMap<QString, QImage> textures = TexturesOf(model, bar);
@@ -111,6 +122,7 @@ void MakePictures(Model& model, const RenderOptions& options, ProgressBar& bar)
             });
             return;
         }
+        PrepareWriting();
         std::vector<SheetPicture> pictures;
         Draw(sequence, request, options, bar, [&](int number, const QImage& picture) {
             pictures.push_back({picture, Caption(sequence.GetFrames()[static_cast<std::size_t>(number)], take)});

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace Host {
@@ -11,11 +12,21 @@ namespace Host {
 namespace {
 
 constexpr int kCells = 30;
+constexpr int kUsualColumns = 79;
 
 void WriteRaw(const QByteArray& bytes)
 {
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
     std::fflush(stderr);
+}
+
+/// As many as fit without the cursor going on to the next line, where it could
+/// not be wiped away.
+int MostColumns()
+{
+    winsize size{};
+    const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return known ? size.ws_col - 1 : kUsualColumns;
 }
 
 } // namespace
@@ -52,7 +63,8 @@ void ProgressBar::Show(const QString& label, int percent)
     const QString line = QStringLiteral("[%1%2] %3% %4")
                              .arg(QString(full, QLatin1Char('#')), QString(kCells - full, QLatin1Char('.')))
                              .arg(percent, 3)
-                             .arg(label);
+                             .arg(label)
+                             .left(MostColumns());
     if (line == m_shown)
         return;
     WriteRaw("\r" + line.toLocal8Bit() + "\033[K");

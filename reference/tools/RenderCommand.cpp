@@ -10,6 +10,7 @@ void Run(const Arguments& arguments)
 {
     const QString source = arguments.OnlyWord(QStringLiteral("MODEL"));
     RenderOptions options = ReadRenderOptions(arguments, QStringLiteral("render"));
+    arguments.RequiredText(QStringLiteral("o"));
 
     ProgressBar bar;
     Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, 5));

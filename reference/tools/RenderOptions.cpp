@@ -1,10 +1,13 @@
 #include "reference/tools/RenderOptions.h"
 
+#include "reference/host/ContactSheet.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ImageFile.h"
 #include "reference/tools/Services.h"
 
 #include <QRegularExpression>
+
+#include <algorithm>
 
 namespace Host {
 
@@ -13,7 +16,8 @@ namespace {
 constexpr int kMostPixels = 16384; ///< Along one side.
 constexpr int kMostFrames = 10000;
 constexpr int kTurntableFrames = 12;
-constexpr qint64 kMostSheetPixels = qint64(1) << 28; ///< Of all frames together: 1 GiB.
+constexpr int kMostSheetSide = 32767; ///< The toolkit paints nothing beyond.
+constexpr qint64 kMostSheetPixels = qint64(1) << 28; ///< 1 GiB.
 
 /// A place for a number: %d, or with leading zeros %04d. In the last part of
 /// the path only.
@@ -55,9 +59,23 @@ Take ReadTake(const Arguments& arguments)
         arguments.Reject(QStringLiteral("--time and --frames exclude each other without --turntable"));
     take.azimuth = static_cast<float>(arguments.Number(QStringLiteral("azimuth"), -360.0, 360.0).value_or(30.0));
     take.elevation = static_cast<float>(arguments.Number(QStringLiteral("elevation"), -89.0, 89.0).value_or(15.0));
-    take.up =
-        AxisOf(arguments.OneOf(QStringLiteral("up"), {QStringLiteral("y"), QStringLiteral("x"), QStringLiteral("z")}));
     return take;
+}
+
+std::optional<TVec3<float>> ReadUp(const Arguments& arguments)
+{
+    const QString option = QStringLiteral("up");
+    const QStringList axes = {QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("z")};
+    const QString axis = arguments.OneOf(option, axes);
+    if (!arguments.Has(option))
+        return {};
+    return AxisOf(axis);
+}
+
+bool IsTooLarge(QSize sheet)
+{
+    return std::max(sheet.width(), sheet.height()) > kMostSheetSide
+           || qint64(sheet.width()) * sheet.height() > kMostSheetPixels;
 }
 
 void CheckFiles(const Arguments& arguments, const QString& verb, const RenderOptions& options)
@@ -65,15 +83,13 @@ void CheckFiles(const Arguments& arguments, const QString& verb, const RenderOpt
     if (options.fileName.count(NumberPlace()) > 1)
         arguments.Reject(QStringLiteral("--output: %1 has more than one place for a number").arg(options.fileName));
     const Take& take = options.take;
-    const qint64 nPixels = qint64(take.size.width()) * take.size.height() * take.nFrames;
-    if (!IsSeries(options.fileName) && take.nFrames > 1 && nPixels > kMostSheetPixels)
+    if (!IsSeries(options.fileName) && take.nFrames > 1 && IsTooLarge(ContactSheetSize(take.nFrames, take.size)))
         arguments.Reject(QStringLiteral("a contact sheet of %1 pictures of %2x%3 is too large")
                              .arg(take.nFrames)
                              .arg(take.size.width())
                              .arg(take.size.height()));
-    const int nFiles = IsSeries(options.fileName) ? options.take.nFrames : 1;
-    for (int i = 0; i < nFiles; ++i)
-        CheckImageFile(verb, NumberedFileName(options.fileName, i));
+    for (const QString& fileName : OutputFiles(options))
+        CheckImageFile(verb, fileName);
 }
 
 } // namespace
@@ -126,16 +142,19 @@ RenderOptions ReadRenderOptions(const Arguments& arguments, const QString& verb)
 {
     RenderOptions options;
     options.take = ReadTake(arguments);
-    options.plays = arguments.Has(QStringLiteral("time")) || (options.take.nFrames > 1 && !options.take.turntable);
-    options.ownUp = arguments.Has(QStringLiteral("up"));
+    options.plays =
+        arguments.Has(QStringLiteral("time")) || (arguments.Has(QStringLiteral("frames")) && !options.take.turntable);
+    options.up = ReadUp(arguments);
     options.ground = !arguments.Has(QStringLiteral("no-ground"));
     options.renderer = arguments.OneOf(QStringLiteral("renderer"), RendererNames());
     options.samplesPerPixel = arguments.Integer(QStringLiteral("samples"), 1, 4096).value_or(options.samplesPerPixel);
     options.threads = arguments.Integer(QStringLiteral("threads"), 0, 256).value_or(options.threads);
     options.hiddenMeshes = arguments.Texts(QStringLiteral("hide-mesh"));
     options.hiddenMaterials = arguments.Texts(QStringLiteral("hide-material"));
-    options.fileName = arguments.RequiredText(QStringLiteral("o"));
-    CheckFiles(arguments, verb, options);
+    if (arguments.Has(QStringLiteral("o"))) {
+        options.fileName = arguments.RequiredText(QStringLiteral("o"));
+        CheckFiles(arguments, verb, options);
+    }
     return options;
 }
 
@@ -151,6 +170,15 @@ QString NumberedFileName(const QString& fileName, int number)
         return fileName;
     const QString digits = QString::number(number).rightJustified(place.captured(1).toInt(), QLatin1Char('0'));
     return QString(fileName).replace(place.capturedStart(), place.capturedLength(), digits);
+}
+
+QStringList OutputFiles(const RenderOptions& options)
+{
+    QStringList files;
+    const int nFiles = IsSeries(options.fileName) ? options.take.nFrames : 1;
+    for (int i = 0; i < nFiles; ++i)
+        files += NumberedFileName(options.fileName, i);
+    return files;
 }
 
 } // namespace Host

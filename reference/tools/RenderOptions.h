@@ -10,12 +10,13 @@ constexpr double kLongestTime = 1e9;
 
 /// How pictures are asked for on the command line.
 struct RenderOptions {
-    QString fileName; ///< Of one picture, or with a %04d for the number of each.
+    QString fileName; ///< Of one picture, or with a %04d for the number of each. Empty
+                      ///< where no picture is asked for.
     QString renderer;
     QStringList hiddenMeshes;
     QStringList hiddenMaterials;
-    Take take;          ///< `animation` is yet to be found in the model.
-    bool ownUp = false; ///< Whether `take.up` overrides the model's.
+    Take take;                       ///< `animation` and `up` are yet to be found in the model.
+    std::optional<TVec3<float>> up; ///< In place of the model's.
     bool ground = true;
     int samplesPerPixel = 16;
     int threads = 0;
@@ -36,5 +37,8 @@ bool IsSeries(const QString& fileName);
 
 /// The name of one picture of a series; of any other file, its name.
 QString NumberedFileName(const QString& fileName, int number);
+
+/// Every file that will be written, in order.
+QStringList OutputFiles(const RenderOptions& options);
 
 } // namespace Host

@@ -35,12 +35,20 @@ bool EndsWithMark(const QString& text)
 
 QString Escaped(uint codePoint)
 {
-    return QStringLiteral("\\u%1").arg(codePoint, 4, 16, QLatin1Char('0'));
+    return codePoint > 0xffff ? QStringLiteral("\\U%1").arg(codePoint, 8, 16, QLatin1Char('0'))
+                              : QStringLiteral("\\u%1").arg(codePoint, 4, 16, QLatin1Char('0'));
 }
 
-} // namespace
+/// JSON has escapes of four digits only, and writes the rest as surrogates.
+QString EscapedInJson(uint codePoint)
+{
+    return QChar::requiresSurrogates(codePoint)
+               ? Escaped(QChar::highSurrogate(codePoint)) + Escaped(QChar::lowSurrogate(codePoint))
+               : Escaped(codePoint);
+}
 
-QString Printable(const QString& text)
+template <typename Escape>
+QString InOneLine(const QString& text, const Escape& escape)
 {
     QString printable;
     const QVector<uint> codePoints = QString(text).replace(QLatin1String("\r\n"), QLatin1String("\n")).toUcs4();
@@ -48,11 +56,23 @@ QString Printable(const QString& text)
         if (codePoint == '\n')
             printable += EndsWithMark(printable) ? QStringLiteral(" ") : QStringLiteral("; ");
         else if (IsUnsafe(codePoint))
-            printable += Escaped(codePoint);
+            printable += escape(codePoint);
         else
             printable += QString::fromUcs4(&codePoint, 1);
     }
     return printable;
+}
+
+} // namespace
+
+QString Printable(const QString& text)
+{
+    return InOneLine(text, Escaped);
+}
+
+QString PrintableJson(const QString& line)
+{
+    return InOneLine(line, EscapedInJson);
 }
 
 QString Quoted(const QString& name)

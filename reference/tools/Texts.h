@@ -9,8 +9,11 @@ namespace Host {
 
 /// One line that is safe on a terminal: lines are joined, with a semicolon
 /// where the earlier one does not end with a mark of its own, and control
-/// characters, invisible formatting and broken surrogates become \u escapes.
+/// characters, invisible formatting and broken surrogates become \u or \U escapes.
 QString Printable(const QString& text);
+
+/// The same for a line of JSON text, which keeps its meaning.
+QString PrintableJson(const QString& line);
 
 /// `name` printable, in single quotes.
 QString Quoted(const QString& name);

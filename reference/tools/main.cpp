@@ -4,14 +4,15 @@
 #include "reference/tools/Verbs.h"
 
 #include <QFile>
-#include <QGuiApplication>
 #include <QLocale>
 #include <QTextCodec>
 
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <new>
+#include <vector>
 
 #include <langinfo.h>
 
@@ -88,11 +89,24 @@ void Run(const QStringList& words)
         verb.run(arguments);
 }
 
+/// The words of the command line as text. A word that is none could not be
+/// turned back into the name of its file.
+QStringList Decoded(const std::vector<QByteArray>& words)
+{
+    QStringList decoded;
+    for (const QByteArray& word : words) {
+        decoded += QFile::decodeName(word);
+        if (QFile::encodeName(decoded.last()) != word)
+            throw Failure{decoded.last(), QStringLiteral("the name cannot be decoded")};
+    }
+    return decoded;
+}
+
 /// Runs the command; every failure becomes one line and an exit status.
-int RunGuarded(const QStringList& words)
+int RunGuarded(const std::vector<QByteArray>& words)
 {
     try {
-        Run(words);
+        Run(Decoded(words));
         return 0;
     } catch (const UsageError& error) {
         const QString page = error.verb.isEmpty() ? QString() : QLatin1Char(' ') + error.verb;
@@ -112,14 +126,14 @@ int RunGuarded(const QStringList& words)
     return 1;
 }
 
-/// Only what is fatal: everything else that the toolkit remarks would break
-/// the promise of one line per error.
+/// Only what ends the process: everything else that the toolkit remarks would
+/// break the promise of one line per error, and none without.
 void HandleMessage(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
-    if (type == QtCriticalMsg || type == QtFatalMsg)
-        PrintError(message);
-    if (type == QtFatalMsg)
-        std::abort();
+    if (type != QtFatalMsg)
+        return;
+    PrintError(message);
+    std::abort();
 }
 
 /// Outside of any locale names of files are UTF-8, not ASCII.
@@ -138,20 +152,8 @@ int main(int argc, char* argv[])
     qInstallMessageHandler(HandleMessage);
     // A file that grows beyond a limit is an error to report, not to die of.
     std::signal(SIGXFSZ, SIG_IGN);
-    // Nothing is ever shown; the toolkit is needed for text in pictures only.
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-
-    QStringList words;
-    for (int i = 1; i < argc; ++i)
-        words += QFile::decodeName(argv[i]);
-
-    // The toolkit gets no words: it would take some of them for its own.
-    // And it lives until the process ends: it is not good at taking itself down.
-    static int nOwnWords = 1;
-    static const auto* const application = new QGuiApplication(nOwnWords, argv);
-    Q_UNUSED(application)
     // Numbers have a point, in this program and in the libraries it uses.
     std::setlocale(LC_NUMERIC, "C");
     QLocale::setDefault(QLocale::c());
-    return RunGuarded(words);
+    return RunGuarded({argv + std::min(argc, 1), argv + argc});
 }

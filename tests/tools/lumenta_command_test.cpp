@@ -17,6 +17,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 
@@ -47,7 +48,7 @@ AnimationSet Jump {
 )";
 
 /// A triangle whose name would colour a terminal, with a texture.
-const char kTriangle[] = "mtllib wall.mtl\no red\x1b[31m\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nvt 1 0\nvt 0 1\n"
+const char kTriangle[] = "mtllib wall.mtl\no red\x1b[31m\U000e0001\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nvt 1 0\nvt 0 1\n"
                          "usemtl wall\nf 1/1 2/2 3/3\n";
 
 QStringList Words(const QString& line)
@@ -149,6 +150,7 @@ private Q_SLOTS:
         fails("a missing file", "info none.x", "none.x: The model file does not exist");
         fails("a folder", "info folder", "folder: A model file was expected, but this is a folder");
         fails("an empty file", "info empty.x", "empty.x: The model file is empty");
+        fails("a model that is a pipe", "info pipe.png", "pipe.png: The model file is not a regular file");
         fails("a truncated model", "info cut.x",
               "cut.x: Line 157: Unexpected end of file while parsing unknown segment.");
         fails("text that is no model", "info text.txt", "text.txt: its format is unknown");
@@ -159,7 +161,12 @@ private Q_SLOTS:
         // Animations.
         fails("a time for a model without animations", "render triangle.obj --time 5 -o a.png",
               "triangle.obj: the model has no animation");
+        fails("one frame for a model without animations", "render triangle.obj --frames 1 -o a.png",
+              "triangle.obj: the model has no animation");
         fails("an animation number out of range", "render jump.x --animation -1 -o a.png",
+              "jump.x: Invalid parameter 'animIndex' passed to method 'Scene::CalculateAnimation': "
+              "Invalid animation index");
+        fails("an animation number beyond all integers", "render jump.x --animation 99999999999 -o a.png",
               "jump.x: Invalid parameter 'animIndex' passed to method 'Scene::CalculateAnimation': "
               "Invalid animation index");
         fails("an animation number out of range for a clip", "clip jump.x --animation 1 --from 0 --to 1 --name c",
@@ -183,6 +190,11 @@ private Q_SLOTS:
                 "--time and --frames exclude each other without --turntable");
         misuses("a contact sheet beyond all memory", "render", "jump.x -o a.png --frames 10000 --size 1000x1000",
                 "a contact sheet of 10000 pictures of 1000x1000 is too large");
+        misuses("a contact sheet wider than can be painted", "render", "jump.x -o a.png --frames 9 --size 16384x1",
+                "a contact sheet of 9 pictures of 16384x1 is too large");
+        misuses("an unknown renderer of no picture", "clip",
+                "jump.x --animation 0 --from 0 --to 1 --name c --renderer oil",
+                "--renderer: 'oil' is not one of embree, painter");
         misuses("an unknown renderer", "render", "jump.x -o a.png --renderer oil",
                 "--renderer: 'oil' is not one of embree, painter");
         // Names in the model.
@@ -195,6 +207,10 @@ private Q_SLOTS:
         // Output.
         fails("an output in no folder", "render jump.x -o none/a.png", "none/a.png: the folder 'none' does not exist");
         fails("an output in a file", "render jump.x -o text.txt/a.png", "text.txt/a.png: 'text.txt' is not a folder");
+        fails("an output behind a broken link", "render jump.x -o broken.png",
+              "broken.png: the folder '/none' does not exist");
+        fails("an output over the model", "render model.png -o link.png",
+              "link.png: would overwrite what the picture is drawn from");
         fails("an output that is a folder", "render jump.x -o taken.png", "taken.png: is a folder");
         fails("an output that is a pipe", "render jump.x -o pipe.png", "pipe.png: is not a regular file");
         misuses("an unknown suffix", "render", "jump.x -o a.jpg",
@@ -218,6 +234,8 @@ private Q_SLOTS:
         QFETCH(QString, words);
         QVERIFY(QDir(m_folder->path()).mkdir("folder") && QDir(m_folder->path()).mkdir("taken.png"));
         QCOMPARE(mkfifo(QFile::encodeName(Path("pipe.png")).constData(), 0600), 0);
+        QVERIFY(QFile::link("/none/a.png", Path("broken.png")) && QFile::link("model.png", Path("link.png")));
+        WriteFile(Path("model.png"), kTriangle);
         QFile wuson(kModels + QStringLiteral("Testwuson.X"));
         QVERIFY(wuson.open(QIODevice::ReadOnly));
         WriteFile(Path("cut.x"), wuson.read(3000));
@@ -356,11 +374,11 @@ private Q_SLOTS:
 
     void KeepsNamesFromTheTerminal()
     {
-        for (const char* words : {"info triangle.obj", "info triangle.obj --json"}) {
-            const Outcome outcome = Run(words);
-            QCOMPARE(outcome.exitCode, 0);
-            QVERIFY(outcome.output.contains("red\\u001b[31m") && !outcome.output.contains('\x1b'));
-        }
+        const QString people = Run("info triangle.obj").output;
+        const QString programs = Run("info triangle.obj --json").output;
+        QVERIFY(people.contains("red\\u001b[31m\\U000e0001 "));
+        QVERIFY(programs.contains("\"red\\u001b[31m\\udb40\\udc01\""));
+        QVERIFY(!(people + programs).contains('\x1b'));
     }
 
     void DrawsTheFigureUprightInTheMiddle_data()
@@ -537,6 +555,8 @@ private Q_SLOTS:
         const int controller = posix_openpt(O_RDWR | O_NOCTTY);
         QVERIFY(controller >= 0 && grantpt(controller) == 0 && unlockpt(controller) == 0);
         const int terminal = open(ptsname(controller), O_RDWR | O_NOCTTY);
+        const winsize narrow{24, 50, 0, 0};
+        QCOMPARE(ioctl(terminal, TIOCSWINSZ, &narrow), 0);
         CommandRunner runner(m_folder->path(), [terminal] { return dup2(terminal, STDERR_FILENO) >= 0; });
         const QString words = "render :figure --frames 2 --size 16x16 --samples 1 -o a%d.png";
         QCOMPARE(runner.Run(Words(words)).exitCode, 0);
@@ -545,7 +565,7 @@ private Q_SLOTS:
         shown.resize(int(read(controller, shown.data(), std::size_t(shown.size()))));
         close(terminal);
         close(controller);
-        QVERIFY(shown.contains("% frame 1 of 2") && shown.contains("100% frame 2 of 2"));
+        QVERIFY(shown.contains("% frame 1 of \033[K") && shown.contains("100% frame 2 of \033[K"));
         QVERIFY(shown.endsWith("\r\033[K"));
         QCOMPARE(Run(words).errors, QString());
     }

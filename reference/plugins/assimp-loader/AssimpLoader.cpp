@@ -63,6 +63,9 @@ void CheckFile(const QString& strFileName)
         throw FileException(strFileName, QStringLiteral("The model file does not exist"));
     if (info.isDir())
         throw FileException(strFileName, QStringLiteral("A model file was expected, but this is a folder"));
+    // A pipe would be waited for without end.
+    if (!info.isFile())
+        throw FileException(strFileName, QStringLiteral("The model file is not a regular file"));
     QFile file(strFileName);
     if (!file.open(QIODevice::ReadOnly))
         throw FileException(strFileName, QStringLiteral("The model file can't be read: %1").arg(file.errorString()));

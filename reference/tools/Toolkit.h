@@ -1,0 +1,9 @@
+#pragma once
+
+namespace Host {
+
+/// Readies the toolkit for text in pictures. Apart from the rest, which needs no
+/// such preparation, because it makes a folder for temporary files.
+void PrepareWriting();
+
+} // namespace Host
