@@ -67,9 +67,9 @@ struct Studio {
     TVec3<float> SkyOn(const TVec3<float>& normal) const;
 
 private:
-    TVec3<float> m_target;
-    float m_unit;      ///< World units per studio unit.
-    float m_tangent;   ///< Of half the vertical field of view.
+    TVec3<double> m_target;
+    double m_unit;   ///< World units per studio unit.
+    float m_tangent; ///< Of half the vertical field of view.
 };
 
 /// A picture to be filled in; the pixels are undefined.

@@ -1,4 +1,6 @@
-#include "Patches.h"
+#include "reference/plugins/painter-renderer/Patches.h"
+
+#include "reference/host/Directions.h"
 
 #include <algorithm>
 #include <cmath>
@@ -33,12 +35,6 @@ Corner AtNearPlane(const Corner& in, const Corner& out)
                   in.texCoord * (1.0f - t) + out.texCoord * t};
     corner.fromEye.z = kNear;
     return corner;
-}
-
-TVec3<float> UnitOr(const TVec3<float>& v, const TVec3<float>& otherwise)
-{
-    const float length = Length(v);
-    return length > 0.0f && std::isfinite(length) ? v * (1.0f / length) : otherwise;
 }
 
 class PatchCutter {
