@@ -1,4 +1,4 @@
-#include "FloorShadow.h"
+#include "reference/plugins/painter-renderer/FloorShadow.h"
 
 #include "reference/host/Surface.h"
 

@@ -1,7 +1,7 @@
-#include "PainterRenderer.h"
+#include "reference/plugins/painter-renderer/PainterRenderer.h"
 
-#include "FloorShadow.h"
-#include "Patches.h"
+#include "reference/plugins/painter-renderer/FloorShadow.h"
+#include "reference/plugins/painter-renderer/Patches.h"
 
 #include <QPainter>
 
