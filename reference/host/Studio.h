@@ -76,6 +76,10 @@ private:
 /// \throws OutOfMemoryException it does not fit in memory
 QImage NewPicture(QSize size, QImage::Format format);
 
+/// In studio units along `forward`. Nothing nearer to the eye is drawn by
+/// renderers that project triangles.
+constexpr float kNearPlane = 0.01f;
+
 /// The light of the sun on a surface that faces it.
 constexpr TVec3<float> kSunLight{0.77f, 0.72f, 0.65f};
 
