@@ -2,6 +2,7 @@
 
 #include "lumenta/foundation/MeshVertex.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace SkinAnimation {

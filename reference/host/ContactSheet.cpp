@@ -113,8 +113,9 @@ QImage MakeContactSheet(const std::vector<SheetPicture>& pictures, const QString
     const int captionPixels = CaptionHeight(layout.picture);
     if (layout.titleHeight > 0) {
         painter.setFont(FontOfHeight(captionPixels * 3 / 2));
-        painter.drawText(QRect(kMargin, kMargin, sheet.width() - 2 * kMargin, layout.titleHeight - kGap),
-                         Qt::AlignLeft | Qt::AlignVCenter, title);
+        const QRect place(kMargin, kMargin, sheet.width() - 2 * kMargin, layout.titleHeight - kGap);
+        painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
+                         painter.fontMetrics().elidedText(title, Qt::ElideMiddle, place.width()));
     }
     if (layout.captionHeight > 0)
         painter.setFont(FontOfHeight(captionPixels));

@@ -1,14 +1,17 @@
 #include "reference/host/Picture.h"
 
+#include "lumenta/foundation/Exceptions.h"
+#include "reference/host/Directions.h"
+
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace Host {
 
 namespace {
 
 constexpr float kFieldOfView = 30.0f;
-constexpr float kRadians = 0.017453292f;
 constexpr float kSteepest = 89.0f;
 constexpr float kMargin = 1.08f; ///< Room around the box, as a factor of its extent in the picture.
 
@@ -22,11 +25,6 @@ TVec3<float> FrontOf(const TVec3<float>& up)
 bool IsFinite(const TVec3<float>& v)
 {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-}
-
-TVec3<double> Widened(const TVec3<float>& v)
-{
-    return {static_cast<double>(v.x), static_cast<double>(v.y), static_cast<double>(v.z)};
 }
 
 /// Whether two edges span an area. In double, where no product of two floats
@@ -50,14 +48,14 @@ void ForEachDrawableCorner(const std::vector<PosedMesh>& meshes, const Visitor& 
 /// whichever distance.
 class ViewCone {
 public:
-    ViewCone(const Camera& camera, QSize size)
-        : m_back(Normalized(camera.eye - camera.target))
-        , m_right(Normalized(Cross(camera.up, m_back)))
+    ViewCone(const TVec3<float>& back, const TVec3<float>& up, float fieldOfView, QSize size)
+        : m_back(back)
+        , m_right(UnitOr(Cross(up, m_back), {}))
         , m_above(Cross(m_back, m_right))
     {
         const float aspect =
             static_cast<float>(std::max(size.width(), 1)) / static_cast<float>(std::max(size.height(), 1));
-        m_tanY = std::tan(camera.verticalFieldOfView * 0.5f * kRadians);
+        m_tanY = std::tan(fieldOfView * 0.5f * kRadians);
         m_tanX = m_tanY * aspect;
     }
 
@@ -70,6 +68,13 @@ public:
         return Dot(point, m_back) + kMargin * std::max(aside, above);
     }
 
+    /// What DistanceToSee() is at most for points within `radius` of the
+    /// target, from whichever side they are seen.
+    double GreatestDistance(double radius) const
+    {
+        return radius * (1.0 + static_cast<double>(kMargin) / static_cast<double>(std::min(m_tanX, m_tanY)));
+    }
+
 private:
     TVec3<float> m_back;
     TVec3<float> m_right;
@@ -77,6 +82,13 @@ private:
     float m_tanX;
     float m_tanY;
 };
+
+void CheckWithinReach(const TVec3<double>& center, const TVec3<double>& half, const ViewCone& cone)
+{
+    const double radius = LengthOf(half);
+    if (LengthOf(center) + cone.GreatestDistance(radius) > static_cast<double>(std::numeric_limits<float>::max()))
+        throw Exception(QStringLiteral("a box %1 across is too large for a camera to see all of it").arg(2.0 * radius));
+}
 
 } // namespace
 
@@ -119,9 +131,10 @@ TBBox<float> BoxOf(const std::vector<PosedMesh>& meshes)
 
 Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, float elevation, QSize size)
 {
-    const bool usable = !box.IsEmpty() && Length(box.HalfExtent()) > 0.0f;
-    const TVec3<float> center = box.IsEmpty() ? TVec3<float>{0.0f, 0.0f, 0.0f} : box.Center();
-    const TVec3<float> half = usable ? box.HalfExtent() : TVec3<float>{0.5f, 0.5f, 0.5f};
+    const TBBox<double> wide = box.IsEmpty() ? TBBox<double>(TVec3<double>{}, TVec3<double>{})
+                                              : TBBox<double>(Widened(box.min), Widened(box.max));
+    const bool usable = LengthOf(wide.HalfExtent()) > 0.0;
+    const TVec3<double> wideHalf = usable ? wide.HalfExtent() : TVec3<double>{0.5, 0.5, 0.5};
 
     const TVec3<float> side = Normalized(Cross(up, FrontOf(up)));
     const TVec3<float> front = Normalized(Cross(side, up));
@@ -129,8 +142,10 @@ Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, 
     const float slope = std::clamp(elevation, -kSteepest, kSteepest) * kRadians;
     const TVec3<float> back = horizontal * std::cos(slope) + up * std::sin(slope);
 
-    const Camera direction{center + back, center, up, kFieldOfView};
-    const ViewCone cone(direction, size);
+    const ViewCone cone(UnitOr(back, {}), up, kFieldOfView, size);
+    CheckWithinReach(wide.Center(), wideHalf, cone);
+    const TVec3<float> center = Narrowed(wide.Center());
+    const TVec3<float> half = Narrowed(wideHalf);
     float distance = 0.0f;
     for (int corner = 0; corner < 8; ++corner)
         distance = std::max(distance, cone.DistanceToSee({corner & 1 ? half.x : -half.x, corner & 2 ? half.y : -half.y,
@@ -140,7 +155,7 @@ Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, 
 
 float DistanceToSee(const std::vector<PosedMesh>& meshes, const Camera& camera, QSize size)
 {
-    const ViewCone cone(camera, size);
+    const ViewCone cone(UnitOr(camera.eye - camera.target, {}), camera.up, camera.verticalFieldOfView, size);
     float distance = 0.0f;
     ForEachDrawableCorner(meshes, [&](const TVec3<float>& corner) {
         distance = std::max(distance, cone.DistanceToSee(corner - camera.target));

@@ -58,6 +58,7 @@ struct Camera {
 /// above the horizon, held just short of the poles, where up would have no
 /// direction in the picture. An empty or point-sized box is framed as a unit
 /// box.
+/// \throws Exception the box is so large that the eye could come to stand beyond what a float holds
 Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, float elevation, QSize size);
 
 /// How far from its target `camera` has to stand to see every triangle that can

@@ -1,6 +1,7 @@
 #include "reference/host/Studio.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/Directions.h"
 
 #include <algorithm>
 #include <array>
@@ -11,7 +12,6 @@ namespace Host {
 
 namespace {
 
-constexpr float kRadians = 0.017453292f;
 constexpr float kDefaultFieldOfView = 30.0f;
 
 // The floor is itself within the first distance from the target, backdrop
@@ -31,13 +31,6 @@ float SmoothStep(float from, float to, float value)
 {
     const float t = std::clamp((value - from) / (to - from), 0.0f, 1.0f);
     return t * t * (3.0f - 2.0f * t);
-}
-
-/// `v` with unit length, or `otherwise` where it has no direction.
-TVec3<float> UnitOr(const TVec3<float>& v, const TVec3<float>& otherwise)
-{
-    const float length = Length(v);
-    return length > 0.0f && std::isfinite(length) ? v * (1.0f / length) : otherwise;
 }
 
 /// Some unit vector at right angles to a unit vector.
@@ -82,27 +75,27 @@ Studio::Studio(const PictureRequest& request)
     : ground(request.ground)
     , groundHeight(0.0f)
     , size(request.size)
-    , m_target(request.camera.target)
-    , m_unit(Length(request.camera.eye - request.camera.target))
+    , m_target(Widened(request.camera.target))
+    , m_unit(LengthOf(Widened(request.camera.eye) - m_target))
     , m_tangent(HalfTangent(request.camera.verticalFieldOfView))
 {
-    if (!(m_unit > 0.0f) || !std::isfinite(m_unit))
-        m_unit = 1.0f;
+    if (!(m_unit > 0.0) || !std::isfinite(m_unit))
+        m_unit = 1.0;
     up = UnitOr(request.camera.up, {0.0f, 1.0f, 0.0f});
-    forward = UnitOr(m_target - request.camera.eye, AnyPerpendicular(up));
+    forward = UnitOr(request.camera.target - request.camera.eye, AnyPerpendicular(up));
     right = UnitOr(Cross(forward, up), AnyPerpendicular(up));
     above = Cross(right, forward);
     eye = -forward;
 
     const TVec3<float> towardsViewer = Cross(right, up);
     sun = Normalized(up * 0.68f - right * 0.48f + towardsViewer * 0.56f);
-    groundHeight = (request.groundHeight - Dot(m_target, up)) / m_unit;
+    groundHeight = Dot(FromWorld(up * request.groundHeight), up);
 }
 
 TVec3<float> Studio::FromWorld(const TVec3<float>& world) const
 {
-    const TVec3<float> offset = world - m_target;
-    return {offset.x / m_unit, offset.y / m_unit, offset.z / m_unit};
+    const TVec3<double> offset = Widened(world) - m_target;
+    return Narrowed({offset.x / m_unit, offset.y / m_unit, offset.z / m_unit});
 }
 
 TVec3<float> Studio::RayThrough(float x, float y) const

@@ -67,14 +67,18 @@ struct Studio {
     TVec3<float> SkyOn(const TVec3<float>& normal) const;
 
 private:
-    TVec3<float> m_target;
-    float m_unit;      ///< World units per studio unit.
-    float m_tangent;   ///< Of half the vertical field of view.
+    TVec3<double> m_target;
+    double m_unit;   ///< World units per studio unit.
+    float m_tangent; ///< Of half the vertical field of view.
 };
 
 /// A picture to be filled in; the pixels are undefined.
 /// \throws OutOfMemoryException it does not fit in memory
 QImage NewPicture(QSize size, QImage::Format format);
+
+/// In studio units along `forward`. Nothing nearer to the eye is drawn by
+/// renderers that project triangles.
+constexpr float kNearPlane = 0.01f;
 
 /// The light of the sun on a surface that faces it.
 constexpr TVec3<float> kSunLight{0.77f, 0.72f, 0.65f};

@@ -110,6 +110,11 @@ SurfaceColour Surface::At(const TVec2<float>& texCoord) const
     return {WithinReach(Times(base.colour, sum * (1.0f / opacity))), base.opacity * std::min(opacity, 1.0f)};
 }
 
+bool Surface::CanBeTransparent() const
+{
+    return base.opacity < 1.0f || (texture && texture->hasAlphaChannel());
+}
+
 float Surface::HighlightOn(const TVec3<float>& normal, const TVec3<float>& towardsSun,
                            const TVec3<float>& towardsEye) const
 {
@@ -138,9 +143,7 @@ SurfaceTable::SurfaceTable(const PictureRequest& request)
 
 bool SurfaceTable::HasTransparent() const
 {
-    return std::any_of(m_surfaces.begin(), m_surfaces.end(), [](const Surface& surface) {
-        return surface.base.opacity < 1.0f || (surface.texture && surface.texture->hasAlphaChannel());
-    });
+    return std::any_of(m_surfaces.begin(), m_surfaces.end(), [](const Surface& surface) { return surface.CanBeTransparent(); });
 }
 
 const QImage* SurfaceTable::TextureOf(const QVariant& name, const QMap<QString, QImage>* textures)

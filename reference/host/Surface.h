@@ -26,6 +26,9 @@ struct Surface {
     /// is not finite counts as 0.
     SurfaceColour At(const TVec2<float>& texCoord) const;
 
+    /// Whether light can pass through it anywhere.
+    bool CanBeTransparent() const;
+
     /// The part of the sun's light that the surface mirrors to the eye. All
     /// directions are unit.
     float HighlightOn(const TVec3<float>& normal, const TVec3<float>& towardsSun, const TVec3<float>& towardsEye) const;

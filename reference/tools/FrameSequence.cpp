@@ -1,6 +1,7 @@
 #include "reference/tools/FrameSequence.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/Directions.h"
 
 #include <algorithm>
 #include <cmath>
@@ -96,7 +97,7 @@ void FrameSequence::PlaceCameras(const TBBox<float>& box, const Take& take, cons
         farthest = std::max(farthest, DistanceToSee(meshes, frame.camera, take.size));
     });
     for (Frame& frame : m_frames) {
-        const TVec3<float> back = Normalized(frame.camera.eye - frame.camera.target);
+        const TVec3<float> back = UnitOr(frame.camera.eye - frame.camera.target, {});
         frame.camera.eye = frame.camera.target + back * farthest;
     }
 }

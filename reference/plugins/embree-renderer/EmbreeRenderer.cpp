@@ -1,12 +1,13 @@
-#include "EmbreeRenderer.h"
+#include "reference/plugins/embree-renderer/EmbreeRenderer.h"
 
-#include "LightTracer.h"
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/plugins/embree-renderer/LightTracer.h"
 
 #include <algorithm>
 #include <atomic>
-#include <system_error>
+#include <exception>
 #include <thread>
+#include <vector>
 
 namespace Host {
 
@@ -68,8 +69,8 @@ public:
         try {
             for (unsigned int i = 0; i < count; ++i)
                 m_threads.emplace_back([&work] { work.Run(); });
-        } catch (const std::system_error&) {
-            // The system has no more threads: fewer give the same picture.
+        } catch (const std::exception&) {
+            // No more threads, or no memory for them: fewer give the same picture.
         }
     }
 

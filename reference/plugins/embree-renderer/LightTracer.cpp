@@ -1,6 +1,7 @@
-#include "LightTracer.h"
+#include "reference/plugins/embree-renderer/LightTracer.h"
 
-#include "SampleSequence.h"
+#include "reference/host/Directions.h"
+#include "reference/plugins/embree-renderer/SampleSequence.h"
 
 #include <algorithm>
 #include <cmath>
@@ -75,10 +76,7 @@ TVec3<float> Interpolated(const TVec3<float>& a, const TVec3<float>& b, const TV
 /// where the vertex has none.
 TVec3<float> UsableNormal(const TVec3<float>& normal, const TVec3<float>& faceNormal)
 {
-    const float length = Length(normal);
-    if (!(length > 0.0f) || !std::isfinite(length))
-        return faceNormal;
-    const TVec3<float> unit = normal * (1.0f / length);
+    const TVec3<float> unit = UnitOr(normal, faceNormal);
     return Dot(unit, faceNormal) < 0.0f ? -unit : unit;
 }
 

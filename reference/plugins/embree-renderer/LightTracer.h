@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TriangleTree.h"
 #include "reference/host/Surface.h"
+#include "reference/plugins/embree-renderer/TriangleTree.h"
 
 namespace Host {
 

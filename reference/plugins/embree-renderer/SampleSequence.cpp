@@ -1,4 +1,4 @@
-#include "SampleSequence.h"
+#include "reference/plugins/embree-renderer/SampleSequence.h"
 
 namespace Host {
 

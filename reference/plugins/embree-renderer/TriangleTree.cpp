@@ -1,4 +1,4 @@
-#include "TriangleTree.h"
+#include "reference/plugins/embree-renderer/TriangleTree.h"
 
 #include "lumenta/foundation/Exceptions.h"
 

@@ -1,9 +1,6 @@
-#include "FloorShadow.h"
+#include "reference/plugins/painter-renderer/FloorShadow.h"
 
-#include "reference/host/Surface.h"
-
-#include <QImage>
-#include <QPainter>
+#include "reference/plugins/painter-renderer/TriangleFill.h"
 
 #include <algorithm>
 #include <array>
@@ -16,7 +13,6 @@ namespace {
 constexpr int kLargestMask = 240;
 constexpr int kSunDirections = 12;
 constexpr int kSkyDirections = 32;
-constexpr float kNear = 0.01f;
 
 /// Point `index` of `count` that cover the unit disc evenly, as the seeds of a
 /// sunflower do.
@@ -52,17 +48,6 @@ std::vector<TVec3<float>> SkyDirections(const Studio& studio)
     return directions;
 }
 
-/// The meshes that are more opaque than not.
-std::vector<const PosedMesh*> Casters(const PictureRequest& request)
-{
-    const SurfaceTable surfaces(request);
-    std::vector<const PosedMesh*> casters;
-    for (std::size_t mesh = 0; mesh < request.meshes->size(); ++mesh)
-        if (surfaces.Of(mesh).base.opacity >= 0.5f)
-            casters.push_back(&(*request.meshes)[mesh]);
-    return casters;
-}
-
 /// Each value mixed with its two neighbours on either side, along lines whose
 /// values lie `step` apart. What would lie beyond an end is as the end.
 void BlurLines(std::vector<float>& values, int lines, int lineStep, int count, int step)
@@ -82,22 +67,19 @@ void BlurLines(std::vector<float>& values, int lines, int lineStep, int count, i
     }
 }
 
-float CrossProduct(const QPointF& a, const QPointF& b)
-{
-    return static_cast<float>(a.x() * b.y() - a.y() * b.x());
-}
-
 } // namespace
 
-FloorShadow::FloorShadow(const PictureRequest& request, const Studio& studio)
+FloorShadow::FloorShadow(const PictureRequest& request, const SurfaceTable& surfaces, const Studio& studio)
     : m_studio(studio)
     , m_maskSize(studio.size)
 {
     if (std::max(m_maskSize.width(), m_maskSize.height()) > kLargestMask)
         m_maskSize = m_maskSize.scaled(kLargestMask, kLargestMask, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
-    const Meshes casters = Casters(request);
-    m_sunHidden = Hidden(casters, SunDirections(studio));
-    m_skyHidden = Hidden(casters, SkyDirections(studio));
+    for (std::size_t mesh = 0; mesh < request.meshes->size(); ++mesh)
+        if (surfaces.Of(mesh).base.opacity >= 0.5f)
+            AddCaster((*request.meshes)[mesh]);
+    m_sunHidden = Hidden(SunDirections(studio));
+    m_skyHidden = Hidden(SkyDirections(studio));
 }
 
 TVec3<float> FloorShadow::LostAt(int x, int y) const
@@ -107,22 +89,32 @@ TVec3<float> FloorShadow::LostAt(int x, int y) const
     return sun * Sampled(m_sunHidden, x, y) + sky * Sampled(m_skyHidden, x, y);
 }
 
-FloorShadow::Mask FloorShadow::Hidden(const Meshes& meshes, const std::vector<TVec3<float>>& directions) const
+void FloorShadow::AddCaster(const PosedMesh& mesh)
 {
-    QImage layer(m_maskSize, QImage::Format_Grayscale8);
-    Mask mask(static_cast<std::size_t>(m_maskSize.width()) * static_cast<std::size_t>(m_maskSize.height()), 0.0f);
-    const float weight = 1.0f / (255.0f * static_cast<float>(directions.size()));
-    for (const TVec3<float>& direction : directions) {
-        layer.fill(0);
-        QPainter painter(&layer);
-        painter.fillPath(Silhouette(meshes, direction), Qt::white);
-        painter.end();
-        auto sum = mask.begin();
-        for (int y = 0; y < m_maskSize.height(); ++y) {
-            const uchar* const row = layer.constScanLine(y);
-            for (int x = 0; x < m_maskSize.width(); ++x)
-                *sum++ += static_cast<float>(row[x]) * weight;
-        }
+    const std::size_t firstPoint = m_points.size();
+    for (const MeshVertex& vertex : mesh.vertices)
+        m_points.push_back(m_studio.FromWorld(vertex.position));
+    for (std::size_t first = 0; first < mesh.indices.size(); first += 3)
+        if (IsDrawable(mesh, first))
+            m_triangles.push_back({firstPoint + mesh.indices[first], firstPoint + mesh.indices[first + 1],
+                                   firstPoint + mesh.indices[first + 2]});
+}
+
+FloorShadow::Mask FloorShadow::Hidden(const std::vector<TVec3<float>>& directions) const
+{
+    const std::size_t width = static_cast<std::size_t>(m_maskSize.width());
+    Mask mask(width * static_cast<std::size_t>(m_maskSize.height()), 0.0f);
+    std::vector<std::size_t> lastLayer(mask.size(), 0); // each layer counts once, however many triangles it has
+    const float weight = 1.0f / static_cast<float>(directions.size());
+    for (std::size_t layer = 1; layer <= directions.size(); ++layer) {
+        const std::vector<QPointF> shadows = ShadowsOfPoints(directions[layer - 1]);
+        for (const auto& [a, b, c] : m_triangles)
+            ForEachPixel({shadows[a], shadows[b], shadows[c]}, m_maskSize, [&](int x, int y) {
+                const std::size_t at = static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x);
+                if (lastLayer[at] != layer)
+                    mask[at] += weight;
+                lastLayer[at] = layer;
+            });
     }
     // Melts the edges of the single layers into one another.
     BlurLines(mask, m_maskSize.height(), m_maskSize.width(), m_maskSize.width(), 1);
@@ -130,42 +122,19 @@ FloorShadow::Mask FloorShadow::Hidden(const Meshes& meshes, const std::vector<TV
     return mask;
 }
 
-/// One path for all triangles, all turned the same way round, so that no seam
-/// shows between neighbours.
-QPainterPath FloorShadow::Silhouette(const Meshes& meshes, const TVec3<float>& direction) const
+std::vector<QPointF> FloorShadow::ShadowsOfPoints(const TVec3<float>& direction) const
 {
     const float slope = 1.0f / Dot(direction, m_studio.up);
     const qreal scale = static_cast<qreal>(m_maskSize.width()) / m_studio.size.width();
-    const auto shadowOf = [&](const TVec3<float>& world) {
-        const TVec3<float> point = m_studio.FromWorld(world);
+    std::vector<QPointF> shadows;
+    shadows.reserve(m_points.size());
+    for (const TVec3<float>& point : m_points) {
         const float height = Dot(point, m_studio.up) - m_studio.groundHeight;
-        return m_studio.FromEye(point - (height > 0.0f ? direction * (height * slope) : m_studio.up * height));
-    };
-
-    QPainterPath path;
-    path.setFillRule(Qt::WindingFill);
-    for (const PosedMesh* mesh : meshes) {
-        for (std::size_t first = 0; first < mesh->indices.size(); first += 3) {
-            if (!IsDrawable(*mesh, first))
-                continue;
-            std::array<QPointF, 3> corners;
-            bool inFront = true;
-            for (std::size_t i = 0; i < 3; ++i) {
-                const TVec3<float> fromEye = shadowOf(mesh->vertices[mesh->indices[first + i]].position);
-                inFront = inFront && fromEye.z > kNear && std::isfinite(fromEye.x) && std::isfinite(fromEye.y);
-                corners[i] = inFront ? m_studio.ToPixel(fromEye) * scale : QPointF();
-            }
-            if (!inFront)
-                continue;
-            if (CrossProduct(corners[1] - corners[0], corners[2] - corners[0]) < 0.0f)
-                std::swap(corners[1], corners[2]);
-            path.moveTo(corners[0]);
-            path.lineTo(corners[1]);
-            path.lineTo(corners[2]);
-            path.closeSubpath();
-        }
+        const TVec3<float> fromEye =
+            m_studio.FromEye(point - (height > 0.0f ? direction * (height * slope) : m_studio.up * height));
+        shadows.push_back(fromEye.z > kNearPlane ? m_studio.ToPixel(fromEye) * scale : QPointF(qQNaN(), qQNaN()));
     }
-    return path;
+    return shadows;
 }
 
 float FloorShadow::Sampled(const Mask& mask, int x, int y) const

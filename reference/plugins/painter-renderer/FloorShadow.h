@@ -1,9 +1,9 @@
 #pragma once
 
 #include "reference/host/Studio.h"
+#include "reference/host/Surface.h"
 
-#include <QPainterPath>
-
+#include <array>
 #include <vector>
 
 namespace Host {
@@ -17,7 +17,7 @@ namespace Host {
 /// transparent than not, none.
 class FloorShadow {
 public:
-    FloorShadow(const PictureRequest& request, const Studio& studio);
+    FloorShadow(const PictureRequest& request, const SurfaceTable& surfaces, const Studio& studio);
 
     /// The light that the meshes take from the floor seen at a pixel.
     TVec3<float> LostAt(int x, int y) const;
@@ -25,14 +25,19 @@ public:
 private:
     /// The hidden share, 0 to 1, in a smaller picture of the same view.
     using Mask = std::vector<float>;
-    using Meshes = std::vector<const PosedMesh*>;
 
-    Mask Hidden(const Meshes& meshes, const std::vector<TVec3<float>>& directions) const;
-    QPainterPath Silhouette(const Meshes& meshes, const TVec3<float>& direction) const;
+    void AddCaster(const PosedMesh& mesh);
+    Mask Hidden(const std::vector<TVec3<float>>& directions) const;
+
+    /// In the mask, for each point; not a number for one behind the camera.
+    std::vector<QPointF> ShadowsOfPoints(const TVec3<float>& direction) const;
+
     float Sampled(const Mask& mask, int x, int y) const;
 
     const Studio& m_studio;
     QSize m_maskSize;
+    std::vector<TVec3<float>> m_points; ///< Vertices of what casts shadows, in studio coordinates.
+    std::vector<std::array<std::size_t, 3>> m_triangles; ///< Those that can be drawn.
     Mask m_sunHidden;
     Mask m_skyHidden;
 };

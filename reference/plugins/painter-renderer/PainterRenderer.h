@@ -6,8 +6,8 @@
 
 namespace Host {
 
-/// Quick pictures that need nothing but Qt: shaded triangles, painted from back
-/// to front.
+/// Quick pictures that need nothing but Qt: shaded triangles, of which each pixel
+/// shows the nearest. Meshes cast shadows on the floor, not on one another.
 std::unique_ptr<IPictureRenderer> CreatePainterRenderer();
 
 } // namespace Host
