@@ -6,6 +6,7 @@
 
 #include <functional>
 
+#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -25,18 +26,19 @@ inline bool WithoutPrivilege()
                && prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) == 0);
 }
 
-/// No file may grow beyond 1000 bytes.
-inline bool WithSmallFiles()
+/// What setrlimit() limits.
+inline Hardship Limited(decltype(RLIMIT_AS) resource, rlim_t most)
 {
-    const rlimit few{1000, 1000};
-    return setrlimit(RLIMIT_FSIZE, &few) == 0;
+    return [resource, most] {
+        const rlimit limit{most, most};
+        return setrlimit(resource, &limit) == 0;
+    };
 }
 
-/// 700 MB of addresses.
-inline bool WithLittleMemory()
+/// Standard output takes nothing.
+inline bool IntoFullDevice()
 {
-    const rlimit little{700u << 20, 700u << 20};
-    return setrlimit(RLIMIT_AS, &little) == 0;
+    return dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO) >= 0;
 }
 
 struct Outcome {
@@ -48,7 +50,7 @@ struct Outcome {
 /// Runs the built command.
 class CommandRunner : public QProcess {
 public:
-    explicit CommandRunner(const QString& folder, const Hardship& hardship = {})
+    CommandRunner(const QString& folder, const Hardship& hardship)
         : m_hardship(hardship)
     {
         setWorkingDirectory(folder);
