@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDirIterator>
+#include <QDir>
 #include <QProcess>
 #include <QtTest>
 
@@ -68,7 +68,8 @@ public:
 protected:
     void setupChildProcess() override
     {
-        if (m_hardship && !m_hardship()) _exit(99);
+        if (m_hardship && !m_hardship())
+            _exit(99);
     }
 
 private:
@@ -78,12 +79,7 @@ private:
 /// Everything in the folder, hidden files too, in order.
 inline QStringList EntriesOf(const QString& folder)
 {
-    QStringList entries;
-    const auto all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
-    for (QDirIterator it(folder, all, QDirIterator::Subdirectories); it.hasNext();)
-        entries += QDir(folder).relativeFilePath(it.next());
-    entries.sort();
-    return entries;
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
 }
 
 inline void WriteFile(const QString& fileName, const QByteArray& content)

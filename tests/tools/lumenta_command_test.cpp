@@ -26,12 +26,7 @@ const QString kModels = QStringLiteral("/usr/share/assimp/models/X/");
 const char kJump[] = R"(xof 0303txt 0032
 Frame World {
   Frame Box {
-    Mesh Side {
-      4;
-      -0.5;0.0;0.0;, 0.5;0.0;0.0;, 0.5;1.0;0.0;, -0.5;1.0;0.0;;
-      2;
-      3;0,2,1;, 3;0,3,2;;
-    }
+    Mesh Side { 4; -0.5;0.0;0.0;, 0.5;0.0;0.0;, 0.5;1.0;0.0;, -0.5;1.0;0.0;; 2; 3;0,2,1;, 3;0,3,2;; }
   }
   Frame Post {}
 }
@@ -67,7 +62,8 @@ void AddTexts(std::initializer_list<const char*> columns, std::initializer_list<
 QString LookOf(const QColor& colour)
 {
     const int hue = (colour.hue() + 15) % 360;
-    if (colour.hsvSaturationF() <= 0.45) return colour.value() < 140 ? "dark" : "pale";
+    if (colour.hsvSaturationF() <= 0.45)
+        return colour.value() < 140 ? "dark" : "pale";
     return hue < 30                 ? "coloured felt"
            : hue > 180 && hue < 210 ? "coloured wool"
            : hue > 220 && hue < 255 ? "coloured denim"
@@ -79,7 +75,8 @@ QPolygon Find(const QImage& picture, const QString& look)
     QPolygon pixels;
     for (int y = 0; y < picture.height(); ++y)
         for (int x = 0; x < picture.width(); ++x)
-            if (LookOf(picture.pixelColor(x, y)).contains(look)) pixels += QPoint(x, y);
+            if (LookOf(picture.pixelColor(x, y)).contains(look))
+                pixels += QPoint(x, y);
     return pixels;
 }
 
