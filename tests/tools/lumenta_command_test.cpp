@@ -4,14 +4,11 @@
 #include "reference/host/SampleFigure.h"
 #include "tests/tools/CommandRunner.h"
 
-#include <QColor>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
-
-#include <cstdlib>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -40,11 +37,6 @@ AnimationSet Jump {
 /// A triangle whose name would colour a terminal, with a texture.
 const char kTriangle[] = "mtllib wall.mtl\no red\x1b[31m\nv 0 0 0\nv 1 0 0\nv 0 1 0\nvt 0 0\nvt 1 0\nvt 0 1\n"
                          "usemtl wall\nf 1/1 2/2 3/3\n";
-
-QStringList Words(const QString& line)
-{
-    return line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-}
 
 /// A table of texts: in each row its name, then a text for each column.
 void AddTexts(std::initializer_list<const char*> columns, std::initializer_list<QStringList> rows)
@@ -201,9 +193,7 @@ private Q_SLOTS:
         const QDir folder(m_folder->path());
         QVERIFY(folder.mkdir("folder") && folder.mkdir("taken.png") && folder.mkdir("locked"));
         QCOMPARE(mkfifo(QFile::encodeName(Path("pipe.png")).constData(), 0600), 0);
-        QFile wuson(kModels + "Testwuson.X");
-        QVERIFY(wuson.open(QIODevice::ReadOnly));
-        WriteFile(Path("cut.x"), wuson.read(3000));
+        QVERIFY(QFile::copy(kModels + "Testwuson.X", Path("cut.x")) && QFile::resize(Path("cut.x"), 3000));
         WriteFile(Path("empty.x"), "");
         WriteFile(Path("text.txt"), "Dear reader,\n");
         WriteFile(Path("points.obj"), "v 0 0 0\nv 1 0 0\nv 0 1 0\n");
@@ -244,11 +234,10 @@ private Q_SLOTS:
         QFETCH(QString, model);
         const QJsonObject facts = FactsOf(model);
         const QJsonArray nodes = facts["nodes"].toArray();
-        const int nBones = ListOf(nodes, {"bone"}).count("true");
         QStringList lastNode;
         for (int i = nodes.size() - 1; i >= 0; i = nodes[i]["parent"].toInt())
             lastNode.prepend(nodes[i]["name"].toString());
-        QTEST(QString("%1, bones %2").arg(nodes.size()).arg(nBones), "nodes");
+        QTEST(QString("%1, bones %2").arg(nodes.size()).arg(ListOf(nodes, {"bone"}).count("true")), "nodes");
         QTEST(lastNode.join(' '), "lastNode");
         QTEST(ListOf(facts["meshes"], {"name", "triangles", "skinned"}), "meshes");
         QTEST(ListOf(facts["animations"], {"name", "duration", "tracks"}), "animations");
@@ -265,8 +254,7 @@ private Q_SLOTS:
         const auto pointOf = [](const TVec3<float>& p) { return QJsonArray{double(p.x), double(p.y), double(p.z)}; };
         QCOMPARE(facts["boundingBox"].toObject(), (QJsonObject{{"min", pointOf(box.min)}, {"max", pointOf(box.max)}}));
         QCOMPARE(facts["up"].toArray(), pointOf(model.up));
-        QVERIFY(ListOf(facts["meshes"], {"vertices", "material"}).startsWith("1500 wool, 1500 denim, 2000 skin"));
-        QCOMPARE(ListOf(facts["materials"], {"name"}), "wool, denim, skin, felt, button");
+        QVERIFY(ListOf(facts["meshes"], {"vertices", "material"}).startsWith("1500 wool, 1500 denim, 2000 skin, "));
         QCOMPARE(facts["materials"][0]["parameters"].toObject(),
                  (QJsonObject{{"diffuse", "#ffffff"}, {"texture", "stripes"}}));
     }
@@ -483,7 +471,7 @@ private Q_SLOTS:
         QCOMPARE(outcome.errors, QString());
         for (const QString heading : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "EXAMPLES", "EXIT STATUS"})
             QVERIFY2(outcome.output.contains(heading + '\n'), qPrintable(heading));
-        for (const QString& option : Words(options + " --help"))
+        for (const QString& option : QString(options + " --help").split(' '))
             QVERIFY2(outcome.output.contains("    " + option) || outcome.output.contains(", " + option),
                      qPrintable(option));
         for (const QString& line : outcome.output.split('\n'))
@@ -497,7 +485,7 @@ private:
 
     Outcome Run(const QString& words, const Hardship& hardship = {}) const
     {
-        return CommandRunner(m_folder->path(), hardship).Run(Words(words));
+        return CommandRunner(m_folder->path(), hardship).Run(words.split(' ', Qt::SkipEmptyParts));
     }
 
     /// Null where there is any complaint.
