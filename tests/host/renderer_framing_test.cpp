@@ -1,13 +1,12 @@
 #include "reference/host/Studio.h"
 
 #include <QtTest>
+#include <QVector3D>
 
 #include <cmath>
 #include <limits>
 
 using namespace Host;
-
-Q_DECLARE_METATYPE(TVec3<float>)
 
 namespace {
 
@@ -26,7 +25,8 @@ double ReachOf(const std::vector<TVec3<float>>& points, const Camera& camera, QS
     double reach = 0.0;
     for (const TVec3<float>& point : points) {
         const TVec3<float> fromEye = studio.FromEye(studio.FromWorld(point));
-        if (!(fromEye.z > 0.0f)) return std::numeric_limits<double>::infinity();
+        if (!(fromEye.z > 0.0f))
+            return std::numeric_limits<double>::infinity();
         const QPointF pixel = studio.ToPixel(fromEye);
         reach = std::max(
             {reach, std::fabs(pixel.x() / size.width() * 2.0 - 1.0), std::fabs(pixel.y() / size.height() * 2.0 - 1.0)});
@@ -40,48 +40,40 @@ class RendererFraming : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void keepsAllInView_data()
-    {
-        QTest::addColumn<TVec3<float>>("halfExtent");
-        QTest::addColumn<QSize>("size");
-        QTest::newRow("a cube, in a square") << TVec3<float>{1.0f, 1.0f, 1.0f} << QSize(100, 100);
-        QTest::newRow("a pole, in a wide picture") << TVec3<float>{0.1f, 7.0f, 0.1f} << QSize(400, 100);
-        QTest::newRow("a plate, in a tall picture") << TVec3<float>{900.0f, 0.0f, 300.0f} << QSize(100, 300);
-        QTest::newRow("a grain") << TVec3<float>{1e-4f, 2e-4f, 3e-4f} << QSize(64, 48);
-    }
-
-    // From all sides, for each up axis: first the whole box, then a triangle
-    // between some of its corners, without a vertex far off that none uses. The
-    // outermost point stands at the edge but for the margin.
+    // Of boxes of many shapes and sizes, from all sides, for each up axis: first
+    // the whole box, then a triangle between some of its corners, without a
+    // vertex far off that none uses. The outermost point stands at the edge but
+    // for the margin.
     void keepsAllInView()
     {
-        QFETCH(TVec3<float>, halfExtent);
-        QFETCH(QSize, size);
-        const TVec3<float> centre{3.0f, -2.0f, 5.0f};
-        const TBBox<float> box{centre - halfExtent, centre + halfExtent};
-        std::vector<TVec3<float>> corners;
-        for (int i = 0; i < 8; ++i)
-            corners.push_back(
-                {i & 1 ? box.max.x : box.min.x, i & 2 ? box.max.y : box.min.y, i & 4 ? box.max.z : box.min.z});
-        const std::vector<TVec3<float>> triangle{corners[0], corners[3], corners[6]};
-        std::vector<PosedMesh> meshes(1);
-        for (const TVec3<float>& place : {triangle[0], triangle[1], triangle[2], TVec3<float>{1e6f, 1e6f, 1e6f}}) {
-            meshes[0].vertices.emplace_back();
-            meshes[0].vertices.back().position = place;
-        }
-        meshes[0].indices = {0, 1, 2};
-
-        for (const TVec3<float>& up : {kY, kZ, kX}) {
-            for (const float azimuth : {0.0f, 35.0f, 200.0f}) {
-                for (const float elevation : {-90.0f, 0.0f, 20.0f, 90.0f}) {
-                    Camera camera = FrameBox(box, up, azimuth, elevation, size);
-                    const double reach = ReachOf(corners, camera, size);
-                    const TVec3<float> back = Normalized(camera.eye - camera.target);
-                    camera.eye = camera.target + back * DistanceToSee(meshes, camera, size);
-                    const double closer = ReachOf(triangle, camera, size);
-                    QVERIFY2(reach > 0.9 && reach < 0.95 && closer > 0.9 && closer < 0.95,
-                             qPrintable(QStringLiteral("%1, %2").arg(reach).arg(closer)));
-                }
+        const std::pair<QVector3D, QSize> cases[] = {{{1.0f, 1.0f, 1.0f}, {100, 100}},
+                                                     {{0.1f, 7.0f, 0.1f}, {400, 100}},
+                                                     {{900.0f, 0.0f, 300.0f}, {100, 300}},
+                                                     {{1e-4f, 2e-4f, 3e-4f}, {64, 48}}};
+        for (const auto& [half, size] : cases) {
+            TBBox<float> box;
+            std::vector<TVec3<float>> corners;
+            std::vector<PosedMesh> meshes(1);
+            meshes[0].vertices.resize(9, {});
+            meshes[0].vertices[8].position = {1e6f, 1e6f, 1e6f};
+            meshes[0].indices = {0, 3, 6};
+            for (int i = 0; i < 8; ++i) {
+                corners.push_back({3.0f + (i & 1 ? half.x() : -half.x()), -2.0f + (i & 2 ? half.y() : -half.y()),
+                                   5.0f + (i & 4 ? half.z() : -half.z())});
+                box.Extend(corners.back());
+                meshes[0].vertices[static_cast<std::size_t>(i)].position = corners.back();
+            }
+            for (int i = 0; i < 36; ++i) {
+                const TVec3<float> up = i % 3 == 0 ? kX : i % 3 == 1 ? kY : kZ;
+                const float azimuth = 60.0f * static_cast<float>(i / 3 % 3) - 35.0f;
+                const float elevation = 60.0f * static_cast<float>(i / 9) - 90.0f;
+                Camera camera = FrameBox(box, up, azimuth, elevation, size);
+                const double reach = ReachOf(corners, camera, size);
+                const TVec3<float> back = Normalized(camera.eye - camera.target);
+                camera.eye = camera.target + back * DistanceToSee(meshes, camera, size);
+                const double closer = ReachOf({corners[0], corners[3], corners[6]}, camera, size);
+                QVERIFY2(reach > 0.9 && reach < 0.95 && closer > 0.9 && closer < 0.95,
+                         qPrintable(QStringLiteral("%1, %2").arg(reach).arg(closer)));
             }
         }
     }
@@ -101,11 +93,8 @@ private Q_SLOTS:
 
     void pointSizedBoxIsFramedAsAUnitBox()
     {
-        const TVec3<float> place{4.0f, 5.0f, 6.0f};
-        const TVec3<float> half{0.5f, 0.5f, 0.5f};
-        const Camera camera = FrameBox({place, place}, kY, 10.0f, 10.0f, {100, 100});
-        QCOMPARE(camera.target, place);
-        QCOMPARE(camera.eye, FrameBox({place - half, place + half}, kY, 10.0f, 10.0f, {100, 100}).eye);
+        const Camera camera = FrameBox({kX, kX}, kY, 10.0f, 10.0f, {100, 100});
+        QCOMPARE(camera.eye, FrameBox({{0.5f, -0.5f, -0.5f}, {1.5f, 0.5f, 0.5f}}, kY, 10.0f, 10.0f, {100, 100}).eye);
     }
 };
 

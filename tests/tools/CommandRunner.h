@@ -1,11 +1,12 @@
 #pragma once
 
-#include <QDirIterator>
+#include <QDir>
 #include <QProcess>
 #include <QtTest>
 
 #include <functional>
 
+#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -25,18 +26,19 @@ inline bool WithoutPrivilege()
                && prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) == 0);
 }
 
-/// No file may grow beyond 1000 bytes.
-inline bool WithSmallFiles()
+/// What setrlimit() limits.
+inline Hardship Limited(decltype(RLIMIT_AS) resource, rlim_t most)
 {
-    const rlimit few{1000, 1000};
-    return setrlimit(RLIMIT_FSIZE, &few) == 0;
+    return [resource, most] {
+        const rlimit limit{most, most};
+        return setrlimit(resource, &limit) == 0;
+    };
 }
 
-/// 700 MB of addresses.
-inline bool WithLittleMemory()
+/// Standard output takes nothing.
+inline bool IntoFullDevice()
 {
-    const rlimit little{700u << 20, 700u << 20};
-    return setrlimit(RLIMIT_AS, &little) == 0;
+    return dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO) >= 0;
 }
 
 struct Outcome {
@@ -48,7 +50,7 @@ struct Outcome {
 /// Runs the built command.
 class CommandRunner : public QProcess {
 public:
-    explicit CommandRunner(const QString& folder, const Hardship& hardship = {})
+    CommandRunner(const QString& folder, const Hardship& hardship)
         : m_hardship(hardship)
     {
         setWorkingDirectory(folder);
@@ -66,7 +68,8 @@ public:
 protected:
     void setupChildProcess() override
     {
-        if (m_hardship && !m_hardship()) _exit(99);
+        if (m_hardship && !m_hardship())
+            _exit(99);
     }
 
 private:
@@ -76,12 +79,7 @@ private:
 /// Everything in the folder, hidden files too, in order.
 inline QStringList EntriesOf(const QString& folder)
 {
-    QStringList entries;
-    const auto all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
-    for (QDirIterator it(folder, all, QDirIterator::Subdirectories); it.hasNext();)
-        entries += QDir(folder).relativeFilePath(it.next());
-    entries.sort();
-    return entries;
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
 }
 
 inline void WriteFile(const QString& fileName, const QByteArray& content)
