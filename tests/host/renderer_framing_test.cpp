@@ -1,3 +1,4 @@
+#include "lumenta/foundation/Exceptions.h"
 #include "reference/host/Studio.h"
 
 #include <QtTest>
@@ -89,6 +90,18 @@ private Q_SLOTS:
         QVERIFY(Length(towardsEye(kZ, 0.0f) + kY) < 1e-5f);
         QVERIFY(Length(towardsEye(kZ, 90.0f) - kX) < 1e-5f);
         QVERIFY(Length(towardsEye(kX, 0.0f) - kZ) < 1e-5f);
+    }
+
+    void refusesABoxTooLargeForAnyCamera()
+    {
+        const TVec3<float> corner{2e38f, 0.0f, 0.0f};
+        try {
+            FrameBox({-corner, corner}, kY, 0.0f, 0.0f, {100, 100});
+            QFAIL("nothing was thrown");
+        } catch (const Exception& exception) {
+            QCOMPARE(exception.GetErrorText(),
+                     QStringLiteral("a box 4e+38 across is too large for a camera to see all of it"));
+        }
     }
 
     void pointSizedBoxIsFramedAsAUnitBox()

@@ -108,6 +108,26 @@ private Q_SLOTS:
         QVERIFY_EXCEPTION_THROWN(m_renderer->Render(request, [](int) { throw 1; }), int);
     }
 
+    // Sizes by powers of two: not a bit may differ.
+    void samePictureAtAnySize()
+    {
+        QImage expected;
+        for (const int exponent : {0, -100, 66, 100}) {
+            std::vector<PosedMesh> meshes = FigureAt(0, 300.0f);
+            for (PosedMesh& mesh : meshes)
+                for (MeshVertex& vertex : mesh.vertices)
+                    vertex.position = vertex.position * std::ldexp(1.0f, exponent);
+            const TBBox<float> box = BoxOf(meshes);
+            const Camera camera = FrameBox(box, kCamera.up, 20.0f, 15.0f, {61, 83});
+            PictureRequest request = RequestOf(meshes, {61, 83}, camera, true);
+            request.groundHeight = box.min.y;
+            const QImage picture = m_renderer->Render(request, {});
+            if (expected.isNull())
+                expected = picture;
+            QVERIFY2(picture == expected, qPrintable(QString::number(exponent)));
+        }
+    }
+
     // A square above and to the right of the middle, of any size and anywhere,
     // from where it shows as 20 by 20 pixels.
     void seesAThingWhereItIs()
@@ -267,6 +287,11 @@ private Q_SLOTS:
         for (const Camera& camera : cameras)
             for (const QSize& size : {QSize(9, 9), QSize(1, 1), QSize(300, 1), QSize(0, 0)})
                 QCOMPARE(m_renderer->Render(RequestOf(m_square, size, camera, true), {}).size(), size);
+        for (const float extent : {1e-38f, 1e20f, 3e38f}) { // whatever is seen of it, it ends
+            const std::vector<PosedMesh> meshes{Quad({-extent, -extent, -extent}, {extent, 0, 0}, {0, extent, extent})};
+            const PictureRequest request = RequestOf(meshes, {9, 9}, kCamera, true);
+            QCOMPARE(m_renderer->Render(request, {}).size(), request.size);
+        }
         const PictureRequest huge = RequestOf(m_square, {2000000000, 2000000000}, kCamera, false);
         QVERIFY_EXCEPTION_THROWN(m_renderer->Render(huge, {}), OutOfMemoryException);
     }
