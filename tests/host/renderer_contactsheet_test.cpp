@@ -72,19 +72,19 @@ private Q_SLOTS:
 
     void refusesPicturesThatDoNotFit()
     {
-        const auto errorOf = [](const std::vector<SheetPicture>& pictures) {
+        const std::pair<int, const char*> cases[] = {{0, "There is no picture."}, {2, "The pictures differ in size."}};
+        for (const auto& [count, details] : cases) {
+            std::vector<SheetPicture> pictures = Pictures(count, QString());
+            if (count > 0)
+                pictures.back().image = QImage(30, 19, QImage::Format_RGB32);
             try {
                 MakeContactSheet(pictures, QString());
-                return QString();
+                QFAIL("Nothing was thrown");
             } catch (const InvalidParameterException& e) {
-                return e.GetErrorText();
+                QCOMPARE(e.GetErrorText(),
+                         QString("Invalid parameter 'pictures' passed to method 'MakeContactSheet':\n") + details);
             }
-        };
-        const QString text = QStringLiteral("Invalid parameter 'pictures' passed to method 'MakeContactSheet':\n%1");
-        QCOMPARE(errorOf({}), text.arg(QStringLiteral("There is no picture.")));
-        std::vector<SheetPicture> pictures = Pictures(2, QString());
-        pictures[1].image = pictures[1].image.copy(0, 0, 30, 19);
-        QCOMPARE(errorOf(pictures), text.arg(QStringLiteral("The pictures differ in size.")));
+        }
     }
 };
 

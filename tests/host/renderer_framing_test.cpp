@@ -81,15 +81,12 @@ private Q_SLOTS:
 
     void azimuthGrowsAnticlockwiseFromAbove()
     {
-        const auto towardsEye = [](const TVec3<float>& up, float azimuth) {
+        const std::tuple<TVec3<float>, float, TVec3<float>> cases[] = {
+            {kY, 0.0f, kZ}, {kY, 90.0f, kX}, {kZ, 0.0f, -kY}, {kZ, 90.0f, kX}, {kX, 0.0f, kZ}};
+        for (const auto& [up, azimuth, towardsEye] : cases) {
             const Camera camera = FrameBox({}, up, azimuth, 0.0f, {100, 100});
-            return Normalized(camera.eye - camera.target);
-        };
-        QVERIFY(Length(towardsEye(kY, 0.0f) - kZ) < 1e-5f);
-        QVERIFY(Length(towardsEye(kY, 90.0f) - kX) < 1e-5f);
-        QVERIFY(Length(towardsEye(kZ, 0.0f) + kY) < 1e-5f);
-        QVERIFY(Length(towardsEye(kZ, 90.0f) - kX) < 1e-5f);
-        QVERIFY(Length(towardsEye(kX, 0.0f) - kZ) < 1e-5f);
+            QVERIFY(Length(Normalized(camera.eye - camera.target) - towardsEye) < 1e-5f);
+        }
     }
 
     void refusesABoxTooLargeForAnyCamera()
