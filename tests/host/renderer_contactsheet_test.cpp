@@ -58,9 +58,9 @@ private Q_SLOTS:
             return MakeContactSheet(Pictures(1, caption), title);
         };
         const auto check = [&sheet](bool canWrite) {
-            const QImage written = sheet(QStringLiteral("0 ms"), QStringLiteral("A title"));
-            QCOMPARE(sheet(QStringLiteral("9 ms"), QStringLiteral("A title")) != written, canWrite);
-            QCOMPARE(sheet(QStringLiteral("0 ms"), QStringLiteral("Another")) != written, canWrite);
+            const QImage written = sheet(QStringLiteral("0 ms"), QStringLiteral("A"));
+            QCOMPARE(sheet(QStringLiteral("9 ms"), QStringLiteral("A")) != written, canWrite);
+            QCOMPARE(sheet(QStringLiteral("0 ms"), QStringLiteral("B")) != written, canWrite);
             QCOMPARE(sheet(QString(), QString()).size(), QSize(30 + 48, 20 + 48));
             QCOMPARE(written.size() == QSize(30 + 48, 20 + 48), !canWrite);
         };
