@@ -2,6 +2,8 @@
 #include "benchmarks/Workloads.h"
 #include "tests/skin/SkinFixtures.h"
 
+#include <algorithm>
+
 // The library's loops against their plain definitions: the same bits, or both
 // not a number (which bits a NaN has depends on the order of operands that the
 // compiler picked).

@@ -1,5 +1,7 @@
 #include "tests/skin/SkinFixtures.h"
 
+#include <algorithm>
+
 using namespace SkinAnimation;
 
 namespace {

@@ -58,8 +58,7 @@ void PrintValues()
     TransformPoint(v, a);
     TransformDirection(w, b);
     Print("sum of products", v * 3.1f + w * Number() - w);
-    // Sums only: a product of the client's own would be the client's to fuse.
-    Print("lengths", Length(v) + Dot(v, w) + pixelsToMM(v.x, 96.0f) + mmToPixels(w.x, 96.0f));
+    Print("lengths", Vec3{Length(v), Dot(v, w), pixelsToMM(v.x, 96.0f) + mmToPixels(w.x, 96.0f)});
     Print("units", Normalized(Cross(v, w)) + DirectionFromAngles(w));
     TBBox<float> box;
     box.Extend(v);
