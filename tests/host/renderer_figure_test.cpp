@@ -95,7 +95,7 @@ private Q_SLOTS:
                 const TBBox<float> box = BoxOf(Posed());
                 QVERIFY(box.min.y > -0.05f && box.min.y < 0.1f && box.max.y > 1.2f && box.max.y < 1.5f);
             }
-            QVERIFY2(travelled > 0.1f && travelled < 0.6f, qPrintable(QString::number(travelled)));
+            QVERIFY2(travelled > 0.1f && travelled < 0.6f, qPrintable(QString::number(double(travelled))));
             QVERIFY2(Length(handAt(1.0f) - start) < 1e-4f, qPrintable(animation.name));
         }
     }
