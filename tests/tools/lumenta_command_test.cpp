@@ -12,6 +12,7 @@
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 
 Q_DECLARE_METATYPE(Hardship)
@@ -269,6 +270,24 @@ private Q_SLOTS:
         QVERIFY(ListOf(facts["meshes"], {"vertices", "material"}).startsWith("1500 wool, 1500 denim, 2000 skin, "));
         QCOMPARE(facts["materials"][0]["parameters"].toObject(),
                  (QJsonObject{{"diffuse", "#ffffff"}, {"texture", "stripes"}}));
+    }
+
+    // A disk too small for the second picture. Where none may be mounted, the
+    // file-size limit above stands in for it.
+    void LeavesOnlyWholePicturesOnAFullDisk()
+    {
+        QVERIFY(QDir(m_folder->path()).mkdir("full"));
+        const QByteArray disk = QFile::encodeName(Path("full"));
+        if (mount("none", disk.constData(), "tmpfs", 0, "size=12k") != 0)
+            QSKIP("no disk can be mounted here");
+        const Outcome outcome = Run("render :figure --renderer painter --frames 2 --size 64x64 -o full/%d.png");
+        const QStringList left = EntriesOf(Path("full"));
+        const QImage first(Path("full/0.png"));
+        QCOMPARE(umount(disk.constData()), 0);
+        QCOMPARE(outcome.errors, "lumenta: full/1.png: could not be written: No space left on device\n");
+        QCOMPARE(outcome.exitCode, 1);
+        QCOMPARE(left, QStringList("0.png"));
+        QVERIFY(!first.isNull());
     }
 
     void KeepsNamesFromTheTerminal()
