@@ -45,9 +45,8 @@ public:
     /// \param indices            three per triangle, into `vertices`
     /// \param materialName       may be empty
     /// \param materialParameters parameter name to value, as the loader left them
-    virtual void AddMeshNode(const QString& name, std::vector<MeshVertex>& vertices,
-                             std::vector<unsigned int>& indices, const QString& materialName,
-                             const QMap<QString, QVariant>& materialParameters) = 0;
+    virtual void AddMeshNode(const QString& name, std::vector<MeshVertex>& vertices, std::vector<unsigned int>& indices,
+                             const QString& materialName, const QMap<QString, QVariant>& materialParameters) = 0;
 
 protected:
     IMeshNodeBuilder() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IDisplayEvents.h"
+
+IDisplayEvents::~IDisplayEvents() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IExporter.h"
+
+IExporter::~IExporter() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IFreeCamera.h"
+
+IFreeCamera::~IFreeCamera() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IImage.h"
+
+IImage::~IImage() = default;

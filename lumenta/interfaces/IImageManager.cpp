@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IImageManager.h"
+
+IImageManager::~IImageManager() = default;

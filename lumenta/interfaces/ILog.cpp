@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/ILog.h"
+
+ILog::~ILog() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/ILogWriter.h"
+
+ILogWriter::~ILogWriter() = default;

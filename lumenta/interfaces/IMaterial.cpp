@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IMaterial.h"
+
+IMaterial::~IMaterial() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IMesh.h"
+
+IMesh::~IMesh() = default;

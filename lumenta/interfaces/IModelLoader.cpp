@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IModelLoader.h"
+
+IModelLoader::~IModelLoader() = default;

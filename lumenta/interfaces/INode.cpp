@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/INode.h"
+
+INode::~INode() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IPlugin.h"
+
+IPlugin::~IPlugin() = default;

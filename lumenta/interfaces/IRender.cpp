@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IRender.h"
+
+IRender::~IRender() = default;

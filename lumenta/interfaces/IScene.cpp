@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IScene.h"
+
+IScene::~IScene() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/ISceneLoader.h"
+
+ISceneLoader::~ISceneLoader() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/ISceneSaver.h"
+
+ISceneSaver::~ISceneSaver() = default;

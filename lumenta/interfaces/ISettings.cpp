@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/ISettings.h"
+
+ISettings::~ISettings() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/ISnapshot.h"
+
+ISnapshot::~ISnapshot() = default;

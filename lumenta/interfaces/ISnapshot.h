@@ -1,0 +1,25 @@
+#pragma once
+
+#include "lumenta/Export.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+
+/// A kept state of the scene, under a name.
+///
+/// **Who implements it:** the host. **Who calls it:** panels that list snapshots.
+/// **Ownership:** belongs to its ISnapshotManager, which announces its end by
+/// `removeSnapshot`. What is kept is the manager's business.
+class LUMENTA_EXPORT ISnapshot : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+    ~ISnapshot() override;
+
+    virtual QString GetName() const = 0;
+
+    /// When it was taken, in UTC.
+    virtual QDateTime GetTime() const = 0;
+};

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/ISnapshotManager.h"
+
+ISnapshotManager::~ISnapshotManager() = default;

@@ -1,0 +1,3 @@
+#include "lumenta/interfaces/IUserInterface.h"
+
+IUserInterface::~IUserInterface() = default;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "lumenta/Export.h"
+
+class IImageManager;
+class ILog;
+class IModelFormats;
+class ISerializersRegistry;
+class ISettings;
+
+/// The services of the application, the same for every document.
+///
+/// **Who implements it:** the host. **Who calls it:** plug-ins, panels.
+/// **Thread:** the application's. **Ownership:** all of it is the host's and
+/// outlives every plug-in's objects. A host may lack a service: then the answer
+/// is null.
+class LUMENTA_EXPORT IApplicationContext {
+public:
+    virtual IImageManager* GetImageManager() const = 0;
+    virtual const IModelFormats* GetModelFormats() const = 0;
+    virtual const ISerializersRegistry* GetSerializers() const = 0;
+    virtual ISettings* GetSettings() const = 0;
+    virtual ILog* GetLog() const = 0;
+
+protected:
+    IApplicationContext() = default;
+    IApplicationContext(const IApplicationContext&) = default;
+    IApplicationContext& operator=(const IApplicationContext&) = default;
+    ~IApplicationContext() = default;
+};

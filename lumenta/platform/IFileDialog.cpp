@@ -1,0 +1,3 @@
+#include "lumenta/platform/IFileDialog.h"
+
+IFileDialog::~IFileDialog() = default;

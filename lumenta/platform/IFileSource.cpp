@@ -1,0 +1,3 @@
+#include "lumenta/platform/IFileSource.h"
+
+IFileSource::~IFileSource() = default;

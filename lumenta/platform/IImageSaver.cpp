@@ -1,0 +1,3 @@
+#include "lumenta/platform/IImageSaver.h"
+
+IImageSaver::~IImageSaver() = default;
