@@ -39,6 +39,18 @@ QString ErrorOf(Action action)
     }
 }
 
+/// What a command writes to standard error, with its exit code.
+QString ErrorsOf(const QString& command, const QString& model, const QString& pluginPath)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("LUMENTA_PLUGIN_PATH", pluginPath);
+    process.setProcessEnvironment(environment);
+    process.start(command, {"info", model});
+    process.waitForFinished();
+    return process.readAllStandardError() + QByteArray::number(process.exitCode());
+}
+
 /// The only loader of a folder.
 std::unique_ptr<IModelLoader> LoaderIn(const QString& folder)
 {
@@ -66,6 +78,8 @@ private Q_SLOTS:
     void LoadsTheExample();
     void RefusesBrokenExamples_data();
     void RefusesBrokenExamples();
+    void WarnsInTheCommand();
+    void MissesTheLoaderInTheCommand();
 
 private:
     ApplicationContext m_context;
@@ -118,7 +132,8 @@ void PluginHostTest::Refuses()
     const QString file = kFolder + '/' + QTest::currentDataTag();
     QStringList found;
     for (const PluginRefusal& refusal : host.Refusals())
-        if (refusal.file == file) found += refusal.text;
+        if (refusal.file == file)
+            found += refusal.text;
     QCOMPARE(found, QStringList(text.replace("%1", file).replace("%2", kFolder)));
 }
 
@@ -276,6 +291,27 @@ void PluginHostTest::RefusesBrokenExamples()
     file.close();
     const auto loader = LoaderIn(EXAMPLE_PLUGINS);
     QCOMPARE(ErrorOf([&] { loader->Load(file.fileName()); }), error.replace("%1", file.fileName()));
+}
+
+/// A line for each refusal, and the model is read all the same.
+void PluginHostTest::WarnsInTheCommand()
+{
+    PluginHost host(m_context);
+    host.LoadFolder(kFolder);
+    QString expected;
+    for (const PluginRefusal& refusal : host.Refusals())
+        expected += "lumenta: warning: " + refusal.text + '\n';
+    QCOMPARE(ErrorsOf(LUMENTA_COMMAND, EXAMPLE_MODEL, kFolder + ":" EXAMPLE_PLUGINS), expected + '0');
+}
+
+/// A copy of the command that nothing lies beside.
+void PluginHostTest::MissesTheLoaderInTheCommand()
+{
+    QTemporaryDir folder;
+    const QString command = folder.filePath("bin/lumenta");
+    QVERIFY(QDir(folder.path()).mkdir("bin") && QFile::copy(LUMENTA_COMMAND, command));
+    QCOMPARE(ErrorsOf(command, EXAMPLE_MODEL, ""), "lumenta: " EXAMPLE_MODEL ": no plug-in that reads models is in '"
+                                                       + folder.path() + "/" LUMENTA_PLUGIN_FOLDER "'\n1");
 }
 
 QTEST_GUILESS_MAIN(PluginHostTest)

@@ -23,7 +23,8 @@ std::vector<float> NumbersIn(const QString& line, const QString& where, const QS
 {
     static const QRegularExpression space(QStringLiteral("\\s+"));
     const QStringList words = line.split(space, Qt::SkipEmptyParts);
-    if (words.isEmpty() || words.first().startsWith(QLatin1Char('#'))) return {};
+    if (words.isEmpty() || words.first().startsWith(QLatin1Char('#')))
+        return {};
     std::vector<float> numbers;
     for (const QString& word : words) {
         bool isNumber = false;
@@ -78,16 +79,19 @@ void TriangleLoader::Load(const QString& strFileName)
     for (int line = 1; !file.atEnd(); ++line) {
         const QString where = QStringLiteral("line %1").arg(line);
         const std::vector<float> numbers = NumbersIn(QString::fromUtf8(file.readLine()), where, strFileName);
-        if (!numbers.empty()) AddTriangle(*geometry, numbers);
+        if (!numbers.empty())
+            AddTriangle(*geometry, numbers);
 
         const int reached = static_cast<int>(100 * file.pos() / std::max(file.pos(), file.size()));
         if (reached > percent) {
             percent = reached;
             Q_EMIT loadingProgress(percent);
         }
-        if (m_isCancelled) Refuse(strFileName, QStringLiteral("loading was cancelled"));
+        if (m_isCancelled)
+            Refuse(strFileName, QStringLiteral("loading was cancelled"));
     }
-    if (geometry->vertices.empty()) Refuse(strFileName, QStringLiteral("it holds no triangles"));
+    if (geometry->vertices.empty())
+        Refuse(strFileName, QStringLiteral("it holds no triangles"));
 
     m_materials.push_back({QStringLiteral("plain"), {{QStringLiteral("diffuse"), QColor(200, 120, 60)}}});
     geometry->materialName = m_materials.front().name;

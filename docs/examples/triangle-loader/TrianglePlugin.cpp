@@ -11,6 +11,7 @@ QList<sServiceInfo> TrianglePlugin::GetServices() const
 
 QObject* TrianglePlugin::CreateService(const QString& strContract, const QString& strId, IApplicationContext&)
 {
-    if (strContract == QLatin1String("IModelLoader") && strId == QLatin1String("triangles")) return new TriangleLoader;
+    if (strContract == QLatin1String("IModelLoader") && strId == QLatin1String("triangles"))
+        return new TriangleLoader;
     throw FactoryException(strContract);
 }
