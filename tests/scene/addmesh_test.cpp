@@ -28,7 +28,7 @@ private Q_SLOTS:
         Row("a word with a space is a source", Added(" node.group, Box "), "mesh [Box_42] of [node.group]; no light: ");
         Row("a name that looks like a placeholder", Added("a b,%2%1"), "mesh [%2%1_42] of [a b]; no light: ");
         Row("one field", Added("abc"), "; no light: ");
-        Row("three fields", Added("node.light,b,c"), "; a light: ");
+        Row("three fields, one empty", Added("node.light,,c"), "; a light: ");
     }
 
     void Texts() { CompareAnswer(); }

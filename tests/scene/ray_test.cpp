@@ -37,8 +37,6 @@ Wide Cross(const Wide& a, const Wide& b)
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-constexpr double kMargin = 1e-3;
-
 /// Where a segment meets a triangle (Möller and Trumbore, 1997): 1 for a miss, -1 where it is a close thing.
 double TriangleOpinion(const Ray& ray, const StandIn::Mesh& mesh, std::size_t k)
 {
@@ -47,7 +45,7 @@ double TriangleOpinion(const Ray& ray, const StandIn::Mesh& mesh, std::size_t k)
                d = Widen(ray.end) - Widen(ray.start), p = Cross(d, c), q = Cross(s, b);
     const double volume = Dot(b, p), u = Dot(s, p) / volume, v = Dot(d, q) / volume, t = Dot(c, q) / volume;
     const double inside = std::min({u, v, 1 - u - v, t, 1 - t});
-    return !(std::fabs(inside) > kMargin) || std::fabs(volume) < kMargin ? -1 : inside > 0 ? t : 1;
+    return !(std::fabs(inside) > 1e-3) || std::fabs(volume) < 1e-3 ? -1 : inside > 0 ? t : 1;
 }
 
 } // namespace
@@ -72,6 +70,7 @@ private Q_SLOTS:
         Row("past a sphere", Of({-4, 1.5f, 0}, {4, 1.5f, 0}, o, 1.0f), "misses, 1");
         Row("up to a sphere, where a hit looks like none", Of({-4, 0, 0}, {-1, 0, 0}, o, 1.0f), "touches, 1");
         Row("out of a sphere: a touch, not a hit", Of({0, 0, 0}, {4, 0, 0}, o, 1.0f), "touches, 1");
+        Row("from its surface", Of({-1, 0, 0}, {4, 0, 0}, o, 1.0f), "touches, 1");
         Row("a point outside a sphere", Of({2, 0, 0}, {2, 0, 0}, o, 1.0f), "misses, 1");
 
         const TBBox<float> box({-1, -1, -1}, {1, 1, 1});
@@ -84,7 +83,6 @@ private Q_SLOTS:
             };
             const QString plane = " in the plane of " + Floats(turn(1, 2));
             Row(qPrintable("past an edge" + plane), Of(turn(-2.5f, 0), turn(0, 2.5f), box), "misses, 1");
-            Row(qPrintable("past it backwards" + plane), Of(turn(0, 2.5f), turn(-2.5f, 0), box), "misses, 1");
             Row(qPrintable("at an edge" + plane), Of(turn(-2, 0), turn(0, 2), box), "touches, 0.5");
         }
         Row("an empty box", Of({-4, 0, 0}, {4, 1, 1}, TBBox<float>()), "misses, 1");
@@ -94,7 +92,6 @@ private Q_SLOTS:
         Row("the nearer one last", Hit({far[0], far[1], far[2], near[0], near[1], near[2]}), "0.25");
         Row("at the very end", Hit(near, 0, 2), "1");
         Row("a segment of no length", Hit(near, 0, 0), "1");
-        Row("no triangle at all", Hit({}), "1");
         Row("triangles without area", Hit(flat), "1");
         Row("one that is no number in front", Hit({{1, kNaN, 0}, near[0], near[1], far[0], far[1], far[2]}), "0.75");
         Row("two corners left over", Hit({far[0], far[1], far[2], near[0], near[1]}), "0.75");
@@ -117,14 +114,16 @@ private Q_SLOTS:
                 return odd && random.Below(4) < part ? Vec3{number(), number(), number()} : RandomVector(random, -3, 3);
             };
             StandIn::Mesh mesh({point(1), point(1), point(1), point(1), point(1), point(1)});
-            mesh.box = odd && random.Below(2) ? TBBox<float>(point(4), point(4)) : TBBox<float>();
             const Ray ray(point(0), point(1));
+            if (!odd) // the two ask in different ways, and no segment of these is parallel to a face
+                QCOMPARE(ray.IsIntersect(mesh.box), ray.Trace(mesh.box) < 1);
+            mesh.box = odd && random.Below(2) ? TBBox<float>(point(4), point(4)) : TBBox<float>();
             const float found = ray.Trace(mesh);
             QCOMPARE(Floats(found), Floats(Naive::Trace(ray, mesh)));
             for (const float t : {found, ray.Trace(mesh.box), ray.Trace(mesh.box.min, mesh.box.max.x)})
                 QVERIFY(t >= 0 && t <= 1);
             const double t = std::min(TriangleOpinion(ray, mesh, 0), TriangleOpinion(ray, mesh, 3));
-            QVERIFY(odd || t < 0 || std::fabs(double(found) - t) < kMargin);
+            QVERIFY(odd || t < 0 || std::fabs(double(found) - t) < 1e-3);
             hits += found < 1;
         }
         QVERIFY(hits > 4000);
