@@ -144,7 +144,8 @@ void FreeCamera::FrameBox(const TBBox<float>& box)
             return Dot(corner, {m_matrix(axis, 0), m_matrix(axis, 1), m_matrix(axis, 2)});
         };
         const float aside = std::max(std::fabs(along(1)) / frame.x, std::fabs(along(2)) / frame.y);
-        distance = std::max(distance, kMargin * (aside - along(0)));
+        // Wide enough for the frame, and not in the face of a box that is narrow and deep.
+        distance = std::max({distance, kMargin * aside - along(0), -kMargin * along(0)});
     }
     if (distance > 0.0f) state.distance = distance;
     SetByHand(state);
