@@ -34,6 +34,7 @@ Scene::Scene(QObject* pParent)
 Scene::~Scene()
 {
     m_batch.Silence();
+    m_settings.pBackgroundImage = nullptr; // which may be one of the scene's own
     for (IMaterial* pMaterial : m_materials)
         delete pMaterial;
 }
