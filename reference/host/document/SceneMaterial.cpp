@@ -1,0 +1,477 @@
+#include "reference/host/document/SceneMaterial.h"
+
+#include "lumenta/foundation/Conversions.h"
+#include "lumenta/foundation/Exceptions.h"
+#include "lumenta/interfaces/IImageManager.h"
+#include "reference/host/Directions.h"
+#include "reference/host/document/Scene.h"
+#include "reference/host/Studio.h"
+
+#include <QDir>
+#include <QFile>
+#include <QPointer>
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+#include <limits>
+#include <optional>
+
+namespace Host {
+
+namespace {
+
+constexpr float kUnlimited = std::numeric_limits<float>::max();
+
+/// Names of the slots' files; those of their other values begin with them.
+constexpr const char* kFiles[eMaterialSlotCount] = {"texture",        "specularTexture", "reflectionTexture",
+                                                    "opacityTexture", "bumpTexture",     "emissionTexture"};
+
+/// The shortest text that reads back as the same float.
+QString ShortestText(float number, char format)
+{
+    for (int nDigits = format == 'f' ? 0 : 6;; ++nDigits) {
+        const QString text = QString::number(static_cast<double>(number), format, nDigits);
+        if (text.toFloat() == number) return text;
+    }
+}
+
+enum Kind { eColor, eAmount, eSwitch, eRectangle, eChoice };
+
+std::size_t CountOf(Kind kind)
+{
+    return kind == eColor || kind == eRectangle ? 4 : 1;
+}
+
+QString TextOf(Kind kind, const std::array<float, 4>& numbers)
+{
+    if (kind == eSwitch) return numbers[0] != 0.0f ? QStringLiteral("true") : QStringLiteral("false");
+    QStringList parts;
+    for (std::size_t i = 0; i < CountOf(kind); ++i)
+        parts.append(ShortestText(numbers[i], kind == eRectangle ? 'f' : 'g'));
+    return parts.join(QLatin1Char(' '));
+}
+
+/// Nothing where the value makes no sense.
+std::optional<std::array<float, 4>> Read(Kind kind, const QVariant& value)
+{
+    const QString text = value.toString();
+    if (kind == eSwitch) {
+        const bool isOn = QVariantToBool(value);
+        const bool isFalse =
+            value.userType() != QMetaType::QString || text.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0;
+        if (!isOn && !isFalse) return std::nullopt;
+        return {{isOn ? 1.0f : 0.0f}};
+    }
+    if (kind == eColor && (value.userType() == QMetaType::QColor || text.startsWith(QLatin1Char('#')))) {
+        const QColor color = value.value<QColor>();
+        if (!color.isValid()) return std::nullopt;
+        const QRgb pixel = color.rgb(); // clamps extended colours
+        return {{LinearFromSrgb(qRed(pixel)), LinearFromSrgb(qGreen(pixel)), LinearFromSrgb(qBlue(pixel)), 1.0f}};
+    }
+    const QStringList parts = text.split(QLatin1Char(' '));
+    if (static_cast<std::size_t>(parts.size()) != CountOf(kind)) return std::nullopt;
+    std::array<float, 4> numbers{};
+    for (int i = 0; i < parts.size(); ++i) {
+        bool isNumber = false;
+        numbers[static_cast<std::size_t>(i)] = parts[i].toFloat(&isNumber);
+        if (!isNumber) return std::nullopt;
+    }
+    return numbers;
+}
+
+/// A file as a document names it: from the document's folder, or beside the
+/// document, where both were moved together.
+QString ImagePath(const QString& strFileName, const QString& strBaseFolder)
+{
+    QString path = strFileName;
+    path.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    const QDir folder(strBaseFolder);
+    const QString named = folder.absoluteFilePath(path);
+    const QString beside = folder.absoluteFilePath(path.section(QLatin1Char('/'), -1));
+    return !QFile::exists(named) && QFile::exists(beside) ? beside : named;
+}
+
+/// The placement of the image's unit square that a transformation stands for.
+QTransform Placement(eMaterialTextureTransformation transformation, const QRectF& rect)
+{
+    const qreal x = rect.x();
+    const qreal y = rect.y();
+    const qreal w = rect.width();
+    const qreal h = rect.height();
+    switch (transformation) {
+    case TT_RotateMinus90:
+        return {0.0, -h, w, 0.0, x, y + h};
+    case TT_RotatePlus90:
+        return {0.0, h, -w, 0.0, x + w, y};
+    case TT_Rotate180:
+        return {-w, 0.0, 0.0, -h, x + w, y + h};
+    case TT_MirrorU:
+        return {-w, 0.0, 0.0, h, x + w, y};
+    case TT_MirrorV:
+        return {w, 0.0, 0.0, -h, x, y + h};
+    case TT_Identity:
+        break;
+    }
+    return {w, 0.0, 0.0, h, x, y};
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- the table
+
+struct SceneMaterial::Parameter {
+    QString strName;
+    Kind kind;
+    Numbers initial;
+    float least;
+    float most;
+};
+
+std::array<SceneMaterial::Parameter, SceneMaterial::kCount> SceneMaterial::MakeTable()
+{
+    constexpr Numbers black{0.0f, 0.0f, 0.0f, 1.0f};
+    constexpr Numbers white{1.0f, 1.0f, 1.0f, 1.0f};
+    constexpr Numbers off{0.0f};
+    constexpr Numbers on{1.0f};
+    std::array<Parameter, kCount> table;
+    const auto add = [&table](int nIndex, const QString& strName, Kind kind, const Numbers& initial, float least,
+                              float most) {
+        table[static_cast<std::size_t>(nIndex)] = {strName, kind, initial, least, most};
+    };
+    const auto addColor = [&](int nIndex, const char* name, const Numbers& initial) {
+        add(nIndex, QLatin1String(name), eColor, initial, -kUnlimited, kUnlimited);
+    };
+    const auto addAmount = [&](int nIndex, const char* name, float initial, float least, float most) {
+        add(nIndex, QLatin1String(name), eAmount, {initial}, least, most);
+    };
+    addColor(eDiffuse, "diffuse", {0.62f, 0.53f, 0.45f, 1.0f});
+    addColor(eAmbient, "ambient", black);
+    addColor(eSpecular, "specular", white);
+    addColor(eEmission, "emissive", black);
+    addColor(eReflection, "reflection", white);
+    addColor(eFilter, "filter", white);
+    addAmount(eOpacity, "opacity", 1.0f, 0.0f, 1.0f);
+    addAmount(eShininess, "shininess", 20.0f, 1.0f, 1000.0f);
+    addAmount(eSpecularLevel, "specularLevel", 0.04f, 0.0f, 1.0f);
+    addAmount(eEmissionLevel, "emissionLevel", 1.0f, 0.0f, kUnlimited);
+    addAmount(eReflectionLevel, "reflectionLevel", 0.0f, 0.0f, 1.0f);
+    addAmount(eRefractionIndex, "refractionIndex", 1.0f, 1.0f, 4.0f);
+    addAmount(eBumpHeight, "bumpHeight", 0.02f, -1.0f, 1.0f);
+    add(eTwoSided, QStringLiteral("twoSided"), eSwitch, off, 0.0f, 1.0f);
+    add(eCastsShadows, QStringLiteral("castsShadows"), eSwitch, on, 0.0f, 1.0f);
+    add(eReceivesShadows, QStringLiteral("receivesShadows"), eSwitch, on, 0.0f, 1.0f);
+    add(eFlatShaded, QStringLiteral("flatShaded"), eSwitch, off, 0.0f, 1.0f);
+    for (int i = 0; i < eMaterialSlotCount; ++i) {
+        const QLatin1String name(kFiles[i]);
+        add(Of(i, eEnabled), name + QLatin1String("Enabled"), eSwitch, on, 0.0f, 1.0f);
+        add(Of(i, eSlotAmount), name + QLatin1String("Amount"), eAmount, on, 0.0f, 1.0f);
+        add(Of(i, eRect), name + QLatin1String("Rect"), eRectangle, {0.0f, 0.0f, 1.0f, 1.0f}, -kUnlimited, kUnlimited);
+        add(Of(i, eTransformation), name + QLatin1String("Transformation"), eChoice, off, -kUnlimited, kUnlimited);
+        add(Of(i, eRepeated), name + QLatin1String("Repeated"), eSwitch, on, 0.0f, 1.0f);
+        add(Of(i, eInverted), name + QLatin1String("Inverted"), eSwitch, off, 0.0f, 1.0f);
+    }
+    return table;
+}
+
+const std::array<SceneMaterial::Parameter, SceneMaterial::kCount>& SceneMaterial::Table()
+{
+    static const std::array<Parameter, kCount> table = MakeTable();
+    return table;
+}
+
+SceneMaterial::State SceneMaterial::NewState()
+{
+    State state;
+    std::transform(Table().begin(), Table().end(), state.numbers.begin(),
+                   [](const Parameter& parameter) { return parameter.initial; });
+    return state;
+}
+
+SceneMaterial::State SceneMaterial::StateOf(const IMaterial& material)
+{
+    State state = NewState();
+    const QMap<QString, QVariant> parameters = material.GetParameters();
+    for (auto it = parameters.begin(); it != parameters.end(); ++it)
+        SetIn(state, it.key(), it.value());
+    for (std::size_t i = 0; i < state.images.size(); ++i)
+        state.images[i] = material.GetImage(static_cast<eMaterialSlot>(i));
+    return state;
+}
+
+/// Puts a value into a state, held within its limits.
+/// \return false for one that is no number; then the state is as it was
+bool SceneMaterial::SetIn(State& state, int nIndex, const Numbers& numbers)
+{
+    const Parameter& parameter = Table()[static_cast<std::size_t>(nIndex)];
+    if (std::any_of(numbers.begin(), numbers.end(), [](float number) { return std::isnan(number); })) return false;
+    Numbers& held = state.numbers[static_cast<std::size_t>(nIndex)];
+    std::transform(numbers.begin(), numbers.end(), held.begin(),
+                   [&](float number) { return std::clamp(number, parameter.least, parameter.most); });
+    for (std::size_t i = CountOf(parameter.kind); i < held.size(); ++i)
+        held[i] = 0.0f; // and not the least
+    const bool isChoice = held[0] >= TT_Identity && held[0] <= TT_MirrorV && held[0] == std::floor(held[0]);
+    if (parameter.kind == eChoice && !isChoice) held[0] = TT_Identity;
+    return true;
+}
+
+/// Another file takes the image out.
+void SceneMaterial::SetFileIn(State& state, std::size_t nSlot, const QString& strFileName)
+{
+    if (state.files[nSlot] != strFileName) state.images[nSlot] = nullptr;
+    state.files[nSlot] = strFileName;
+}
+
+bool SceneMaterial::SetIn(State& state, const QString& strName, const QVariant& value)
+{
+    for (std::size_t i = 0; i < state.files.size(); ++i) {
+        if (strName == QLatin1String(kFiles[i])) {
+            SetFileIn(state, i, value.toString());
+            return true;
+        }
+    }
+    const auto found = std::find_if(Table().begin(), Table().end(),
+                                    [&](const Parameter& parameter) { return parameter.strName == strName; });
+    if (found != Table().end()) {
+        const std::optional<Numbers> read = value.isValid() ? Read(found->kind, value) : found->initial;
+        return read && SetIn(state, static_cast<int>(found - Table().begin()), *read);
+    }
+    if (value.isValid())
+        state.others[strName] = value;
+    else
+        state.others.remove(strName);
+    return true;
+}
+
+// ------------------------------------------------------------------ changes
+
+bool operator==(const SceneMaterial::State& a, const SceneMaterial::State& b)
+{
+    return a.numbers == b.numbers && a.files == b.files && a.images == b.images && a.others == b.others;
+}
+
+/// One operation, whether within a caller's update or on its own.
+class SceneMaterial::Update {
+public:
+    explicit Update(SceneMaterial& material)
+        : m_material(material)
+    {
+        m_material.BeginUpdate();
+    }
+    ~Update() { m_material.EndUpdate(); }
+    Update(const Update&) = delete;
+    Update& operator=(const Update&) = delete;
+
+private:
+    SceneMaterial& m_material;
+};
+
+SceneMaterial::SceneMaterial(const QString& strName, Scene* pScene)
+    : m_strName(strName)
+    , m_pScene(pScene)
+    , m_state(NewState())
+{
+}
+
+SceneMaterial::~SceneMaterial() = default;
+
+void SceneMaterial::BeginChange()
+{
+    if (m_bChanged) return;
+    m_bChanged = true;
+    if (m_pScene) {
+        m_pChange = std::make_unique<Change>(m_pScene->m_batch);
+        m_pChange->Materials();
+    }
+}
+
+void SceneMaterial::EndUpdate()
+{
+    if (m_nUpdates == 0)
+        throw LogicException(QStringLiteral("IMaterial::EndUpdate() without IMaterial::BeginUpdate()"));
+    if (--m_nUpdates > 0 || !m_bChanged) return;
+    m_bChanged = false;
+    const std::unique_ptr<Change> change = std::move(m_pChange);
+    Q_EMIT changed();
+}
+
+template <typename F>
+void SceneMaterial::Edit(const F& edit)
+{
+    State wanted = m_state;
+    edit(wanted);
+    if (wanted == m_state) return;
+    const Update update(*this);
+    BeginChange();
+    wanted = m_state; // slots may have changed it
+    edit(wanted);
+
+    std::array<QPointer<IImage>, eMaterialSlotCount> before;
+    std::copy(m_state.images.begin(), m_state.images.end(), before.begin());
+    m_state = wanted;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        if (before[i] && before[i] != wanted.images[i]) Q_EMIT imageUnload(static_cast<eMaterialSlot>(i), before[i]);
+    }
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        IImage* const pImage = m_state.images[i];
+        if (!pImage || pImage != wanted.images[i] || before[i] == pImage) continue;
+        connect(pImage, &QObject::destroyed, this, &SceneMaterial::OnImageDestroyed, Qt::UniqueConnection);
+        Q_EMIT imageLoad(static_cast<eMaterialSlot>(i), pImage);
+    }
+}
+
+ColorF SceneMaterial::Color(int nIndex) const
+{
+    const Numbers& numbers = m_state.numbers[static_cast<std::size_t>(nIndex)];
+    return {numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+void SceneMaterial::Set(int nIndex, const Numbers& numbers)
+{
+    Edit([&](State& state) { SetIn(state, nIndex, numbers); });
+}
+
+void SceneMaterial::OnImageDestroyed(QObject* pObject)
+{
+    const auto isGone = [pObject](const IImage* pImage) {
+        return pImage && static_cast<const QObject*>(pImage) == pObject;
+    };
+    if (std::none_of(m_state.images.begin(), m_state.images.end(), isGone)) return;
+    const Update update(*this);
+    std::replace_if(m_state.images.begin(), m_state.images.end(), isGone, nullptr);
+    BeginChange();
+}
+
+void SceneMaterial::Leave()
+{
+    m_pScene = nullptr;
+    m_pChange.reset();
+}
+
+// --------------------------------------------------------------- operations
+
+void SceneMaterial::SetName(const QString& strName)
+{
+    if (strName == m_strName) return;
+    const Update update(*this);
+    BeginChange();
+    m_strName = strName;
+}
+
+IScene* SceneMaterial::GetScene() const
+{
+    return m_pScene;
+}
+
+void SceneMaterial::SetImage(eMaterialSlot slot, IImage* pImage)
+{
+    Edit([&](State& state) { state.images[slot] = pImage; });
+}
+
+void SceneMaterial::SetImageFile(eMaterialSlot slot, const QString& strFileName)
+{
+    Edit([&](State& state) { SetFileIn(state, slot, strFileName); });
+}
+
+void SceneMaterial::LoadImages(IImageManager& manager, const QString& strBaseFolder)
+{
+    const Update update(*this);
+    std::exception_ptr failure;
+    for (int i = 0; i < eMaterialSlotCount; ++i) {
+        const auto slot = static_cast<eMaterialSlot>(i);
+        if (GetImage(slot) || GetImageFile(slot).isEmpty()) continue;
+        try {
+            SetImage(slot, manager.LoadImageFile(ImagePath(GetImageFile(slot), strBaseFolder)));
+        } catch (const Exception&) {
+            failure = failure ? failure : std::current_exception();
+        }
+    }
+    if (failure) std::rethrow_exception(failure);
+}
+
+void SceneMaterial::UnloadImages()
+{
+    Edit([](State& state) { state.images = {}; });
+}
+
+QRectF SceneMaterial::GetTextureRect(eMaterialSlot slot) const
+{
+    const ColorF rect = Color(Of(slot, eRect));
+    return {static_cast<qreal>(rect.r), static_cast<qreal>(rect.g), static_cast<qreal>(rect.b),
+            static_cast<qreal>(rect.a)};
+}
+
+void SceneMaterial::SetTextureRect(eMaterialSlot slot, const QRectF& rect)
+{
+    const auto narrow = [](qreal number) { return Narrowed({number, 0.0, 0.0}).x; };
+    Set(Of(slot, eRect), {narrow(rect.x()), narrow(rect.y()), narrow(rect.width()), narrow(rect.height())});
+}
+
+eMaterialTextureTransformation SceneMaterial::GetTextureTransformation(eMaterialSlot slot) const
+{
+    return static_cast<eMaterialTextureTransformation>(static_cast<int>(Amount(Of(slot, eTransformation))));
+}
+
+void SceneMaterial::SetTextureTransformation(eMaterialSlot slot, eMaterialTextureTransformation transformation)
+{
+    Set(Of(slot, eTransformation), {static_cast<float>(static_cast<int>(transformation))});
+}
+
+Matrix2 SceneMaterial::GetTextureMatrix(eMaterialSlot slot) const
+{
+    // The identity where it can't be inverted.
+    return QTransformToMatrix2(Placement(GetTextureTransformation(slot), GetTextureRect(slot)).inverted());
+}
+
+QMap<QString, QVariant> SceneMaterial::GetParameters() const
+{
+    QMap<QString, QVariant> parameters = m_state.others;
+    for (std::size_t i = 0; i < m_state.files.size(); ++i)
+        if (!m_state.files[i].isEmpty()) parameters[QLatin1String(kFiles[i])] = m_state.files[i];
+    for (std::size_t i = 0; i < Table().size(); ++i)
+        if (m_state.numbers[i] != Table()[i].initial)
+            parameters[Table()[i].strName] = TextOf(Table()[i].kind, m_state.numbers[i]);
+    return parameters;
+}
+
+void SceneMaterial::SetParameters(const QMap<QString, QVariant>& parameters)
+{
+    Edit([&](State& state) {
+        state = NewState();
+        for (auto it = parameters.begin(); it != parameters.end(); ++it)
+            SetIn(state, it.key(), it.value());
+    });
+}
+
+QVariant SceneMaterial::GetParameter(const QString& strName) const
+{
+    for (std::size_t i = 0; i < m_state.files.size(); ++i)
+        if (strName == QLatin1String(kFiles[i])) return m_state.files[i];
+    for (std::size_t i = 0; i < Table().size(); ++i)
+        if (strName == Table()[i].strName) return TextOf(Table()[i].kind, m_state.numbers[i]);
+    return m_state.others.value(strName);
+}
+
+bool SceneMaterial::SetParameter(const QString& strName, const QVariant& value)
+{
+    bool makesSense = true;
+    Edit([&](State& state) { makesSense = SetIn(state, strName, value); });
+    return makesSense;
+}
+
+void SceneMaterial::CopyFrom(const IMaterial& other)
+{
+    Edit([&](State& state) { state = StateOf(other); });
+}
+
+void SceneMaterial::Reset()
+{
+    Edit([](State& state) { state = NewState(); });
+}
+
+bool SceneMaterial::IsEqualTo(const IMaterial& other) const
+{
+    return m_state == StateOf(other);
+}
+
+} // namespace Host
