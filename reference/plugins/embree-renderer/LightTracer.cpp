@@ -93,7 +93,7 @@ LightTracer::LightTracer(const PictureRequest& request)
     , m_studio(request)
     , m_surfaces(request)
     , m_tree(m_meshes, m_studio)
-    , m_hasTransparent(m_surfaces.HasTransparent())
+    , m_hasTransparent(m_surfaces.HasAny([](const Surface& surface) { return surface.CanBeTransparent(); }))
     , m_sampleCount(static_cast<std::uint32_t>(std::max(request.samplesPerPixel, 1)))
 {
 }
@@ -147,12 +147,12 @@ TVec3<float> LightTracer::FloorOrBackdrop(const Ray3& ray, float pixelY, const S
 {
     const float distance = m_studio.DistanceToFloor(ray.origin, ray.direction);
     if (!std::isfinite(distance) || !(m_studio.FloorPresence(PointOn(ray, distance)) > 0.0f))
-        return m_studio.Backdrop(pixelY);
+        return m_studio.Backdrop(0.0f, pixelY);
 
     const TVec3<float>& up = m_studio.up;
     const TVec3<float> place = PointOn(ray, distance);
     const ShadingPoint point{place + up * Clearance(place, distance), up, up};
-    return m_studio.Floor(place, pixelY, LightAt(point, {kBounce, kBounce, kBounce}, sample).lost);
+    return m_studio.Floor(place, m_studio.Backdrop(0.0f, pixelY), LightAt(point, {kBounce, kBounce, kBounce}, sample).lost);
 }
 
 LightTracer::ShadingPoint LightTracer::PointAt(const TriangleHit& hit, const Ray3& ray) const
