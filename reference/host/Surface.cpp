@@ -98,14 +98,19 @@ Between Locate(float coordinate, int count, bool repeated)
     return {(index + count) % count, (index + 1) % count, position - whole};
 }
 
+/// Whether there is a texture at a point in the image.
+bool IsInside(const Texture& texture, const TVec2<float>& at)
+{
+    return texture.repeated || (at.x >= 0.0f && at.x <= 1.0f && at.y >= 0.0f && at.y <= 1.0f);
+}
+
 /// Calls `visit(texel, weight)` for the four texels around a point, unless that
 /// lies beyond an image that doesn't repeat.
 /// \return whether it was called
 template <typename Visitor>
-bool VisitTexels(const Texture& texture, const TVec2<float>& texCoord, const Visitor& visit)
+bool VisitTexels(const Texture& texture, const TVec2<float>& at, const Visitor& visit)
 {
-    const TVec2<float> at = texture.Placed(texCoord);
-    if (!texture.repeated && !(at.x >= 0.0f && at.x <= 1.0f && at.y >= 0.0f && at.y <= 1.0f))
+    if (!IsInside(texture, at))
         return false;
     const Between x = Locate(at.x, texture.image.width(), texture.repeated);
     const Between y = Locate(at.y, texture.image.height(), texture.repeated);
@@ -165,7 +170,7 @@ std::optional<SurfaceColour> Texture::ColourAt(const TVec2<float>& texCoord) con
 {
     TVec3<float> sum{};
     float opacity = 0.0f;
-    const bool inside = VisitTexels(*this, texCoord, [&](QRgb texel, float weight) {
+    const bool inside = VisitTexels(*this, Placed(texCoord), [&](QRgb texel, float weight) {
         // Invisible texels have no say in the colour.
         const float covering = weight * static_cast<float>(qAlpha(texel)) / 255.0f;
         sum = sum
@@ -182,8 +187,25 @@ std::optional<SurfaceColour> Texture::ColourAt(const TVec2<float>& texCoord) con
 
 float Texture::BrightnessAt(const TVec2<float>& texCoord) const
 {
+    return BrightnessIn(Placed(texCoord));
+}
+
+TVec2<float> Texture::SlopeAt(const TVec2<float>& texCoord) const
+{
+    const TVec2<float> at = Placed(texCoord);
+    if (!IsInside(*this, at))
+        return {0.0f, 0.0f};
+    const auto held = [this](float place) { return repeated ? place : std::clamp(place, 0.0f, 1.0f); };
+    const float x = 1.0f / static_cast<float>(image.width()); // a texel to either side
+    const float y = 1.0f / static_cast<float>(image.height());
+    return {(BrightnessIn({held(at.x + x), at.y}) - BrightnessIn({held(at.x - x), at.y})) / (2.0f * x),
+            (BrightnessIn({at.x, held(at.y + y)}) - BrightnessIn({at.x, held(at.y - y)})) / (2.0f * y)};
+}
+
+float Texture::BrightnessIn(const TVec2<float>& placed) const
+{
     float sum = 0.0f;
-    VisitTexels(*this, texCoord, [&sum](QRgb texel, float weight) {
+    VisitTexels(*this, placed, [&sum](QRgb texel, float weight) {
         sum += weight * static_cast<float>(qGray(texel) * qAlpha(texel)) / (255.0f * 255.0f);
     });
     return sum;

@@ -19,13 +19,14 @@ struct SurfaceColour {
 /// An image on a surface. Bilinear; a texture coordinate that is not finite
 /// counts as 0.
 struct Texture {
-    QImage image; ///< As TextureImage() makes it, never null.
-    Matrix2 placement{1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f}; ///< To the image: (0, 0) is its upper left corner, (1, 1) its lower right one.
+    QImage image;            ///< As TextureImage() makes it, never null.
+    Matrix2 placement{1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f}; ///< Into the image, see Placed().
     bool repeated = true;
     bool inverted = false;
-    float amount = 1.0f; ///< How much of it is mixed in.
+    float amount = 1.0f;     ///< How much of it is mixed in.
 
-    /// Where a texture coordinate lies in the image.
+    /// Where a texture coordinate lies in the image: (0, 0) is the upper left
+    /// corner, (1, 1) the lower right one.
     TVec2<float> Placed(const TVec2<float>& texCoord) const;
 
     /// Linear colour and alpha; none beyond an image that doesn't repeat. All
@@ -35,6 +36,13 @@ struct Texture {
     /// Brightness as the file has it times alpha, 0 to 1; 0 beyond an image
     /// that doesn't repeat.
     float BrightnessAt(const TVec2<float>& texCoord) const;
+
+    /// How fast that grows along the width and along the height of the image,
+    /// in brightness per image.
+    TVec2<float> SlopeAt(const TVec2<float>& texCoord) const;
+
+private:
+    float BrightnessIn(const TVec2<float>& placed) const;
 };
 
 /// An image in the format that textures have. Null for a null one.
