@@ -1,0 +1,197 @@
+#include "lumenta/scene/Ray.h"
+
+#include "lumenta/interfaces/IMesh.h"
+#include "lumenta/interfaces/IMeshNode.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+// Comparisons are written so that a number decides them in favour of a hit:
+// with NaN in them they are false, and nothing is hit.
+
+namespace {
+
+using Vec3 = TVec3<float>;
+
+constexpr float kNoHit = 1.0f;
+
+/// Of the diagonal of a mesh's box.
+constexpr float kTolerance = 0.0001f;
+
+Vec3 PointAt(const Vec3& start, const Vec3& end, float t)
+{
+    return start + (end - start) * t;
+}
+
+void DeriveCentre(Ray& ray)
+{
+    ray.centre = (ray.start + ray.end) * 0.5f;
+    ray.halfDelta = ray.centre - ray.start;
+    ray.absHalfDelta = {std::fabs(ray.halfDelta.x), std::fabs(ray.halfDelta.y), std::fabs(ray.halfDelta.z)};
+}
+
+/// |m|² − r²: not above 0 inside the sphere and on it. `toCentre` is m.
+float PowerOfPoint(const Vec3& toCentre, float radius)
+{
+    return Dot(toCentre, toCentre) - radius * radius;
+}
+
+/// Where the line enters the sphere, if that is within the segment. Its start
+/// is outside, `power` away.
+std::optional<float> NearerRoot(const Vec3& delta, const Vec3& toCentre, float power)
+{
+    const float a = Dot(delta, delta);
+    if (a == 0.0f)
+        return std::nullopt;
+
+    const float b = Dot(delta, toCentre);
+    const float discriminant = (-2.0f * b) * (-2.0f * b) - 4.0f * a * power;
+    if (discriminant < 0.0f)
+        return std::nullopt;
+
+    const float t = (2.0f * b - std::sqrt(discriminant)) * 0.5f / a;
+    if (t >= 0.0f && t <= 1.0f)
+        return t;
+    return std::nullopt;
+}
+
+/// Narrows [tMin, tMax] to where the segment is between two planes.
+/// \return false if nothing is left
+bool ClipToSlab(float start, float end, float low, float high, float& tMin, float& tMax)
+{
+    const float delta = end - start;
+    if (delta == 0.0f)
+        return true;
+
+    const float inverse = 1.0f / delta;
+    const float tFar = ((delta > 0.0f ? high : low) - start) * inverse;
+    if (tFar < tMin)
+        return false;
+    const float tNear = ((delta > 0.0f ? low : high) - start) * inverse;
+    if (tNear > tMax)
+        return false;
+    tMin = std::max(tMin, tNear);
+    tMax = std::min(tMax, tFar);
+    return true;
+}
+
+float ToleranceOf(const TBBox<float>& box)
+{
+    const bool valid = box.min.x <= box.max.x && box.min.y <= box.max.y && box.min.z <= box.max.z;
+    return kTolerance * (valid ? Length(box.max - box.min) : 0.0f);
+}
+
+/// Whether `point`, which lies in the plane of `normal`, is not outside the
+/// edge from `from` to `to` by more than the tolerance.
+bool IsInsideEdge(const Vec3& point, const Vec3& normal, const Vec3& from, const Vec3& to, float tolerance)
+{
+    return Dot(point - from, Normalized(Cross(normal, to - from))) <= tolerance;
+}
+
+/// Moves `end` to where the segment meets the triangle.
+/// \return by how much that shortened the segment; nothing where it doesn't meet
+std::optional<float> ClipAtTriangle(const Vec3& start, Vec3& end, const Vec3& p0, const Vec3& p1, const Vec3& p2,
+                                    float tolerance)
+{
+    Vec3 normal = Cross(p2 - p1, p2 - p0);
+    const float length = Length(normal);
+    if (length == 0.0f)
+        return std::nullopt;
+    normal = {normal.x / length, normal.y / length, normal.z / length};
+
+    const float plane = Dot(normal, p0) + tolerance;
+    float d0 = Dot(normal, start) - plane;
+    float d1 = Dot(normal, end) - plane;
+    if (d0 < 0.0f) {
+        d0 = -d0;
+        d1 = -d1;
+    }
+    if (!(d1 < 0.0f))
+        return std::nullopt;
+
+    const float t = d0 / (d0 - d1);
+    const Vec3 point = PointAt(start, end, t);
+    if (!IsInsideEdge(point, normal, p0, p1, tolerance) || !IsInsideEdge(point, normal, p1, p2, tolerance)
+        || !IsInsideEdge(point, normal, p2, p0, tolerance))
+        return std::nullopt;
+    end = point;
+    return t;
+}
+
+} // namespace
+
+Ray::Ray(const Vec3& from, const Vec3& to)
+    : start(from)
+    , end(to)
+{
+    DeriveCentre(*this);
+}
+
+bool Ray::IsIntersect(const TBBox<float>& box) const
+{
+    const Vec3 boxCentre = box.Center();
+    const Vec3 e = boxCentre - box.min;
+    const Vec3 d = centre - boxCentre;
+    const Vec3& h = halfDelta;
+    const Vec3& a = absHalfDelta;
+
+    // Any axis that separates the two, of the box's first, then across the segment.
+    const bool apart = std::fabs(d.x) > e.x + a.x || std::fabs(d.y) > e.y + a.y || std::fabs(d.z) > e.z + a.z
+        || std::fabs(d.z * h.y - d.y * h.z) > a.y * e.z + e.y * a.z
+        || std::fabs(h.z * d.x - d.z * h.x) > a.z * e.x + e.z * a.x
+        || std::fabs(d.y * h.x - d.x * h.y) > a.x * e.y + e.x * a.y;
+    return !apart;
+}
+
+bool Ray::IsIntersect(const Vec3& sphereCentre, float radius) const
+{
+    const Vec3 toCentre = sphereCentre - start;
+    const float power = PowerOfPoint(toCentre, radius);
+    return power <= 0.0f || NearerRoot(end - start, toCentre, power);
+}
+
+float Ray::Trace(const Vec3& sphereCentre, float radius) const
+{
+    const Vec3 toCentre = sphereCentre - start;
+    const float power = PowerOfPoint(toCentre, radius);
+    return power <= 0.0f ? kNoHit : NearerRoot(end - start, toCentre, power).value_or(kNoHit);
+}
+
+float Ray::Trace(const TBBox<float>& box) const
+{
+    float tMin = 0.0f;
+    float tMax = 1.0f;
+    const bool hit = ClipToSlab(start.x, end.x, box.min.x, box.max.x, tMin, tMax)
+        && ClipToSlab(start.y, end.y, box.min.y, box.max.y, tMin, tMax)
+        && ClipToSlab(start.z, end.z, box.min.z, box.max.z, tMin, tMax);
+    return hit ? tMin : kNoHit;
+}
+
+float Ray::Trace(const IMesh& mesh) const
+{
+    const IMeshNode* const owner = mesh.GetOwner();
+    if (owner && owner->IsExcludedFromTracing())
+        return kNoHit;
+
+    const float tolerance = ToleranceOf(mesh.GetBBox());
+    const std::vector<MeshVertex>& vertices = mesh.GetVertices();
+    const std::vector<unsigned int>& indices = mesh.GetIndices();
+
+    // Each hit shortens the segment, so that only a nearer one can follow.
+    Vec3 clippedEnd = end;
+    float nearest = kNoHit;
+    for (std::size_t k = 0; k + 3 <= indices.size(); k += 3) {
+        if (const auto t = ClipAtTriangle(start, clippedEnd, vertices[indices[k]].position,
+                                          vertices[indices[k + 1]].position, vertices[indices[k + 2]].position,
+                                          tolerance))
+            nearest *= *t;
+    }
+    return nearest;
+}
+
+void Ray::Clip(float t)
+{
+    end = PointAt(start, end, t);
+    DeriveCentre(*this);
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "lumenta/Export.h"
+#include "lumenta/foundation/BBox.h"
+
+class IMesh;
+
+/// A finite segment from `start` to `end`, used for picking.
+///
+/// Every Trace() answers with a parameter along the segment as it is now: 0 at
+/// the start, 1 at the end, never outside. 1 also means "no hit", so a hit
+/// exactly at the end cannot be told from a miss. What comes out as not a
+/// number, from a ray, a sphere or a vertex that is none, is no hit.
+///
+/// A plain value of fifteen floats; change `end` by Clip(), which keeps the
+/// last three vectors in step. Reentrant. Nothing here allocates or throws.
+struct LUMENTA_EXPORT Ray {
+    TVec3<float> start;
+    TVec3<float> end;
+    TVec3<float> centre;       ///< Middle of the segment.
+    TVec3<float> halfDelta;    ///< From `start` to `centre`.
+    TVec3<float> absHalfDelta; ///< `halfDelta` without signs.
+
+    /// Both points as they are given: nothing is normalised.
+    Ray(const TVec3<float>& start, const TVec3<float>& end);
+
+    /// Whether the segment and the box overlap. Touching counts. An empty box
+    /// overlaps nothing; where a number is missing the answer is true.
+    bool IsIntersect(const TBBox<float>& box) const;
+
+    /// Whether the segment touches the ball, from outside or by starting in it.
+    /// `centre` is the sphere's, not the segment's.
+    bool IsIntersect(const TVec3<float>& centre, float radius) const;
+
+    /// The nearest triangle, seen from either side; 1 also for a mesh whose
+    /// owner is excluded from tracing, and for triangles without area. Indices
+    /// behind the last whole triangle are ignored.
+    ///
+    /// Two things follow from the tolerance, a ten-thousandth of the diagonal
+    /// of the mesh's box (0 where the box is empty), and callers depend on
+    /// them. A point outside an edge by no more is inside. And a triangle is
+    /// met where it would lie if moved by that much along the normal of its
+    /// winding, so equal triangles of opposite winding are met at parameters
+    /// that differ.
+    ///
+    /// Linear in the number of triangles.
+    float Trace(const IMesh& mesh) const;
+
+    /// Where the segment enters the box; 0 if it starts inside. On an axis
+    /// along which the segment doesn't move the box is not asked: one beside
+    /// the segment is still hit if the other axes say so. Callers depend on it.
+    float Trace(const TBBox<float>& box) const;
+
+    /// Where the segment enters the sphere. Unlike IsIntersect(), a segment
+    /// that starts inside counts as a miss.
+    float Trace(const TVec3<float>& centre, float radius) const;
+
+    /// Moves the end to the parameter `t`.
+    void Clip(float t);
+};
+
+static_assert(sizeof(Ray) == 60, "hosts and plug-ins share rays as fifteen floats");
