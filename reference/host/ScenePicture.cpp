@@ -133,8 +133,8 @@ Surface SurfaceOf(const IMaterial& material, ImageTable& images)
     surface.castsShadows = material.CastsShadows();
     surface.receivesShadows = material.ReceivesShadows();
     surface.flat = material.IsFlatShaded();
-    for (int slot = 0; slot < eMaterialSlotCount; ++slot)
-        surface.textures[static_cast<std::size_t>(slot)] = TextureIn(material, static_cast<eMaterialSlot>(slot), images);
+    for (std::size_t slot = 0; slot < surface.textures.size(); ++slot)
+        surface.textures[slot] = TextureIn(material, static_cast<eMaterialSlot>(slot), images);
     return surface;
 }
 
