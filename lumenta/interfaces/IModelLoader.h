@@ -13,7 +13,7 @@
 #include <vector>
 
 namespace SkinAnimation {
-class Scene;
+struct Scene;
 }
 
 /// A format that models can be read from.
