@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lumenta/interfaces/IModelLoader.h"
 #include "lumenta/skin/Scene.h"
 
 #include <QImage>
@@ -13,18 +14,7 @@
 
 namespace Host {
 
-/// A material as its file describes it.
-///
-/// Parameters, each present only where the file has it: "diffuse", "specular",
-/// "ambient" and "emissive" (QColor), "opacity" (double, 1 is opaque; left out
-/// where the file says 0, since exporters disagree about which end is opaque),
-/// "shininess" (double, the Phong exponent), "twoSided" (bool), and "texture"
-/// (QString, the path of the colour texture as the file spells it, or the name
-/// of an embedded one).
-struct Material {
-    QString name;
-    QMap<QString, QVariant> parameters;
-};
+using Material = sModelMaterial;
 
 /// A model in memory: a skinned scene in its rest pose, and what its file says
 /// beside it. Geometries in the scene carry copies of their material's name and
@@ -37,9 +27,11 @@ struct Material {
 struct Model {
     QString fileName; ///< As it was given; empty for a model made by the program.
     TVec3<float> up{0.0f, 1.0f, 0.0f};
+    float millimetersPerUnit = 0.0f; ///< Of positions; 0 where the file doesn't say.
     std::unique_ptr<SkinAnimation::Scene> scene;
     std::vector<Material> materials;
     QMap<QString, QImage> embeddedImages; ///< By the name that "texture" uses.
+    QMap<QString, QVariant> metadata; ///< What the file says about itself.
     QStringList warnings; ///< What could not be taken over, in words for a person.
 };
 

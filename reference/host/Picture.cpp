@@ -163,4 +163,9 @@ float DistanceToSee(const std::vector<PosedMesh>& meshes, const Camera& camera, 
     return distance;
 }
 
+QStringList IPictureRenderer::GetLeftOut(const PictureRequest&) const
+{
+    return {};
+}
+
 } // namespace Host

@@ -10,11 +10,16 @@
 #include <QMap>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
+#include <functional>
+#include <optional>
 #include <vector>
 
 namespace Host {
+
+struct Surface;
 
 /// One posed mesh in world space, on its own two feet: it shares nothing with
 /// the scene it was posed from.
@@ -65,7 +70,15 @@ Camera FrameBox(const TBBox<float>& box, const TVec3<float>& up, float azimuth, 
 /// be drawn, with the same margin as FrameBox() leaves; 0 where there are none.
 float DistanceToSee(const std::vector<PosedMesh>& meshes, const Camera& camera, QSize size);
 
-/// What a renderer is asked for.
+/// A ball that shines in all directions.
+struct Lamp {
+    TVec3<float> position;
+    TVec3<float> light; ///< Linear, on a surface one unit away that faces it; 1 is as bright as the sun.
+    float radius;       ///< Softens shadows.
+    bool castsShadows;
+};
+
+/// What a renderer is asked for. Colours are linear.
 struct PictureRequest {
     const std::vector<PosedMesh>* meshes = nullptr;
     const QMap<QString, QImage>* textures = nullptr; ///< By the value of "texture"; may be null.
@@ -75,6 +88,17 @@ struct PictureRequest {
     float groundHeight = 0;  ///< Of the floor, along the camera's up.
     int samplesPerPixel = 16; ///< Of renderers that sample.
     int threads = 0;          ///< 0 for one per core. Never changes a bit of the picture.
+
+    TVec3<float> zenith{};    ///< Where the sky is; zero for the camera's up. The ground's height counts along it.
+    bool groundShadow = true; ///< Without its shadows the ground only hides what lies below.
+    TVec3<float> sunDirection{}; ///< Towards the sun; zero for the photographer's left shoulder.
+    TVec3<float> sunLight{1.0f, 1.0f, 1.0f}; ///< Factor of the studio's sun; 0 for none.
+    TVec3<float> skyLight{1.0f, 1.0f, 1.0f}; ///< Factor of the light that comes from everywhere.
+    std::vector<Lamp> lamps{};
+    std::optional<TVec3<float>> background{}; ///< None for the studio's own backdrop.
+    QImage backgroundImage{};                 ///< Before either of them, stretched over the picture.
+    const std::vector<Surface>* surfaces = nullptr; ///< One per mesh, in place of their parameters; or null.
+    std::function<bool()> isStopped{}; ///< Asked while there is something left to do, on the caller's thread.
 };
 
 /// Makes pictures of posed meshes, without a display.
@@ -85,8 +109,12 @@ public:
     /// Name for the command line, in lower case.
     virtual QString GetName() const = 0;
 
-    /// An opaque picture of the requested size, format RGB32.
-    /// Degenerate or non-finite triangles are left out.
+    /// What it can't show of a request, in words for a person.
+    virtual QStringList GetLeftOut(const PictureRequest& request) const;
+
+    /// An opaque picture of the requested size, format RGB32; where it was
+    /// stopped, black from some row on. Degenerate or non-finite triangles are
+    /// left out.
     /// \throws OutOfMemoryException the picture does not fit in memory
     virtual QImage Render(const PictureRequest& request, const Progress& progress) = 0;
 };

@@ -3,6 +3,8 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "reference/host/Directions.h"
 
+#include <QPainter>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -21,6 +23,8 @@ constexpr float kBackdropFrom = 1.5f;
 
 constexpr TVec3<float> kZenith{0.47f, 0.51f, 0.57f};
 constexpr TVec3<float> kHorizon{0.46f, 0.46f, 0.46f};
+constexpr float kPi = 3.14159265f;
+constexpr float kNearestLamp = 1e-4f; ///< Nearer ones light as from there.
 
 TVec3<float> Mix(const TVec3<float>& a, const TVec3<float>& b, float factor)
 {
@@ -43,7 +47,7 @@ TVec3<float> AnyPerpendicular(const TVec3<float>& v)
 /// The tangent of half a field of view in degrees.
 float HalfTangent(float degrees)
 {
-    const float usable = std::isfinite(degrees) ? std::clamp(degrees, 1.0f, 170.0f) : kDefaultFieldOfView;
+    const float usable = std::isfinite(degrees) ? std::clamp(degrees, 1.0f, 179.9f) : kDefaultFieldOfView;
     return std::tan(usable * 0.5f * kRadians);
 }
 
@@ -72,24 +76,55 @@ TVec3<float> LinearFromPixel(QRgb pixel)
 } // namespace
 
 Studio::Studio(const PictureRequest& request)
-    : ground(request.ground)
+    : sunLight(Times(kSunLight, request.sunLight))
+    , skyLight(request.skyLight)
+    , ground(request.ground)
+    , groundShadow(request.groundShadow)
     , groundHeight(0.0f)
     , size(request.size)
     , m_target(Widened(request.camera.target))
     , m_unit(LengthOf(Widened(request.camera.eye) - m_target))
     , m_tangent(HalfTangent(request.camera.verticalFieldOfView))
+    , m_background(request.background)
 {
     if (!(m_unit > 0.0) || !std::isfinite(m_unit))
         m_unit = 1.0;
-    up = UnitOr(request.camera.up, {0.0f, 1.0f, 0.0f});
-    forward = UnitOr(request.camera.target - request.camera.eye, AnyPerpendicular(up));
-    right = UnitOr(Cross(forward, up), AnyPerpendicular(up));
+    const TVec3<float> cameraUp = UnitOr(request.camera.up, {0.0f, 1.0f, 0.0f});
+    up = UnitOr(request.zenith, cameraUp);
+    forward = UnitOr(request.camera.target - request.camera.eye, AnyPerpendicular(cameraUp));
+    right = UnitOr(Cross(forward, cameraUp), AnyPerpendicular(cameraUp));
     above = Cross(right, forward);
     eye = -forward;
 
     const TVec3<float> towardsViewer = Cross(right, up);
-    sun = Normalized(up * 0.68f - right * 0.48f + towardsViewer * 0.56f);
+    sun = UnitOr(request.sunDirection, Normalized(up * 0.68f - right * 0.48f + towardsViewer * 0.56f));
     groundHeight = Dot(FromWorld(up * request.groundHeight), up);
+    TakeLamps(request.lamps);
+    TakeBackground(request.backgroundImage);
+}
+
+void Studio::TakeLamps(const std::vector<Lamp>& requested)
+{
+    for (Lamp lamp : requested) {
+        const TVec3<double> light = Widened(lamp.light);
+        const double scale = static_cast<double>(kLampLight) / (m_unit * m_unit);
+        lamp.position = FromWorld(lamp.position);
+        lamp.light = Narrowed({light.x * scale, light.y * scale, light.z * scale});
+        lamp.radius = Narrowed({static_cast<double>(lamp.radius) / m_unit, 0.0, 0.0}).x;
+        lamps.push_back(lamp);
+    }
+}
+
+void Studio::TakeBackground(const QImage& requested)
+{
+    if (requested.isNull() || size.isEmpty())
+        return;
+    QImage image = NewPicture(size, QImage::Format_RGB32);
+    image.fill(m_background ? PixelFromLinear(*m_background) : qRgb(0, 0, 0));
+    QPainter painter(&image);
+    painter.drawImage(0, 0, requested.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    painter.end();
+    m_backgroundImage = image;
 }
 
 TVec3<float> Studio::FromWorld(const TVec3<float>& world) const
@@ -119,11 +154,25 @@ QPointF Studio::ToPixel(const TVec3<float>& fromEye) const
             static_cast<qreal>(0.5f * static_cast<float>(size.height()) - fromEye.y * scale)};
 }
 
-TVec3<float> Studio::Backdrop(float y) const
+TVec3<float> Studio::Backdrop(float x, float y) const
 {
+    if (!m_backgroundImage.isNull())
+        return LinearFromPixel(m_backgroundImage.pixel(std::clamp(static_cast<int>(x), 0, size.width() - 1),
+                                                       std::clamp(static_cast<int>(y), 0, size.height() - 1)));
+    if (m_background)
+        return *m_background;
     static const TVec3<float> kTop = LinearFromPixel(qRgb(206, 212, 220));
     static const TVec3<float> kBottom = LinearFromPixel(qRgb(240, 239, 236));
     return Mix(kTop, kBottom, SmoothStep(0.0f, static_cast<float>(size.height()), y));
+}
+
+TVec3<float> Studio::Surroundings(const TVec3<float>& direction) const
+{
+    // Round to the left and to the right, so that both ends meet behind the camera's back.
+    const float azimuth = std::atan2(Dot(direction, right), std::fabs(Dot(direction, forward)));
+    const float elevation = std::asin(std::clamp(Dot(direction, up), -1.0f, 1.0f));
+    return Backdrop((0.5f + azimuth / kPi) * static_cast<float>(size.width()),
+                    (0.5f - elevation / kPi) * static_cast<float>(size.height()));
 }
 
 float Studio::DistanceToFloor(const TVec3<float>& origin, const TVec3<float>& direction) const
@@ -138,19 +187,20 @@ float Studio::FloorPresence(const TVec3<float>& point) const
     return 1.0f - SmoothStep(kFloorUntil, kBackdropFrom, Length(point - up * groundHeight));
 }
 
-TVec3<float> Studio::Floor(const TVec3<float>& point, float y, const TVec3<float>& lost) const
+TVec3<float> Studio::Floor(const TVec3<float>& point, const TVec3<float>& backdrop, const TVec3<float>& lost) const
 {
     const float presence = FloorPresence(point);
-    const TVec3<float> all = kSunLight * Dot(sun, up) + SkyOn(up);
-    const TVec3<float> share{1.0f - presence * lost.x / all.x, 1.0f - presence * lost.y / all.y,
-                             1.0f - presence * lost.z / all.z};
-    return Times(Backdrop(y), share);
+    TVec3<float> all = sunLight * std::max(0.0f, Dot(sun, up)) + SkyOn(up);
+    for (const Lamp& lamp : lamps)
+        all = all + LampOn(lamp, point, up);
+    const auto share = [presence](float gone, float of) { return of > 0.0f ? 1.0f - presence * gone / of : 1.0f; };
+    return Times(backdrop, {share(lost.x, all.x), share(lost.y, all.y), share(lost.z, all.z)});
 }
 
 TVec3<float> Studio::Sky(const TVec3<float>& direction) const
 {
     const float height = Dot(direction, up);
-    return height < 0.0f ? kFloorLight : Mix(kHorizon, kZenith, height);
+    return Times(height < 0.0f ? kFloorLight : Mix(kHorizon, kZenith, height), skyLight);
 }
 
 TVec3<float> Studio::SkyOn(const TVec3<float>& normal) const
@@ -158,7 +208,18 @@ TVec3<float> Studio::SkyOn(const TVec3<float>& normal) const
     // The sky's part of a tilted hemisphere is (1 + cos) / 2; two thirds of the
     // way up is where its light comes from on average.
     const TVec3<float> sky = Mix(kHorizon, kZenith, 2.0f / 3.0f);
-    return Mix(kFloorLight, sky, 0.5f + 0.5f * Dot(normal, up));
+    return Times(Mix(kFloorLight, sky, 0.5f + 0.5f * Dot(normal, up)), skyLight);
+}
+
+TVec3<float> Studio::LampOn(const Lamp& lamp, const TVec3<float>& point, const TVec3<float>& normal) const
+{
+    const TVec3<float> towards = lamp.position - point;
+    const float cosine = Dot(UnitOr(towards, normal), normal);
+    if (!(cosine > 0.0f))
+        return {};
+    // Nothing comes nearer to it than its surface.
+    const float distance = std::max({Length(towards), lamp.radius, kNearestLamp});
+    return lamp.light * (cosine / (distance * distance));
 }
 
 QImage NewPicture(QSize size, QImage::Format format)

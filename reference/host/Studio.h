@@ -2,10 +2,32 @@
 
 #include "reference/host/Picture.h"
 
+#include <QImage>
 #include <QPointF>
 #include <QRgb>
 
+#include <optional>
+#include <vector>
+
 namespace Host {
+
+/// The light of a plain sun on a surface that faces it.
+constexpr TVec3<float> kSunLight{0.77f, 0.72f, 0.65f};
+
+/// The light of a lamp that is as bright as that sun, without its warmth.
+constexpr float kLampLight = 0.726f;
+
+/// The light that the floor sends up.
+constexpr TVec3<float> kFloorLight{0.33f, 0.32f, 0.31f};
+
+/// The part of its own colour that a surface gets from where it sees no sky.
+constexpr float kBounce = 0.22f;
+
+/// Componentwise product: light on a colour.
+constexpr TVec3<float> Times(const TVec3<float>& a, const TVec3<float>& b)
+{
+    return {a.x * b.x, a.y * b.y, a.z * b.z};
+}
 
 /// The studio in which every renderer takes its pictures: where camera, sun and
 /// floor are, and what light there is. Renderers share it, so that their
@@ -23,8 +45,12 @@ struct Studio {
     TVec3<float> right;
     TVec3<float> above;
     TVec3<float> up;      ///< Unit; where the zenith is.
-    TVec3<float> sun;     ///< Unit, towards the sun: over the photographer's left shoulder.
+    TVec3<float> sun;     ///< Unit, towards the sun.
+    TVec3<float> sunLight; ///< On a surface that faces the sun; 0 for none.
+    TVec3<float> skyLight; ///< Factor of Sky(), SkyOn() and Bounce().
+    std::vector<Lamp> lamps; ///< In studio units, position and light too.
     bool ground;
+    bool groundShadow;
     float groundHeight;   ///< Along `up`.
     QSize size;
 
@@ -43,8 +69,12 @@ struct Studio {
     /// \pre its `z` is positive
     QPointF ToPixel(const TVec3<float>& fromEye) const;
 
-    /// What is seen behind everything: a light backdrop, graded by height.
-    TVec3<float> Backdrop(float y) const;
+    /// What is seen behind everything, at a point of the picture in pixels: the
+    /// request's background, or a light backdrop, graded by height.
+    TVec3<float> Backdrop(float x, float y) const;
+
+    /// What a mirror shows where nothing is in its way: the backdrop, all around.
+    TVec3<float> Surroundings(const TVec3<float>& direction) const;
 
     /// How far a ray runs before it meets the floor from above; infinity where
     /// it does not.
@@ -55,9 +85,9 @@ struct Studio {
     float FloorPresence(const TVec3<float>& point) const;
 
     /// What is seen of the floor at a point, where the model takes the light
-    /// `lost` away: the backdrop, darkened. Where nothing is lost the floor
-    /// cannot be told from the backdrop, so no horizon shows.
-    TVec3<float> Floor(const TVec3<float>& point, float y, const TVec3<float>& lost) const;
+    /// `lost` away: the backdrop behind it, darkened. Where nothing is lost the
+    /// floor cannot be told from the backdrop, so no horizon shows.
+    TVec3<float> Floor(const TVec3<float>& point, const TVec3<float>& backdrop, const TVec3<float>& lost) const;
 
     /// Light that comes from a direction of the sky.
     TVec3<float> Sky(const TVec3<float>& direction) const;
@@ -66,10 +96,22 @@ struct Studio {
     /// hemisphere of `normal`, weighted by the cosine.
     TVec3<float> SkyOn(const TVec3<float>& normal) const;
 
+    /// What comes instead of the sky's light from where something hides it that
+    /// has a colour.
+    TVec3<float> Bounce(const TVec3<float>& colour) const { return Times(colour * kBounce, skyLight); }
+
+    /// The light that a lamp, unhidden, brings to a surface.
+    TVec3<float> LampOn(const Lamp& lamp, const TVec3<float>& point, const TVec3<float>& normal) const;
+
 private:
+    void TakeLamps(const std::vector<Lamp>& requested);
+    void TakeBackground(const QImage& requested);
+
     TVec3<double> m_target;
     double m_unit;   ///< World units per studio unit.
     float m_tangent; ///< Of half the vertical field of view.
+    std::optional<TVec3<float>> m_background;
+    QImage m_backgroundImage; ///< In the picture's size, opaque; or null.
 };
 
 /// A picture to be filled in; the pixels are undefined.
@@ -80,23 +122,8 @@ QImage NewPicture(QSize size, QImage::Format format);
 /// renderers that project triangles.
 constexpr float kNearPlane = 0.01f;
 
-/// The light of the sun on a surface that faces it.
-constexpr TVec3<float> kSunLight{0.77f, 0.72f, 0.65f};
-
 /// Tangent of half the angle under which the sun is seen: what softens shadows.
 constexpr float kSunRadius = 0.06f;
-
-/// The light that the floor sends up.
-constexpr TVec3<float> kFloorLight{0.33f, 0.32f, 0.31f};
-
-/// The part of its own colour that a surface gets from where it sees no sky.
-constexpr float kBounce = 0.22f;
-
-/// Componentwise product: light on a colour.
-constexpr TVec3<float> Times(const TVec3<float>& a, const TVec3<float>& b)
-{
-    return {a.x * b.x, a.y * b.y, a.z * b.z};
-}
 
 /// Leaves dark and middle tones alone and rolls highlights off below white.
 TVec3<float> Exposed(const TVec3<float>& light);

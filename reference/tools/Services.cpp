@@ -1,9 +1,17 @@
 #include "reference/tools/Services.h"
 
 #include "lumenta/foundation/Exceptions.h"
-#include "reference/plugins/assimp-loader/AssimpLoader.h"
+#include "reference/host/ApplicationContext.h"
+#include "reference/host/ModelReader.h"
+#include "reference/host/PluginHost.h"
 #include "reference/plugins/embree-renderer/EmbreeRenderer.h"
 #include "reference/plugins/painter-renderer/PainterRenderer.h"
+#include "reference/tools/Texts.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
 
 namespace Host {
 
@@ -16,11 +24,68 @@ struct Renderer {
 
 constexpr Renderer kRenderers[] = {{"embree", CreateEmbreeRenderer}, {"painter", CreatePainterRenderer}};
 
+/// Those of the environment first; the command's own lie beside it, wherever
+/// it was installed or moved to.
+QStringList PluginFolders()
+{
+    QStringList folders = qEnvironmentVariable("LUMENTA_PLUGIN_PATH").split(QDir::listSeparator(), Qt::SkipEmptyParts);
+    const QString ownFolder = QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath();
+    folders += QDir::cleanPath(ownFolder + QStringLiteral("/../" LUMENTA_PLUGIN_FOLDER));
+    return folders;
+}
+
+/// Loaded when it is first needed: help and the built-in figure are there at once.
+const PluginHost& Plugins()
+{
+    static ApplicationContext context;
+    static PluginHost host = [] {
+        PluginHost loading(context);
+        for (const QString& folder : PluginFolders())
+            loading.LoadFolder(folder);
+        for (const PluginRefusal& refusal : loading.Refusals())
+            PrintError(QStringLiteral("warning: ") + refusal.text);
+        return loading;
+    }();
+    return host;
+}
+
+bool Reads(const IModelLoader& loader, const QString& fileName)
+{
+    for (const ModelFormatInfo& format : loader.GetFormats())
+        for (const QString& extension : format.extensions)
+            if (fileName.endsWith(QLatin1Char('.') + extension, Qt::CaseInsensitive)) return true;
+    return false;
+}
+
+/// The loaders that know the file's extension; all where none does, since some
+/// know a file by its content.
+std::vector<std::unique_ptr<IModelLoader>> LoadersFor(const QString& fileName)
+{
+    std::vector<std::unique_ptr<IModelLoader>> loaders;
+    for (const PluginService& service : Plugins().ServicesOf<IModelLoader>())
+        loaders.push_back(Plugins().CreateService<IModelLoader>(service.id));
+    if (loaders.empty())
+        throw LoadingException(
+            QStringLiteral("no plug-in that reads models is in %1").arg(QuotedList(PluginFolders())));
+    const auto others = std::stable_partition(loaders.begin(), loaders.end(),
+                                              [&](const auto& loader) { return Reads(*loader, fileName); });
+    if (others != loaders.begin()) loaders.erase(others, loaders.end());
+    return loaders;
+}
+
 } // namespace
 
 Model ReadModel(const QString& fileName, const Progress& progress)
 {
-    return LoadModel(fileName, progress);
+    const auto loaders = LoadersFor(fileName);
+    for (auto loader = loaders.begin(); std::next(loader) != loaders.end(); ++loader) {
+        try {
+            return ReadModel(**loader, fileName, progress);
+        } catch (const LoadingException&) {
+            // The next one may make sense of it.
+        }
+    }
+    return ReadModel(*loaders.back(), fileName, progress);
 }
 
 QStringList RendererNames()
@@ -34,8 +99,7 @@ QStringList RendererNames()
 std::unique_ptr<IPictureRenderer> CreateRenderer(const QString& name)
 {
     for (const Renderer& renderer : kRenderers)
-        if (name == QLatin1String(renderer.name))
-            return renderer.create();
+        if (name == QLatin1String(renderer.name)) return renderer.create();
     throw FactoryException(name);
 }
 

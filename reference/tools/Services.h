@@ -12,8 +12,12 @@ namespace Host {
 
 // The one place of the command that knows who does the work.
 
-/// Reads a model file.
-/// \throws FileException, LoadingException
+/// Reads a model file with the first plug-in that can: one of those that know
+/// its extension, or any where none does. The plug-ins come from the folders of
+/// the environment variable LUMENTA_PLUGIN_PATH, parted by colons, then from the
+/// command's own. Files there that are no plug-ins for this host are warned of.
+/// \throws FileException
+/// \throws LoadingException it can't be loaded, or no plug-in reads models
 Model ReadModel(const QString& fileName, const Progress& progress);
 
 /// Names of the renderers there are, the usual one first.

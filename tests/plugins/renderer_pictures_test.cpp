@@ -209,7 +209,7 @@ private Q_SLOTS:
             const QImage picture = m_renderer->Render(request, {});
             QCOMPARE(picture.format(), QImage::Format_RGB32);
             for (int y = 0; y < 50; ++y) {
-                const QRgb backdrop = PixelFromLinear(Studio(request).Backdrop(static_cast<float>(y) + 0.5f));
+                const QRgb backdrop = PixelFromLinear(Studio(request).Backdrop(0.5f, static_cast<float>(y) + 0.5f));
                 for (int x = 0; x < 40; ++x)
                     QVERIFY(std::abs(qGray(picture.pixel(x, y)) - qGray(backdrop)) <= 1);
             }

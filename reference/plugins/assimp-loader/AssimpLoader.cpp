@@ -3,6 +3,7 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "reference/plugins/assimp-loader/BoneBinder.h"
 #include "reference/plugins/assimp-loader/MeshReader.h"
+#include "reference/plugins/assimp-loader/MetadataReader.h"
 #include "reference/plugins/assimp-loader/Report.h"
 #include "reference/plugins/assimp-loader/TrackReader.h"
 
@@ -101,17 +102,19 @@ void RefuseBrokenFaces(const aiScene& source, const Report& report)
     }
 }
 
-/// Null where Assimp fails; its words are then in the importer.
-const aiScene* Import(Assimp::Importer& importer, const QString& strFileName, const Report& report)
+/// Null where Assimp fails; its words are then in the importer. Null, too, once
+/// there is a failure of the listener's.
+const aiScene* Import(Assimp::Importer& importer, const QString& strFileName, const std::exception_ptr& failure,
+                      const Report& report)
 {
     try {
         const aiScene* const source = importer.ReadFile(QFile::encodeName(strFileName).constData(), 0);
-        if (!source)
+        if (!source || failure)
             return nullptr;
         RefuseBrokenFaces(*source, report);
         return importer.ApplyPostProcessing(AssimpImportFlags());
-    } catch (const std::exception& failure) {
-        report.Refuse(ReasonOf(failure.what()));
+    } catch (const std::exception& exception) {
+        report.Refuse(ReasonOf(exception.what()));
     }
 }
 
@@ -159,21 +162,9 @@ void PoseAtRest(SkinAnimation::Scene& scene)
     scene.animations.swap(onlyRest);
 }
 
-TVec3<float> UpOf(const aiScene& source)
-{
-    int axis = 1;
-    int sign = 1;
-    if (source.mMetaData) {
-        source.mMetaData->Get("UpAxis", axis);
-        source.mMetaData->Get("UpAxisSign", sign);
-    }
-    const float length = sign < 0 ? -1.0f : 1.0f;
-    return {axis == 0 ? length : 0.0f, axis != 0 && axis != 2 ? length : 0.0f, axis == 2 ? length : 0.0f};
-}
-
 } // namespace
 
-Model LoadModel(const QString& strFileName, const Progress& progress)
+Model LoadModel(const QString& strFileName, const Progress& progress, double ticksPerSecond)
 {
     CheckFile(strFileName);
 
@@ -181,19 +172,19 @@ Model LoadModel(const QString& strFileName, const Progress& progress)
     Assimp::Importer importer;
     importer.SetProgressHandler(new ProgressRelay(progress, failure));
     const Report report(strFileName);
-    const aiScene* const source = Import(importer, strFileName, report);
+    const aiScene* const source = Import(importer, strFileName, failure, report);
     if (failure)
         std::rethrow_exception(failure);
     if (!source)
         report.Refuse(ReasonOf(importer.GetErrorString()));
 
-    Model model = ModelFromAssimp(*source, strFileName);
+    Model model = ModelFromAssimp(*source, strFileName, ticksPerSecond);
     if (progress)
         progress(100);
     return model;
 }
 
-Model ModelFromAssimp(const aiScene& source, const QString& strFileName)
+Model ModelFromAssimp(const aiScene& source, const QString& strFileName, double ticksPerSecond)
 {
     Report report(strFileName);
     if (!source.mRootNode)
@@ -201,7 +192,9 @@ Model ModelFromAssimp(const aiScene& source, const QString& strFileName)
 
     Model model;
     model.fileName = strFileName;
-    model.up = UpOf(source);
+    model.up = UpAxisOf(source);
+    model.millimetersPerUnit = MillimetersPerUnitOf(source);
+    model.metadata = ReadMetadata(source);
     model.scene = std::make_unique<SkinAnimation::Scene>();
     SkinAnimation::Scene& scene = *model.scene;
 
@@ -217,7 +210,7 @@ Model ModelFromAssimp(const aiScene& source, const QString& strFileName)
         report.Refuse(QStringLiteral("it holds no usable triangles"));
 
     for (unsigned int i = 0; i < source.mNumAnimations; ++i) {
-        auto animation = ReadAnimation(*source.mAnimations[i], nodes, binder.Bones(), report);
+        auto animation = ReadAnimation(*source.mAnimations[i], ticksPerSecond, nodes, binder.Bones(), report);
         scene.animations.push_back(animation.get());
         animation.release();
     }

@@ -7,6 +7,8 @@ struct aiScene;
 
 namespace Host {
 
+constexpr double kUsualTicksPerSecond = 25.0;
+
 /// Reads any model file that Assimp reads.
 ///
 /// The tree comes out as it is in the file, at rest as the file has it, every
@@ -15,8 +17,8 @@ namespace Host {
 /// is bound in several ways, helper nodes stand below it, at the end of
 /// Scene::nodes. Meshes without normals get smooth ones from their triangles.
 /// Each animation of the file becomes one with a single layer; a file that does
-/// not tell the length of a tick is played at 25 ticks a second. Morph targets,
-/// cameras and lights are left out.
+/// not tell the length of a tick is played at `ticksPerSecond`, which is positive
+/// and finite. Morph targets, cameras and lights are left out.
 ///
 /// Bones and animations find their node by its name, which need not be unique:
 /// then the best guess is taken, and a warning says so.
@@ -26,11 +28,13 @@ namespace Host {
 /// \throws LoadingException  Assimp cannot make sense of it, it holds no usable
 ///                           triangles, or a bone lies beyond node 65536; the
 ///                           text names the file and what is wrong
-Model LoadModel(const QString& strFileName, const Progress& progress = {});
+Model LoadModel(const QString& strFileName, const Progress& progress = {},
+                double ticksPerSecond = kUsualTicksPerSecond);
 
 /// The same from an imported scene, which must have been imported with
 /// AssimpImportFlags(). `strFileName` is for the texts only.
-Model ModelFromAssimp(const aiScene& source, const QString& strFileName);
+Model ModelFromAssimp(const aiScene& source, const QString& strFileName,
+                      double ticksPerSecond = kUsualTicksPerSecond);
 
 /// The post-processing that loading relies on. It neither joins nor reorders
 /// vertices behind the loader's back.

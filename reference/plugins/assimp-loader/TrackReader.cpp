@@ -14,8 +14,6 @@ namespace Host {
 
 namespace {
 
-constexpr double kDefaultTicksPerSecond = 25.0;
-
 template <typename Value>
 struct Timed {
     double ticks;
@@ -226,20 +224,20 @@ std::vector<const NodeTable::Entry*> MatchNodes(const aiAnimation& source, const
     return matches;
 }
 
-double TicksPerSecond(const aiAnimation& source)
+bool TellsTicksPerSecond(const aiAnimation& source)
 {
-    return std::isfinite(source.mTicksPerSecond) && source.mTicksPerSecond > 0.0 ? source.mTicksPerSecond
-                                                                                 : kDefaultTicksPerSecond;
+    return std::isfinite(source.mTicksPerSecond) && source.mTicksPerSecond > 0.0;
 }
 
 } // namespace
 
-std::unique_ptr<SkinAnimation::Animation> ReadAnimation(const aiAnimation& source, const NodeTable& nodes,
-                                                        const std::set<std::size_t>& bones, Report& report)
+std::unique_ptr<SkinAnimation::Animation> ReadAnimation(const aiAnimation& source, double ticksPerSecond,
+                                                        const NodeTable& nodes, const std::set<std::size_t>& bones,
+                                                        Report& report)
 {
     auto animation = std::make_unique<SkinAnimation::Animation>();
     animation->name = ToText(source.mName);
-    ChannelReader reader(TicksPerSecond(source), report);
+    ChannelReader reader(TellsTicksPerSecond(source) ? source.mTicksPerSecond : ticksPerSecond, report);
     SkinAnimation::AnimationLayer layer;
     layer.name = animation->name;
     if (std::isfinite(source.mDuration))

@@ -18,7 +18,7 @@ namespace Host {
 class Report;
 
 /// One animation with one layer, times in milliseconds; a file that does not
-/// say how long a tick takes means 25 a second. It lasts as long as the file
+/// say how long a tick takes means `ticksPerSecond`. It lasts as long as the file
 /// says, but at least to its last key.
 ///
 /// The file keys position, rotation and scaling at times of their own; a track
@@ -27,7 +27,8 @@ class Report;
 /// own transform gives.
 /// \param bones nodes that move vertices: where a channel's name is not unique
 ///              and there are fewer channels than nodes, these come first
-std::unique_ptr<SkinAnimation::Animation> ReadAnimation(const aiAnimation& source, const NodeTable& nodes,
-                                                        const std::set<std::size_t>& bones, Report& report);
+std::unique_ptr<SkinAnimation::Animation> ReadAnimation(const aiAnimation& source, double ticksPerSecond,
+                                                        const NodeTable& nodes, const std::set<std::size_t>& bones,
+                                                        Report& report);
 
 } // namespace Host

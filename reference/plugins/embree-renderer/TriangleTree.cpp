@@ -2,15 +2,25 @@
 
 #include "lumenta/foundation/Exceptions.h"
 
-#include <limits>
-
 namespace Host {
 
 namespace {
 
 constexpr float kFarAway = std::numeric_limits<float>::infinity();
 
-RTCRay EmbreeRay(const Ray3& ray, float least)
+/// What TriangleTree::Filter() gets to know of the ray.
+struct Query {
+    RTCIntersectContext context; // first: Embree is handed its address
+    RayKind kind;
+
+    explicit Query(RayKind rayKind)
+        : kind(rayKind)
+    {
+        rtcInitIntersectContext(&context);
+    }
+};
+
+RTCRay EmbreeRay(const Ray3& ray, float least, float most)
 {
     RTCRay result{};
     result.org_x = ray.origin.x;
@@ -20,7 +30,7 @@ RTCRay EmbreeRay(const Ray3& ray, float least)
     result.dir_y = ray.direction.y;
     result.dir_z = ray.direction.z;
     result.tnear = least;
-    result.tfar = kFarAway;
+    result.tfar = most;
     result.mask = ~0u;
     return result;
 }
@@ -33,8 +43,9 @@ T* NewBuffer(RTCGeometry geometry, RTCBufferType type, RTCFormat format, std::si
 
 } // namespace
 
-TriangleTree::TriangleTree(const std::vector<PosedMesh>& meshes, const Studio& studio)
-    : m_device(rtcNewDevice("threads=1"))
+TriangleTree::TriangleTree(const std::vector<PosedMesh>& meshes, const SurfaceTable& surfaces, const Studio& studio)
+    : m_surfaces(surfaces)
+    , m_device(rtcNewDevice("threads=1"))
 {
     ThrowIfFailed();
     m_scene.reset(rtcNewScene(m_device.get()));
@@ -46,6 +57,11 @@ TriangleTree::TriangleTree(const std::vector<PosedMesh>& meshes, const Studio& s
         const Owned<RTCGeometry> geometry(rtcNewGeometry(m_device.get(), RTC_GEOMETRY_TYPE_TRIANGLE));
         ThrowIfFailed();
         FillGeometry(geometry.get(), meshes, studio);
+        if (surfaces.HasAny([](const Surface& surface) { return !surface.twoSided || !surface.castsShadows; })) {
+            rtcSetGeometryUserData(geometry.get(), this);
+            rtcSetGeometryIntersectFilterFunction(geometry.get(), Filter);
+            rtcSetGeometryOccludedFilterFunction(geometry.get(), Filter);
+        }
         rtcCommitGeometry(geometry.get());
         rtcAttachGeometry(m_scene.get(), geometry.get());
     }
@@ -91,27 +107,38 @@ void TriangleTree::ThrowIfFailed() const
     throw Exception(QStringLiteral("The ray tracer Embree failed with error %1").arg(static_cast<int>(error)));
 }
 
-std::optional<TriangleHit> TriangleTree::Nearest(const Ray3& ray, float least) const
+void TriangleTree::Filter(const RTCFilterFunctionNArguments* arguments)
 {
-    RTCIntersectContext context;
-    rtcInitIntersectContext(&context);
-    RTCRayHit query{};
-    query.ray = EmbreeRay(ray, least);
-    query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-    rtcIntersect1(m_scene.get(), &context, &query);
-    if (query.hit.geomID == RTC_INVALID_GEOMETRY_ID)
-        return std::nullopt;
-    const Triangle& triangle = m_triangles[query.hit.primID];
-    return TriangleHit{query.ray.tfar, query.hit.u, query.hit.v, triangle.mesh, triangle.firstIndex};
+    const auto& tree = *static_cast<const TriangleTree*>(arguments->geometryUserPtr);
+    const auto& query = *reinterpret_cast<const Query*>(arguments->context);
+    const RTCRay& ray = *reinterpret_cast<const RTCRay*>(arguments->ray); // all queries are of one ray
+    const RTCHit& hit = *reinterpret_cast<const RTCHit*>(arguments->hit);
+    const Surface& surface = tree.m_surfaces.Of(tree.m_triangles[hit.primID].mesh);
+    // Embree's normals have the corners anticlockwise: they point out of the back.
+    const bool fromBehind = hit.Ng_x * ray.dir_x + hit.Ng_y * ray.dir_y + hit.Ng_z * ray.dir_z < 0.0f;
+    if (query.kind == RayKind::Shadow ? !surface.castsShadows : !surface.twoSided && fromBehind)
+        arguments->valid[0] = 0;
 }
 
-bool TriangleTree::IsBlocked(const Ray3& ray) const
+std::optional<TriangleHit> TriangleTree::Nearest(const Ray3& ray, RayKind kind, float least) const
 {
-    RTCIntersectContext context;
-    rtcInitIntersectContext(&context);
-    RTCRay query = EmbreeRay(ray, 0.0f);
-    rtcOccluded1(m_scene.get(), &context, &query);
-    return query.tfar < 0.0f;
+    Query query(kind);
+    RTCRayHit found{};
+    found.ray = EmbreeRay(ray, least, kFarAway);
+    found.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+    rtcIntersect1(m_scene.get(), &query.context, &found);
+    if (found.hit.geomID == RTC_INVALID_GEOMETRY_ID)
+        return std::nullopt;
+    const Triangle& triangle = m_triangles[found.hit.primID];
+    return TriangleHit{found.ray.tfar, found.hit.u, found.hit.v, triangle.mesh, triangle.firstIndex};
+}
+
+bool TriangleTree::IsBlocked(const Ray3& ray, float most) const
+{
+    Query query(RayKind::Shadow);
+    RTCRay found = EmbreeRay(ray, 0.0f, most);
+    rtcOccluded1(m_scene.get(), &query.context, &found);
+    return found.tfar < 0.0f;
 }
 
 } // namespace Host

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "reference/host/Studio.h"
+#include "reference/host/Surface.h"
 
 #include <embree3/rtcore.h>
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -24,6 +26,12 @@ struct TriangleHit {
     std::uint32_t firstIndex; ///< Of the triangle, in the mesh's `indices`.
 };
 
+/// What a ray looks for.
+enum class RayKind {
+    Sight, ///< All but the backs of surfaces that have none.
+    Shadow ///< All that casts shadows, from either side.
+};
+
 /// All triangles of a picture that can be drawn, in studio coordinates, ready
 /// to be asked by any number of threads at once.
 ///
@@ -33,13 +41,15 @@ class TriangleTree {
 public:
     /// \throws OutOfMemoryException it does not fit in memory
     /// \throws Exception            Embree does not work here
-    TriangleTree(const std::vector<PosedMesh>& meshes, const Studio& studio);
+    TriangleTree(const std::vector<PosedMesh>& meshes, const SurfaceTable& surfaces, const Studio& studio);
+    TriangleTree(const TriangleTree&) = delete; // Embree knows its address
+    TriangleTree& operator=(const TriangleTree&) = delete;
 
-    /// The nearest triangle, either side, at no less than `least`.
-    std::optional<TriangleHit> Nearest(const Ray3& ray, float least) const;
+    /// The nearest triangle at no less than `least`.
+    std::optional<TriangleHit> Nearest(const Ray3& ray, RayKind kind, float least) const;
 
-    /// Whether any triangle is in the way.
-    bool IsBlocked(const Ray3& ray) const;
+    /// Whether anything that casts shadows is in the way, up to `most`.
+    bool IsBlocked(const Ray3& ray, float most = std::numeric_limits<float>::infinity()) const;
 
 private:
     struct Release {
@@ -59,6 +69,10 @@ private:
     void FillGeometry(RTCGeometry geometry, const std::vector<PosedMesh>& meshes, const Studio& studio) const;
     void ThrowIfFailed() const;
 
+    /// Embree's question whether a ray may hit a triangle.
+    static void Filter(const RTCFilterFunctionNArguments* arguments);
+
+    const SurfaceTable& m_surfaces;
     std::vector<Triangle> m_triangles; ///< By Embree's number of the primitive.
     Owned<RTCDevice> m_device;
     Owned<RTCScene> m_scene;

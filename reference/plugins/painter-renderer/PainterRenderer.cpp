@@ -19,7 +19,7 @@ constexpr int kMostCanvasPixels = 6'000'000;
 void PaintStudio(QImage& image, const Studio& studio, const PictureRequest& request, const SurfaceTable& surfaces)
 {
     std::optional<FloorShadow> shadow;
-    if (studio.ground)
+    if (studio.ground && studio.groundShadow)
         shadow.emplace(request, surfaces, studio);
     for (int y = 0; y < studio.size.height(); ++y) {
         QRgb* const row = reinterpret_cast<QRgb*>(image.scanLine(y));
@@ -27,9 +27,10 @@ void PaintStudio(QImage& image, const Studio& studio, const PictureRequest& requ
         for (int x = 0; x < studio.size.width(); ++x) {
             const TVec3<float> ray = studio.RayThrough(static_cast<float>(x) + 0.5f, pixelY);
             const float distance = studio.DistanceToFloor(studio.eye, ray);
-            const TVec3<float> colour = std::isfinite(distance)
-                ? studio.Floor(studio.eye + ray * distance, pixelY, shadow->LostAt(x, y))
-                : studio.Backdrop(pixelY);
+            const TVec3<float> backdrop = studio.Backdrop(static_cast<float>(x) + 0.5f, pixelY);
+            const TVec3<float> colour = shadow && std::isfinite(distance)
+                ? studio.Floor(studio.eye + ray * distance, backdrop, shadow->LostAt(x, y))
+                : backdrop;
             row[x] = PixelFromLinear(colour, DitherAt(x, y));
         }
     }
