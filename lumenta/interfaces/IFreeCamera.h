@@ -81,7 +81,7 @@ public:
     /// \param frameAspect is held above 0
     virtual void SetFrameAspect(float frameAspect) = 0;
 
-    // How a hand moves it. A locked camera ignores these five.
+    // How a hand moves it. A locked camera ignores these six.
 
     virtual void Orbit(float heading, float pitch) = 0;
 

@@ -65,8 +65,8 @@ public:
     /// The scene that owns the node; null once it was removed.
     virtual IScene* GetScene() const = 0;
 
-    /// A number that no other node of this scene has or ever had, the same
-    /// after saving and opening again. Positive.
+    /// A number that no other node of this scene has or ever had. Positive.
+    /// Opening a stored document numbers its nodes anew.
     virtual int GetId() const = 0;
 
     /// Adds a mesh node, or a group of them, made from `source`: a model file or

@@ -50,6 +50,8 @@ struct sAnimationInfo {
 /// operation makes for itself. `beforeSceneUpdate` is emitted once before the
 /// first change of the batch, `afterSceneUpdate` once after its last one;
 /// `nodeChanged` and `sceneChanged` come in between, at once with each change.
+/// What is neither node nor material (ground, background, light, output, file)
+/// needs no batch: `sceneChanged` alone tells of it.
 /// A call that changes nothing emits nothing.
 class LUMENTA_EXPORT IScene : public QObject {
     Q_OBJECT

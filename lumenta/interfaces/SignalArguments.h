@@ -64,7 +64,9 @@ constexpr eSceneChangedFlags operator|(eSceneChangedFlags a, eSceneChangedFlags 
 }
 
 /// One batch of modifications. Before the batch it tells what is planned, as
-/// far as that is known; after it what came of it, each node once a list.
+/// far as that is known; after it what came of it, each node once a list. A node
+/// that is gone by then stands in `removed` alone, and one that came within the
+/// batch and is gone in none.
 ///
 /// Nodes are named by their address. A removed node stays alive until control
 /// returns to the event loop, so a receiver in the same thread may still ask it

@@ -1,0 +1,29 @@
+#include "reference/host/document/Mesh.h"
+
+#include "reference/host/document/Node.h"
+
+#include <utility>
+
+namespace Host {
+
+Mesh::Mesh(const QString& strName, std::vector<MeshVertex> vertices, std::vector<unsigned int> indices)
+    : m_strName(strName)
+    , m_vertices(std::move(vertices))
+    , m_indices(std::move(indices))
+{
+    UpdateBox();
+}
+
+const IMeshNode* Mesh::GetOwner() const
+{
+    return m_pOwner;
+}
+
+void Mesh::UpdateBox()
+{
+    m_box = {};
+    for (const MeshVertex& vertex : m_vertices)
+        m_box.Extend(vertex.position);
+}
+
+} // namespace Host

@@ -1,0 +1,298 @@
+#include "reference/host/document/Scene.h"
+
+#include "reference/host/Directions.h"
+#include "reference/host/document/Image.h"
+#include "reference/host/document/SceneMaterial.h"
+#include "reference/host/document/Node.h"
+#include "reference/host/document/PosedModel.h"
+#include "reference/host/document/Snapshots.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Host {
+
+namespace {
+
+const QString kDefaultMaterial = QStringLiteral("Default");
+
+} // namespace
+
+Scene::Scene(QObject* pParent)
+    : IScene(pParent)
+    , m_batch(*this)
+    , m_camera(std::make_unique<FreeCamera>())
+    , m_snapshots(std::make_unique<SnapshotManager>(*this))
+{
+    auto root = std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, QString());
+    m_pRoot = root.get();
+    m_pRoot->m_pScene = this;
+    m_nodes[m_nLastId] = std::move(root);
+    m_materials.push_back(new SceneMaterial(kDefaultMaterial, this));
+}
+
+Scene::~Scene()
+{
+    m_batch.Silence();
+    for (IMaterial* pMaterial : m_materials)
+        delete pMaterial;
+}
+
+INode* Scene::GetRoot() const
+{
+    return m_pRoot;
+}
+
+ISnapshotManager* Scene::GetSnapshotManager() const
+{
+    return m_snapshots.get();
+}
+
+void Scene::KeepUntilLater(std::unique_ptr<QObject> removed)
+{
+    m_batch.Keep(std::move(removed));
+}
+
+// ------------------------------------------------------------------- settings
+
+void Scene::Announce(eSceneChangedFlags what)
+{
+    eSceneChangedFlags told = what;
+    if (!m_bModified) {
+        m_bModified = true;
+        told = told | eSceneChangedDocument;
+    }
+    if (told != eSceneChangedFlags{})
+        Q_EMIT sceneChanged(told);
+}
+
+template <typename T>
+void Scene::Assign(T& field, const T& value, eSceneChangedFlags what)
+{
+    if (field == value)
+        return;
+    field = value;
+    Announce(what);
+}
+
+void Scene::SetGroundPlaneEnabled(bool bEnabled)
+{
+    Assign(m_settings.bGround, bEnabled, eSceneChangedGround);
+}
+
+void Scene::SetGroundShadowEnabled(bool bEnabled)
+{
+    Assign(m_settings.bGroundShadow, bEnabled, eSceneChangedGround);
+}
+
+void Scene::SetBackgroundMode(eBackgroundMode mode)
+{
+    Assign(m_settings.backgroundMode, mode, eSceneChangedBackground);
+}
+
+void Scene::SetBackgroundColor(const ColorF& color)
+{
+    Assign(m_settings.backgroundColor, color, eSceneChangedBackground);
+}
+
+void Scene::SetBackgroundImage(IImage* pImage)
+{
+    if (pImage)
+        connect(pImage, &QObject::destroyed, this, &Scene::OnImageDestroyed, Qt::UniqueConnection);
+    Assign(m_settings.pBackgroundImage, pImage, eSceneChangedBackground);
+}
+
+void Scene::OnImageDestroyed(QObject* pObject)
+{
+    if (static_cast<QObject*>(m_settings.pBackgroundImage) == pObject)
+        SetBackgroundImage(nullptr);
+}
+
+void Scene::SetAmbientLight(const ColorF& color)
+{
+    Assign(m_settings.ambientLight, color, eSceneChangedLighting);
+}
+
+void Scene::SetSunDirection(const TVec3<float>& direction)
+{
+    if (std::isfinite(direction.x) && std::isfinite(direction.y) && std::isfinite(direction.z))
+        Assign(m_settings.sunDirection, UnitOr(direction, {0.0f, 0.0f, 0.0f}), eSceneChangedLighting);
+}
+
+void Scene::SetSunLight(const ColorF& color)
+{
+    Assign(m_settings.sunLight, color, eSceneChangedLighting);
+}
+
+void Scene::SetMillimetersPerUnit(float millimeters)
+{
+    if (millimeters > 0.0f && std::isfinite(millimeters))
+        Assign(m_settings.millimetersPerUnit, millimeters, eSceneChangedOutput);
+}
+
+void Scene::SetRenderSize(const QSize& size)
+{
+    if (!size.isEmpty())
+        Assign(m_settings.renderSize, size, eSceneChangedOutput);
+}
+
+void Scene::SetModified(bool bModified)
+{
+    if (bModified == m_bModified)
+        return;
+    m_bModified = bModified;
+    Q_EMIT sceneChanged(eSceneChangedDocument);
+}
+
+void Scene::SetFileName(const QString& strFileName)
+{
+    if (strFileName == m_strFileName)
+        return;
+    m_strFileName = strFileName;
+    Q_EMIT sceneChanged(eSceneChangedDocument);
+}
+
+void Scene::Clear()
+{
+    {
+        sSceneModifications planned;
+        planned.strTitle = QStringLiteral("Clear");
+        const Bracket bracket(m_batch, planned);
+        RemoveNodes(m_pRoot->GetChildren());
+        m_pRoot->SetName(QString());
+        m_pRoot->SetVisible(true);
+        for (IMaterial* pMaterial : std::vector<IMaterial*>(m_materials))
+            RemoveMaterial(pMaterial);
+        GetDefaultMaterial()->Reset();
+        GetDefaultMaterial()->SetName(kDefaultMaterial);
+        for (std::unique_ptr<Image>& image : m_images)
+            m_batch.Keep(std::move(image));
+        m_images.clear();
+    }
+    while (!m_snapshots->GetSnapshots().empty())
+        m_snapshots->Remove(m_snapshots->GetSnapshots().front());
+
+    const Settings fresh;
+    SetGroundPlaneEnabled(fresh.bGround);
+    SetGroundShadowEnabled(fresh.bGroundShadow);
+    SetBackgroundMode(fresh.backgroundMode);
+    SetBackgroundColor(fresh.backgroundColor);
+    SetBackgroundImage(fresh.pBackgroundImage);
+    SetAmbientLight(fresh.ambientLight);
+    SetSunDirection(fresh.sunDirection);
+    SetSunLight(fresh.sunLight);
+    SetMillimetersPerUnit(fresh.millimetersPerUnit);
+    SetRenderSize(fresh.renderSize);
+    m_camera->Restart();
+    setProperty("object-creator-next-index", QVariant());
+    SetFileName(QString());
+    SetModified(false);
+}
+
+// ------------------------------------------------------------------ materials
+
+IMaterial* Scene::FindMaterial(const QString& strName) const
+{
+    const auto found = std::find_if(m_materials.begin(), m_materials.end(),
+                                    [&](const IMaterial* pMaterial) { return pMaterial->GetName() == strName; });
+    return found == m_materials.end() ? nullptr : *found;
+}
+
+IMaterial* Scene::AddMaterial(std::unique_ptr<SceneMaterial> material, Change& change)
+{
+    material->m_pScene = this;
+    m_materials.push_back(material.get());
+    change.Materials();
+    change.InScene(eSceneChangedMaterials);
+    return material.release();
+}
+
+IMaterial* Scene::CreateMaterial(const QString& strName)
+{
+    sSceneModifications planned;
+    planned.strTitle = QStringLiteral("Add material '%1'").arg(strName);
+    planned.materialsChanged = true;
+    Change change(m_batch, planned);
+    return AddMaterial(std::make_unique<SceneMaterial>(strName), change);
+}
+
+IMaterial* Scene::NullForDefault(IMaterial* pMaterial) const
+{
+    return pMaterial == GetDefaultMaterial() ? nullptr : pMaterial;
+}
+
+/// Gives the meshes at and under the nodes what choose(given) answers for what
+/// each was given; null is the default material.
+template <typename F>
+void Scene::Dress(const std::vector<INode*>& nodes, const QString& strTitle, const F& choose)
+{
+    const auto plan = [&] {
+        std::vector<std::pair<MeshNode*, std::vector<IMaterial*>>> dresses;
+        for (Node* pNode : InTreeOrder(nodes, eWithBelow)) {
+            auto* const pMeshNode = qobject_cast<MeshNode*>(pNode);
+            if (!pMeshNode)
+                continue;
+            const std::vector<IMaterial*> given = pMeshNode->GivenMaterials();
+            std::vector<IMaterial*> chosen(given.size());
+            std::transform(given.begin(), given.end(), chosen.begin(), choose);
+            if (chosen != given)
+                dresses.emplace_back(pMeshNode, std::move(chosen));
+        }
+        return dresses;
+    };
+    if (plan().empty())
+        return;
+    sSceneModifications planned;
+    planned.strTitle = strTitle;
+    Change change(m_batch, planned);
+    for (const auto& [pMeshNode, chosen] : plan()) {
+        pMeshNode->GiveMaterials(chosen);
+        change.Changed(*pMeshNode, eNodeChangedMaterial);
+    }
+}
+
+void Scene::AssignMaterial(const std::vector<INode*>& nodes, IMaterial* pMaterial)
+{
+    if (!IsOwnOrNull(pMaterial))
+        return;
+    IMaterial* const pGiven = NullForDefault(pMaterial);
+    Dress(nodes, QStringLiteral("Assign a material"), [&](IMaterial*) { return IsOwnOrNull(pGiven) ? pGiven : nullptr; });
+}
+
+void Scene::RemoveMaterial(IMaterial* pMaterial)
+{
+    if (!pMaterial || pMaterial->GetScene() != this || pMaterial == GetDefaultMaterial())
+        return;
+    sSceneModifications planned;
+    planned.strTitle = QStringLiteral("Remove material '%1'").arg(pMaterial->GetName());
+    planned.materialsChanged = true;
+    Change change(m_batch, planned);
+    if (pMaterial->GetScene() != this)
+        return; // a slot was faster
+    Dress({m_pRoot}, QString(), [&](IMaterial* pGiven) { return pGiven == pMaterial ? nullptr : pGiven; });
+    const auto found = std::find(m_materials.begin(), m_materials.end(), pMaterial);
+    if (found == m_materials.end())
+        return;
+    m_materials.erase(found);
+    static_cast<SceneMaterial*>(pMaterial)->Leave();
+    m_batch.Keep(std::unique_ptr<QObject>(pMaterial));
+    change.Materials();
+    change.InScene(eSceneChangedMaterials);
+}
+
+std::vector<INode*> Scene::GetNodesWithMaterial(const IMaterial* pMaterial) const
+{
+    std::vector<INode*> nodes;
+    for (Node* pNode : AllNodes()) {
+        const auto* const pMeshNode = qobject_cast<const MeshNode*>(pNode);
+        for (std::size_t i = 0; pMeshNode && i < pMeshNode->GetMeshes().size(); ++i) {
+            if (pMeshNode->GetMaterial(i) != pMaterial)
+                continue;
+            nodes.push_back(pNode);
+            break;
+        }
+    }
+    return nodes;
+}
+
+} // namespace Host
