@@ -98,7 +98,10 @@ struct PictureRequest {
     std::optional<TVec3<float>> background{}; ///< None for the studio's own backdrop.
     QImage backgroundImage{};                 ///< Before either of them, stretched over the picture.
     const std::vector<Surface>* surfaces = nullptr; ///< One per mesh, in place of their parameters; or null.
-    std::function<bool()> isStopped{}; ///< Asked while there is something left to do, on the caller's thread.
+    std::function<bool()> isStopped{}; ///< Whether to end early. Asked on the caller's thread, after progress, where
+                                       ///< something is left to do.
+
+    bool MustStop() const { return isStopped && isStopped(); }
 };
 
 /// Makes pictures of posed meshes, without a display.

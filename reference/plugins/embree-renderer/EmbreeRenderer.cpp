@@ -43,6 +43,8 @@ public:
         return true;
     }
 
+    bool HasRowsLeft() const noexcept { return m_nextRow.load() < m_size.height(); }
+
     /// Leaves the remaining rows undone.
     void Stop() noexcept { m_nextRow.store(m_size.height()); }
 
@@ -108,14 +110,21 @@ public:
         if (request.size.isEmpty())
             return {};
         QImage image = NewPicture(request.size, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        if (request.MustStop())
+            return image;
         const LightTracer tracer(request);
         RowWork work(tracer, image);
         Helpers helpers(work, ThreadCount(request) - 1);
-        while (work.RunOne())
+        bool isWhole = true;
+        while (isWhole && work.RunOne()) {
             if (progress)
                 progress(std::min(work.Percent(), 99));
+            isWhole = !work.HasRowsLeft() || !request.MustStop();
+        }
+        work.Stop(); // no rows are left, or none are wanted
         helpers.Join();
-        if (progress)
+        if (progress && isWhole)
             progress(100);
         return image;
     }

@@ -3,7 +3,10 @@
 #include "reference/host/Directions.h"
 #include "reference/plugins/painter-renderer/TriangleFill.h"
 
+#include <QPainter>
+
 #include <algorithm>
+#include <cmath>
 
 namespace Host {
 
@@ -20,14 +23,23 @@ Vector Mixed(const Vector& a, const Vector& b, const Vector& c, const TVec3<floa
     return a * weights.x + b * weights.y + c * weights.z;
 }
 
-/// `above` over `below`, which is premultiplied.
-QRgb Over(QRgb above, QRgb below)
+/// `above` over `below`, which is premultiplied. What shows through is tinted.
+QRgb Over(QRgb above, QRgb below, const TVec3<float>& filter)
 {
     const QRgb source = qPremultiply(above);
     const int rest = 255 - qAlpha(source);
     const auto mixed = [rest](int a, int b) { return a + (b * rest + 127) / 255; };
-    return qRgba(mixed(qRed(source), qRed(below)), mixed(qGreen(source), qGreen(below)),
-                 mixed(qBlue(source), qBlue(below)), mixed(qAlpha(source), qAlpha(below)));
+    const auto tinted = [](int b, float share) { return std::min(qRound(static_cast<float>(b) * share), 255); };
+    return qRgba(mixed(qRed(source), tinted(qRed(below), filter.x)),
+                 mixed(qGreen(source), tinted(qGreen(below), filter.y)),
+                 mixed(qBlue(source), tinted(qBlue(below), filter.z)), mixed(qAlpha(source), qAlpha(below)));
+}
+
+/// The factor of a pixel that makes its light so much less.
+TVec3<float> InPixels(const TVec3<float>& share)
+{
+    constexpr float kGamma = 1.0f / 2.2f;
+    return {std::pow(share.x, kGamma), std::pow(share.y, kGamma), std::pow(share.z, kGamma)};
 }
 
 } // namespace
@@ -53,10 +65,16 @@ void Canvas::Draw(const std::vector<Piece>& pieces)
         });
     for (const Piece& piece : pieces)
         if (piece.surface->CanBeTransparent())
-            ForEachVisiblePixel(piece, [](QRgb& pixel, float&, QRgb colour, float) {
+            ForEachVisiblePixel(piece, [filter = InPixels(piece.surface->filter)](QRgb& pixel, float&, QRgb colour, float) {
                 if (qAlpha(colour) < 255)
-                    pixel = Over(colour, pixel);
+                    pixel = Over(colour, pixel, filter);
             });
+}
+
+void Canvas::PutBehind(const QImage& picture)
+{
+    QPainter painter(&m_image);
+    painter.drawImage(m_image.rect(), picture, QRect(0, m_top, picture.width(), m_image.height() / kFiner));
 }
 
 QImage Canvas::GetPicture() const
@@ -100,14 +118,25 @@ TVec3<float> Canvas::FaceNormal(const Piece& piece) const
 QRgb Canvas::ColourAt(const Piece& piece, const TVec3<float>& faceNormal, const TVec3<float>& weights) const
 {
     const auto& [a, b, c] = piece.corners;
-    const TVec3<float> smooth = UnitOr(Mixed(a.normal, b.normal, c.normal, weights), faceNormal);
+    const Surface& surface = *piece.surface;
+    const TVec3<float> smooth =
+        surface.flat ? faceNormal : UnitOr(Mixed(a.normal, b.normal, c.normal, weights), faceNormal);
     const TVec3<float> normal = Dot(smooth, faceNormal) < 0.0f ? -smooth : smooth;
-    const TVec3<float> towardsEye = UnitOr(InStudio(-Mixed(a.fromEye, b.fromEye, c.fromEye, weights)), faceNormal);
+    const TVec3<float> fromEye = InStudio(Mixed(a.fromEye, b.fromEye, c.fromEye, weights));
+    const TVec3<float> towardsEye = UnitOr(-fromEye, faceNormal);
+    const TVec2<float> texCoord = Mixed(a.texCoord, b.texCoord, c.texCoord, weights);
 
-    const SurfaceColour colour = piece.surface->At(Mixed(a.texCoord, b.texCoord, c.texCoord, weights));
-    const TVec3<float> sun = kSunLight * std::max(0.0f, Dot(normal, m_studio.sun));
-    const float highlight = piece.surface->HighlightOn(normal, m_studio.sun, towardsEye);
-    const QRgb pixel = PixelFromLinear(Exposed(Times(colour.colour, sun + m_studio.SkyOn(normal)) + sun * highlight));
+    const TVec3<float> sun = m_studio.sunLight * std::max(0.0f, Dot(normal, m_studio.sun));
+    TVec3<float> light = sun + m_studio.SkyOn(normal);
+    TVec3<float> shine = sun * surface.HighlightOn(normal, m_studio.sun, towardsEye);
+    for (const Lamp& lamp : m_studio.lamps) {
+        const TVec3<float> place = m_studio.eye + fromEye;
+        const TVec3<float> arriving = m_studio.LampOn(lamp, place, normal);
+        light = light + arriving;
+        shine = shine + arriving * surface.HighlightOn(normal, UnitOr(lamp.position - place, normal), towardsEye);
+    }
+    const SurfaceColour colour = surface.At(texCoord);
+    const QRgb pixel = PixelFromLinear(surface.Seen(colour.colour, light, shine, texCoord));
     return qRgba(qRed(pixel), qGreen(pixel), qBlue(pixel), qRound(colour.opacity * 255.0f));
 }
 

@@ -17,6 +17,10 @@ public:
     /// Canvas pixels for a pixel of the picture.
     static constexpr int PixelCount() { return kFiner * kFiner; }
 
+    /// Puts the picture's rows behind all: glass that tints needs to have what it
+    /// tints on the canvas.
+    void PutBehind(const QImage& picture);
+
     /// Draws what is opaque, then, behind nothing of that, what is not.
     /// \param pieces the farthest first
     void Draw(const std::vector<Piece>& pieces);

@@ -25,7 +25,8 @@ TVec2<float> SunflowerPoint(int index, int count)
 
 std::vector<TVec3<float>> SunDirections(const Studio& studio)
 {
-    const TVec3<float> x = Normalized(Cross(studio.sun, studio.up));
+    const TVec3<float> across = Cross(studio.sun, studio.up);
+    const TVec3<float> x = across == TVec3<float>{} ? studio.right : Normalized(across); // at the zenith any will do
     const TVec3<float> y = Cross(x, studio.sun);
     std::vector<TVec3<float>> directions;
     for (int i = 0; i < kSunDirections; ++i) {
@@ -76,7 +77,7 @@ FloorShadow::FloorShadow(const PictureRequest& request, const SurfaceTable& surf
     if (std::max(m_maskSize.width(), m_maskSize.height()) > kLargestMask)
         m_maskSize = m_maskSize.scaled(kLargestMask, kLargestMask, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     for (std::size_t mesh = 0; mesh < request.meshes->size(); ++mesh)
-        if (surfaces.Of(mesh).base.opacity >= 0.5f)
+        if (surfaces.Of(mesh).base.opacity >= 0.5f && surfaces.Of(mesh).castsShadows)
             AddCaster((*request.meshes)[mesh]);
     m_sunHidden = Hidden(SunDirections(studio));
     m_skyHidden = Hidden(SkyDirections(studio));
@@ -84,8 +85,8 @@ FloorShadow::FloorShadow(const PictureRequest& request, const SurfaceTable& surf
 
 TVec3<float> FloorShadow::LostAt(int x, int y) const
 {
-    const TVec3<float> sun = kSunLight * Dot(m_studio.sun, m_studio.up);
-    const TVec3<float> sky = m_studio.SkyOn(m_studio.up) - TVec3<float>{kBounce, kBounce, kBounce};
+    const TVec3<float> sun = m_studio.sunLight * std::max(0.0f, Dot(m_studio.sun, m_studio.up));
+    const TVec3<float> sky = m_studio.SkyOn(m_studio.up) - m_studio.Bounce({1.0f, 1.0f, 1.0f});
     return sun * Sampled(m_sunHidden, x, y) + sky * Sampled(m_skyHidden, x, y);
 }
 
@@ -107,6 +108,8 @@ FloorShadow::Mask FloorShadow::Hidden(const std::vector<TVec3<float>>& direction
     std::vector<std::size_t> lastLayer(mask.size(), 0); // each layer counts once, however many triangles it has
     const float weight = 1.0f / static_cast<float>(directions.size());
     for (std::size_t layer = 1; layer <= directions.size(); ++layer) {
+        if (!(Dot(directions[layer - 1], m_studio.up) > 0.0f))
+            continue; // light from below the floor
         const std::vector<QPointF> shadows = ShadowsOfPoints(directions[layer - 1]);
         for (const auto& [a, b, c] : m_triangles)
             ForEachPixel({shadows[a], shadows[b], shadows[c]}, m_maskSize, [&](int x, int y) {

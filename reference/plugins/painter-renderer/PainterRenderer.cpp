@@ -14,6 +14,12 @@ namespace Host {
 namespace {
 
 constexpr int kMostCanvasPixels = 6'000'000;
+constexpr int kStudioShare = 20; ///< Of the work, in percent.
+
+bool Tints(const Surface& surface)
+{
+    return surface.CanBeTransparent() && surface.filter != TVec3<float>{1.0f, 1.0f, 1.0f};
+}
 
 /// The request's picture before any mesh is on it.
 void PaintStudio(QImage& image, const Studio& studio, const PictureRequest& request, const SurfaceTable& surfaces)
@@ -40,27 +46,58 @@ class PainterRenderer final : public IPictureRenderer {
 public:
     QString GetName() const override { return QStringLiteral("painter"); }
 
+    QStringList GetLeftOut(const PictureRequest& request) const override
+    {
+        QStringList lines;
+        if (std::any_of(request.lamps.begin(), request.lamps.end(), [](const Lamp& lamp) { return lamp.castsShadows; }))
+            lines += QStringLiteral("The painter draws no shadows of lamps");
+        const std::vector<Surface> none;
+        for (const Surface& surface : request.surfaces ? *request.surfaces : none) {
+            QStringList missing;
+            if (surface.reflection > 0.0f)
+                missing += QStringLiteral("reflections");
+            if (surface.bumpHeight != 0.0f && surface.textures[eMaterialSlotBump])
+                missing += QStringLiteral("bumps");
+            if (!missing.isEmpty())
+                lines += QStringLiteral("The painter draws the material '%1' without %2")
+                             .arg(surface.name, missing.join(QStringLiteral(" and ")));
+        }
+        lines.removeDuplicates(); // several meshes may wear one material
+        return lines;
+    }
+
     QImage Render(const PictureRequest& request, const Progress& progress) override
     {
         if (request.size.isEmpty())
             return {};
+        QImage image = NewPicture(request.size, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        if (request.MustStop())
+            return image;
         const Studio studio(request);
         const SurfaceTable surfaces(request);
-        QImage image = NewPicture(request.size, QImage::Format_RGB32);
         PaintStudio(image, studio, request, surfaces);
         const std::vector<Piece> pieces = PiecesInFront(request, surfaces, studio);
+
+        const bool tints = surfaces.HasAny(Tints);
 
         // Band by band, so that the finer canvas stays small.
         const int width = request.size.width();
         const int height = request.size.height();
         const int rows = std::max(1, kMostCanvasPixels / (width * Canvas::PixelCount()));
         for (int top = 0; top < height; top += rows) {
+            if (progress)
+                progress(std::max(kStudioShare, 100 * top / height));
+            if (request.MustStop())
+                return image;
             Canvas canvas(studio, top, std::min(rows, height - top));
+            if (tints)
+                canvas.PutBehind(image);
             canvas.Draw(pieces);
             QPainter(&image).drawImage(0, top, canvas.GetPicture());
-            if (progress)
-                progress(100 * std::min(top + rows, height) / height);
         }
+        if (progress)
+            progress(100);
         return image;
     }
 };

@@ -38,6 +38,14 @@ void AddClipped(const Piece& piece, std::vector<Piece>& pieces)
         pieces.push_back({{polygon[0], polygon[2], polygon[3]}, piece.surface});
 }
 
+/// Whether the back of a triangle is in sight. Corners run clockwise as seen
+/// from the front, in the camera's frame too.
+bool IsFromBehind(const Piece& piece)
+{
+    const TVec3<float>& a = piece.corners[0].fromEye;
+    return Dot(Cross(piece.corners[1].fromEye - a, piece.corners[2].fromEye - a), a) > 0.0f;
+}
+
 float Depth(const Piece& piece)
 {
     return Length(piece.corners[0].fromEye + piece.corners[1].fromEye + piece.corners[2].fromEye);
@@ -58,7 +66,8 @@ std::vector<Piece> PiecesInFront(const PictureRequest& request, const SurfaceTab
                 const MeshVertex& vertex = mesh.vertices[mesh.indices[first + i]];
                 piece.corners[i] = {studio.FromEye(studio.FromWorld(vertex.position)), vertex.normal, vertex.texCoord};
             }
-            AddClipped(piece, pieces);
+            if (piece.surface->twoSided || !IsFromBehind(piece))
+                AddClipped(piece, pieces);
         }
     }
     std::stable_sort(pieces.begin(), pieces.end(), [](const Piece& a, const Piece& b) { return Depth(a) > Depth(b); });
