@@ -113,7 +113,7 @@ void Run(const Arguments& arguments)
     Print(ClipText(*animations[static_cast<std::size_t>(animation)], *animations[static_cast<std::size_t>(clip)], cut));
     if (!pictures.fileName.isEmpty()) {
         pictures.take.animation = clip;
-        MakePictures(model, pictures, bar);
+        MakePictures(std::move(model), pictures, bar);
     }
 }
 

@@ -1,20 +1,30 @@
 #include "reference/tools/FrameSequence.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "lumenta/foundation/Matrix.h"
+#include "lumenta/interfaces/INode.h"
+#include "lumenta/interfaces/IScene.h"
 #include "reference/host/Directions.h"
+#include "reference/host/ScenePicture.h"
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace Host {
 
 namespace {
 
+constexpr double kSmallest = 0.01;
+constexpr double kLargest = 1000.0;
+constexpr TVec3<float> kUp{0.0f, 0.0f, 1.0f};
+
 /// The animation's duration. For a wrong index 0: posing will complain.
-float DurationOf(const SkinAnimation::Scene& scene, std::optional<int> animation)
+float DurationOf(const IScene& scene, int animation)
 {
-    const auto index = static_cast<std::size_t>(animation.value_or(-1));
-    return index < scene.animations.size() ? scene.animations[index]->duration : 0.0f;
+    const std::vector<sAnimationInfo> animations = scene.GetAnimations();
+    const auto index = static_cast<std::size_t>(animation);
+    return index < animations.size() ? animations[index].length : 0.0f;
 }
 
 std::vector<Frame> PlanFrames(const Take& take, float duration)
@@ -28,10 +38,45 @@ std::vector<Frame> PlanFrames(const Take& take, float duration)
     return frames;
 }
 
-float LowestAlong(const TVec3<float>& up, const TBBox<float>& box)
+double AspectOf(QSize size)
 {
-    return std::min(up.x * box.min.x, up.x * box.max.x) + std::min(up.y * box.min.y, up.y * box.max.y)
-           + std::min(up.z * box.min.z, up.z * box.max.z);
+    return static_cast<double>(size.width()) / static_cast<double>(size.height());
+}
+
+/// What a model is scaled by whose largest side takes so much of the world.
+/// Tall pictures are taken from farther away, as larger models are.
+double ScaleFor(double size, double aspect)
+{
+    constexpr double kMostDigits = 37.0; // what a float holds
+    const double wanted = size / std::min(aspect, 1.0);
+    if (!(wanted > 0.0) || (wanted >= kSmallest && wanted <= kLargest)) return 1.0;
+    return std::pow(10.0, std::clamp(-std::floor(std::log10(wanted)), -kMostDigits, kMostDigits));
+}
+
+/// How what takes the room `box` is moved to stand on z = 0 near the z axis,
+/// after scaling.
+Matrix PlacementOf(const TBBox<float>& box, double aspect)
+{
+    const TVec3<double> min = Widened(box.min);
+    const TVec3<double> max = Widened(box.max);
+    const double scale = ScaleFor(std::max({max.x - min.x, max.y - min.y, max.z - min.z}), aspect);
+    const auto shift = [scale](double from, double to) {
+        const double middle = (from + to) * 0.5 * scale;
+        return static_cast<float>(std::fabs(middle) > kLargest ? -middle : 0.0);
+    };
+    Matrix placement;
+    for (int axis = 0; axis < 3; ++axis)
+        placement(axis, axis) = static_cast<float>(scale);
+    placement.SetTranslation({shift(min.x, max.x), shift(min.y, max.y), static_cast<float>(-min.z * scale)});
+    return placement;
+}
+
+TBBox<float> Moved(const TBBox<float>& box, const Matrix& placement)
+{
+    TBBox<float> moved = box;
+    TransformPoint(moved.min, placement);
+    TransformPoint(moved.max, placement);
+    return moved;
 }
 
 } // namespace
@@ -39,44 +84,41 @@ float LowestAlong(const TVec3<float>& up, const TBBox<float>& box)
 template <typename Visitor>
 void FrameSequence::ForEachPose(const Progress& progress, const Visitor& visit)
 {
+    std::unique_ptr<ScenePicture> posed;
+    std::optional<float> posedTime;
     int nDone = 0;
-    for (const Frame& frame : m_frames) {
-        visit(frame, Pose(frame));
+    for (Frame& frame : m_frames) {
+        if (posedTime != frame.time) {
+            m_scene.SetAnimation(m_animation, frame.time);
+            posed = std::make_unique<ScenePicture>(m_scene, sRenderSettings{});
+            posedTime = frame.time;
+        }
+        visit(frame, *posed->GetRequest().meshes);
         progress(100 * ++nDone / static_cast<int>(m_frames.size()));
     }
 }
 
-FrameSequence::FrameSequence(SkinAnimation::Scene& scene, const Take& take, const Progress& progress)
+FrameSequence::FrameSequence(IScene& scene, INode& model, const Take& take, const Progress& progress)
     : m_scene(scene)
-    , m_animation(take.animation)
-    , m_frames(PlanFrames(take, DurationOf(scene, take.animation)))
+    , m_animation(take.animation.value_or(-1))
+    , m_frames(PlanFrames(take, DurationOf(scene, m_animation)))
 {
     const auto half = [&progress](int first) {
         return [&progress, first](int percent) {
-            if (progress)
-                progress(first + percent / 2);
+            if (progress) progress(first + percent / 2);
         };
     };
     const TBBox<float> box = MeasureBox(half(0));
-    if (box.IsEmpty())
-        throw LoadingException(QStringLiteral("no frame holds a triangle that could be drawn"));
-    m_groundHeight = LowestAlong(take.up, box);
-    PlaceCameras(box, take, half(50));
+    if (box.IsEmpty()) throw LoadingException(QStringLiteral("no frame holds a triangle that could be drawn"));
+    const Matrix placement = PlacementOf(box, AspectOf(take.size));
+    model.SetMatrix(model.GetMatrix() * placement);
+    PlaceCameras(Moved(box, placement), take, half(50));
 }
 
-const std::vector<PosedMesh>& FrameSequence::Pose(const Frame& frame)
+void FrameSequence::Show(const Frame& frame)
 {
-    if (m_posedTime == frame.time)
-        return m_collector.meshes;
-
-    m_posedTime.reset();
-    if (m_animation)
-        m_scene.CalculateAnimation(*m_animation, frame.time);
-    m_collector.BeginModel(QString(), m_scene.nodes.size());
-    m_scene.CreateMeshes(m_collector);
-    m_collector.EndModel();
-    m_posedTime = frame.time;
-    return m_collector.meshes;
+    m_scene.SetAnimation(m_animation, frame.time);
+    m_scene.GetCamera()->SetState(frame.camera);
 }
 
 TBBox<float> FrameSequence::MeasureBox(const Progress& progress)
@@ -88,18 +130,21 @@ TBBox<float> FrameSequence::MeasureBox(const Progress& progress)
 
 void FrameSequence::PlaceCameras(const TBBox<float>& box, const Take& take, const Progress& progress)
 {
-    for (Frame& frame : m_frames)
-        frame.camera = FrameBox(box, take.up, frame.azimuth, take.elevation, take.size);
-
     // The box is larger than what fills it. One distance for all frames keeps the model's size.
     float farthest = 0.0f;
-    ForEachPose(progress, [&](const Frame& frame, const std::vector<PosedMesh>& meshes) {
-        farthest = std::max(farthest, DistanceToSee(meshes, frame.camera, take.size));
+    ForEachPose(progress, [&](Frame& frame, const std::vector<PosedMesh>& meshes) {
+        const Camera camera = FrameBox(box, kUp, frame.azimuth, take.elevation, take.size);
+        farthest = std::max(farthest, DistanceToSee(meshes, camera, take.size));
+        // With heading 90 it looks at the front.
+        frame.camera = {camera.target,
+                        0.0f,
+                        90.0f + frame.azimuth,
+                        take.elevation,
+                        camera.verticalFieldOfView,
+                        static_cast<float>(AspectOf(take.size))};
     });
-    for (Frame& frame : m_frames) {
-        const TVec3<float> back = UnitOr(frame.camera.eye - frame.camera.target, {});
-        frame.camera.eye = frame.camera.target + back * farthest;
-    }
+    for (Frame& frame : m_frames)
+        frame.camera.distance = farthest;
 }
 
 } // namespace Host

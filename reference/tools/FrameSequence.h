@@ -1,13 +1,16 @@
 #pragma once
 
-#include "lumenta/skin/Scene.h"
-#include "reference/host/Picture.h"
+#include "lumenta/foundation/BBox.h"
+#include "lumenta/interfaces/IFreeCamera.h"
 #include "reference/host/Progress.h"
 
 #include <QSize>
 
 #include <optional>
 #include <vector>
+
+class INode;
+class IScene;
 
 namespace Host {
 
@@ -20,35 +23,38 @@ struct Take {
     bool turntable = false; ///< The camera goes round once, anticlockwise as seen from above.
     float azimuth = 0.0f;   ///< Degrees, as FrameBox() takes them; where a turn begins.
     float elevation = 0.0f;
-    TVec3<float> up{0.0f, 1.0f, 0.0f};
     QSize size; ///< Of one frame.
 };
 
 struct Frame {
     float time;
     float azimuth;
-    Camera camera;
+    sCameraState camera;
 };
 
-/// Frames that can be laid side by side or played: ground, target, distance
-/// and field of view are the same in all of them, and the model is inside the
-/// picture in each.
+/// Frames that can be laid side by side or played: target, distance and field
+/// of view of the camera are the same in all of them, and the model is inside
+/// the picture in each.
 ///
-/// Poses the scene it was made for, which must outlive it.
+/// Poses the scene it was made for, and moves its camera. The scene must outlive it.
 class FrameSequence {
 public:
-    /// Poses every frame, to learn how much room the sequence takes.
+    /// Poses every frame, to learn how much room the sequence takes. Then moves
+    /// the model to stand on z = 0 with its lowest point of all frames.
+    ///
+    /// Picking sees 10,000 units far, in single precision. So what is more than
+    /// 1,000 units large, or less than 0.01, is scaled by a power of ten; and
+    /// what would stand more than 1,000 units from the z axis is moved there.
+    /// Anything else keeps its size and its x and y.
+    /// \param model an upright node under the root, which all meshes hang under
     /// \throws InvalidParameterException the index names no animation
     /// \throws LoadingException nothing finite is to be seen in any frame
-    FrameSequence(SkinAnimation::Scene& scene, const Take& take, const Progress& progress);
+    FrameSequence(IScene& scene, INode& model, const Take& take, const Progress& progress);
 
     const std::vector<Frame>& GetFrames() const { return m_frames; }
 
-    /// The lowest point of all frames, along the up axis.
-    float GetGroundHeight() const { return m_groundHeight; }
-
-    /// What is to be seen in a frame. Valid until the next call.
-    const std::vector<PosedMesh>& Pose(const Frame& frame);
+    /// Brings the scene and its camera to this frame.
+    void Show(const Frame& frame);
 
 private:
     template <typename Visitor>
@@ -56,12 +62,9 @@ private:
     TBBox<float> MeasureBox(const Progress& progress);
     void PlaceCameras(const TBBox<float>& box, const Take& take, const Progress& progress);
 
-    SkinAnimation::Scene& m_scene;
-    std::optional<int> m_animation;
+    IScene& m_scene;
+    int m_animation; ///< −1 for the rest pose.
     std::vector<Frame> m_frames;
-    float m_groundHeight = 0.0f;
-    MeshCollector m_collector;
-    std::optional<float> m_posedTime; ///< Of what the collector holds.
 };
 
 } // namespace Host

@@ -3,6 +3,7 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "reference/host/SampleFigure.h"
 #include "reference/tools/Failure.h"
+#include "reference/tools/ImageFile.h"
 #include "reference/tools/Services.h"
 #include "reference/tools/Texts.h"
 
@@ -10,10 +11,10 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <QRegularExpression>
+#include <QSet>
 
 #include <algorithm>
 #include <limits>
-#include <optional>
 
 namespace Host {
 
@@ -29,8 +30,7 @@ QString TextureFile(const Model& model, const QString& texture)
     // Many files were written where folders are parted by backslashes.
     const QString path = QString(texture).replace(QLatin1Char('\\'), QLatin1Char('/'));
     for (const QString& place : {texture, path, QFileInfo(path).fileName()})
-        if (QFileInfo(folder, place).isFile())
-            return folder.filePath(place);
+        if (QFileInfo(folder, place).isFile()) return folder.filePath(place);
     return {};
 }
 
@@ -40,8 +40,7 @@ QImage ReadImage(const QString& file, QString& problem)
     // By suffix first: TGA, for one, has no mark that its content is known by,
     // and looks like another format.
     QImage image = reader.read();
-    if (!image.isNull())
-        return image;
+    if (!image.isNull()) return image;
     const QByteArray suffix = QFileInfo(file).suffix().toLower().toLatin1();
     const bool known = reader.error() != QImageReader::UnsupportedFormatError
                        && QImageReader::supportedImageFormats().contains(suffix);
@@ -69,12 +68,10 @@ QImage LoadTexture(const Model& model, const QString& texture, QString& problem)
 std::optional<int> NumberIn(const QString& word)
 {
     static const QRegularExpression pattern(QStringLiteral("\\A-?[0-9]+\\z"));
-    if (!pattern.match(word).hasMatch())
-        return {};
+    if (!pattern.match(word).hasMatch()) return {};
     bool fits = false;
     const int number = word.toInt(&fits);
-    if (fits)
-        return number;
+    if (fits) return number;
     return word.startsWith(QLatin1Char('-')) ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
 }
 
@@ -118,16 +115,13 @@ Model OpenModel(const QString& source, const Progress& progress)
 int FindAnimation(const Model& model, const QString& nameOrNumber)
 {
     const auto& animations = model.scene->animations;
-    if (animations.empty())
-        throw Failure{model.fileName, QStringLiteral("the model has no animation")};
+    if (animations.empty()) throw Failure{model.fileName, QStringLiteral("the model has no animation")};
 
     const auto found = std::find_if(animations.begin(), animations.end(),
                                     [&](const SkinAnimation::Animation* each) { return each->name == nameOrNumber; });
-    if (found != animations.end())
-        return static_cast<int>(found - animations.begin());
+    if (found != animations.end()) return static_cast<int>(found - animations.begin());
 
-    if (const auto number = NumberIn(nameOrNumber))
-        return *number;
+    if (const auto number = NumberIn(nameOrNumber)) return *number;
 
     QStringList names;
     for (const SkinAnimation::Animation* animation : animations)
@@ -135,6 +129,13 @@ int FindAnimation(const Model& model, const QString& nameOrNumber)
     throw Failure{
         model.fileName,
         QStringLiteral("no animation is named %1; there are: %2").arg(Quoted(nameOrNumber), QuotedList(names))};
+}
+
+std::optional<int> FindShownAnimation(const Model& model, const Arguments& arguments, bool plays)
+{
+    if (arguments.Has(QStringLiteral("animation")))
+        return FindAnimation(model, arguments.Text(QStringLiteral("animation")));
+    return plays ? std::optional(FindAnimation(model, QStringLiteral("0"))) : std::nullopt;
 }
 
 void Hide(Model& model, const QStringList& meshes, const QStringList& materials)
@@ -159,8 +160,7 @@ QMap<QString, QImage> LoadTextures(const Model& model, QStringList& missing)
     QStringList tried;
     for (const SkinAnimation::Geometry* geometry : GeometriesOf(*model.scene)) {
         const QString texture = TextureOf(*geometry);
-        if (!geometry->visible || texture.isEmpty() || tried.contains(texture))
-            continue;
+        if (!geometry->visible || texture.isEmpty() || tried.contains(texture)) continue;
         tried += texture;
 
         QString problem;
@@ -173,16 +173,17 @@ QMap<QString, QImage> LoadTextures(const Model& model, QStringList& missing)
     return textures;
 }
 
-QSet<QString> InputFiles(const Model& model)
+void KeepInputs(const Model& model, const QStringList& outputs)
 {
-    QSet<QString> files{QFileInfo(model.fileName).canonicalFilePath()};
+    QSet<QString> inputs{QFileInfo(model.fileName).canonicalFilePath()};
     for (const SkinAnimation::Geometry* geometry : GeometriesOf(*model.scene)) {
         const QString texture = TextureOf(*geometry);
-        if (!texture.isEmpty())
-            files += QFileInfo(TextureFile(model, texture)).canonicalFilePath();
+        if (!texture.isEmpty()) inputs += QFileInfo(TextureFile(model, texture)).canonicalFilePath();
     }
-    files.remove(QString());
-    return files;
+    inputs.remove(QString());
+    for (const QString& output : outputs)
+        if (inputs.contains(CanonicalPath(output)))
+            throw Failure{output, QStringLiteral("would overwrite what the picture is drawn from")};
 }
 
 std::vector<const SkinAnimation::Geometry*> GeometriesOf(const SkinAnimation::Scene& scene)

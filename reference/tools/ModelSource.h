@@ -2,11 +2,14 @@
 
 #include "reference/host/Model.h"
 #include "reference/host/Progress.h"
+#include "reference/tools/CommandLine.h"
 
 #include <QImage>
 #include <QMap>
-#include <QSet>
 #include <QStringList>
+
+#include <optional>
+#include <vector>
 
 namespace Host {
 
@@ -24,6 +27,10 @@ Model OpenModel(const QString& source, const Progress& progress);
 /// \throws Failure the model has no animation, or none of this name
 int FindAnimation(const Model& model, const QString& nameOrNumber);
 
+/// The animation that --animation names, or else the first one where `plays`.
+/// \throws Failure as FindAnimation()
+std::optional<int> FindShownAnimation(const Model& model, const Arguments& arguments, bool plays);
+
 /// Hides meshes and materials by name.
 /// \throws Failure a name that matches nothing, with those there are; or
 ///                 nothing is left to be seen
@@ -35,8 +42,10 @@ void Hide(Model& model, const QStringList& meshes, const QStringList& materials)
 /// \param missing receives a text for each that could not be had
 QMap<QString, QImage> LoadTextures(const Model& model, QStringList& missing);
 
-/// The model's file and those of its textures, hidden ones too, as canonical paths.
-QSet<QString> InputFiles(const Model& model);
+/// Refuses to write what the model and its textures, hidden ones too, are read
+/// from: that would destroy them.
+/// \throws Failure the subject is the file
+void KeepInputs(const Model& model, const QStringList& outputs);
 
 /// Every geometry of the scene, parents before children.
 std::vector<const SkinAnimation::Geometry*> GeometriesOf(const SkinAnimation::Scene& scene);

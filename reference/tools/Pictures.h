@@ -9,9 +9,7 @@ namespace Host {
 /// Draws the model and writes the picture, the series or the contact sheet
 /// that the options ask for. What could not be had for it, a texture for one,
 /// is warned of on standard error.
-///
-/// Hides meshes of the model and leaves it posed.
 /// \throws Failure
-void MakePictures(Model& model, const RenderOptions& options, ProgressBar& bar);
+void MakePictures(Model&& model, const RenderOptions& options, ProgressBar& bar);
 
 } // namespace Host

@@ -14,11 +14,8 @@ void Run(const Arguments& arguments)
 
     ProgressBar bar;
     Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, 5));
-    if (arguments.Has(QStringLiteral("animation")))
-        options.take.animation = FindAnimation(model, arguments.Text(QStringLiteral("animation")));
-    else if (options.plays)
-        options.take.animation = FindAnimation(model, QStringLiteral("0"));
-    MakePictures(model, options, bar);
+    options.take.animation = FindShownAnimation(model, arguments, options.plays);
+    MakePictures(std::move(model), options, bar);
 }
 
 } // namespace
@@ -43,10 +40,7 @@ Verb RenderVerb()
                        "pictures before are complete and stay."),
     };
     manual.options = RenderOptionTable();
-    manual.options.insert(manual.options.begin(),
-                          {QStringList(QStringLiteral("animation")), QStringLiteral("NAME|N"),
-                           QStringLiteral("The animation to draw, by its name, or by its number counted from 0. A name "
-                                          "wins over a number; of equal names the first.")});
+    manual.options.insert(manual.options.begin(), AnimationOption());
     manual.examples = {
         {QStringLiteral("lumenta render robot.glb -o robot.png"), QStringLiteral("The rest pose.")},
         {QStringLiteral("lumenta render robot.glb --animation walk --time 250 -o step.png"),

@@ -16,7 +16,7 @@ namespace {
 constexpr int kMostPixels = 16384; ///< Along one side.
 constexpr int kMostFrames = 10000;
 constexpr int kTurntableFrames = 12;
-constexpr int kMostSheetSide = 32767; ///< The toolkit paints nothing beyond.
+constexpr int kMostSheetSide = 32767;                ///< The toolkit paints nothing beyond.
 constexpr qint64 kMostSheetPixels = qint64(1) << 28; ///< 1 GiB.
 
 /// A place for a number: %d, or with leading zeros %04d. In the last part of
@@ -30,8 +30,7 @@ const QRegularExpression& NumberPlace()
 QSize ReadSize(const Arguments& arguments)
 {
     const QString option = QStringLiteral("size");
-    if (!arguments.Has(option))
-        return {512, 512};
+    if (!arguments.Has(option)) return {512, 512};
     static const QRegularExpression pattern(QStringLiteral("\\A([0-9]{1,6})x([0-9]{1,6})\\z"));
     const QRegularExpressionMatch match = pattern.match(arguments.Text(option));
     const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
@@ -67,8 +66,7 @@ std::optional<TVec3<float>> ReadUp(const Arguments& arguments)
     const QString option = QStringLiteral("up");
     const QStringList axes = {QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("z")};
     const QString axis = arguments.OneOf(option, axes);
-    if (!arguments.Has(option))
-        return {};
+    if (!arguments.Has(option)) return {};
     return AxisOf(axis);
 }
 
@@ -138,6 +136,25 @@ std::vector<Option> RenderOptionTable()
     };
 }
 
+std::vector<Option> ViewOptionTable()
+{
+    std::vector<Option> options = RenderOptionTable();
+    const auto isOfSeveral = [](const Option& option) {
+        static const QStringList names = {QStringLiteral("frames"), QStringLiteral("turntable"), QStringLiteral("o")};
+        return names.contains(option.names.first());
+    };
+    options.erase(std::remove_if(options.begin(), options.end(), isOfSeveral), options.end());
+    return options;
+}
+
+Option AnimationOption()
+{
+    return {{QStringLiteral("animation")},
+            QStringLiteral("NAME|N"),
+            QStringLiteral("The animation to show, by its name, or by its number counted from 0. A name wins over a "
+                           "number; of equal names the first.")};
+}
+
 RenderOptions ReadRenderOptions(const Arguments& arguments, const QString& verb)
 {
     RenderOptions options;
@@ -146,7 +163,8 @@ RenderOptions ReadRenderOptions(const Arguments& arguments, const QString& verb)
         arguments.Has(QStringLiteral("time")) || (arguments.Has(QStringLiteral("frames")) && !options.take.turntable);
     options.up = ReadUp(arguments);
     options.ground = !arguments.Has(QStringLiteral("no-ground"));
-    options.renderer = arguments.OneOf(QStringLiteral("renderer"), RendererNames());
+    const QStringList renderers = RendererNames();
+    if (!renderers.isEmpty()) options.renderer = arguments.OneOf(QStringLiteral("renderer"), renderers);
     options.samplesPerPixel = arguments.Integer(QStringLiteral("samples"), 1, 4096).value_or(options.samplesPerPixel);
     options.threads = arguments.Integer(QStringLiteral("threads"), 0, 256).value_or(options.threads);
     options.hiddenMeshes = arguments.Texts(QStringLiteral("hide-mesh"));
@@ -166,8 +184,7 @@ bool IsSeries(const QString& fileName)
 QString NumberedFileName(const QString& fileName, int number)
 {
     const QRegularExpressionMatch place = NumberPlace().match(fileName);
-    if (!place.hasMatch())
-        return fileName;
+    if (!place.hasMatch()) return fileName;
     const QString digits = QString::number(number).rightJustified(place.captured(1).toInt(), QLatin1Char('0'));
     return QString(fileName).replace(place.capturedStart(), place.capturedLength(), digits);
 }

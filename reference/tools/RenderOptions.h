@@ -12,10 +12,10 @@ constexpr double kLongestTime = 1e9;
 struct RenderOptions {
     QString fileName; ///< Of one picture, or with a %04d for the number of each. Empty
                       ///< where no picture is asked for.
-    QString renderer;
+    QString renderer; ///< Empty where there is none.
     QStringList hiddenMeshes;
     QStringList hiddenMaterials;
-    Take take;                       ///< `animation` and `up` are yet to be found in the model.
+    Take take;                      ///< `animation` is yet to be found in the model.
     std::optional<TVec3<float>> up; ///< In place of the model's.
     bool ground = true;
     int samplesPerPixel = 16;
@@ -27,6 +27,12 @@ struct RenderOptions {
 
 /// The options that every verb which makes pictures has, apart from --animation.
 std::vector<Option> RenderOptionTable();
+
+/// Those of them that say what one picture shows, and how it is drawn.
+std::vector<Option> ViewOptionTable();
+
+/// The --animation of verbs that show what nobody may have named.
+Option AnimationOption();
 
 /// Checks everything that can be known without the model.
 /// \throws UsageError, Failure

@@ -4,8 +4,6 @@
 #include "reference/host/ApplicationContext.h"
 #include "reference/host/ModelReader.h"
 #include "reference/host/PluginHost.h"
-#include "reference/plugins/embree-renderer/EmbreeRenderer.h"
-#include "reference/plugins/painter-renderer/PainterRenderer.h"
 #include "reference/tools/Texts.h"
 
 #include <QDir>
@@ -16,13 +14,6 @@
 namespace Host {
 
 namespace {
-
-struct Renderer {
-    const char* name;
-    std::unique_ptr<IPictureRenderer> (*create)();
-};
-
-constexpr Renderer kRenderers[] = {{"embree", CreateEmbreeRenderer}, {"painter", CreatePainterRenderer}};
 
 /// Those of the environment first; the command's own lie beside it, wherever
 /// it was installed or moved to.
@@ -97,17 +88,17 @@ Model ReadModel(const QString& fileName, const Progress& progress)
 QStringList RendererNames()
 {
     QStringList names;
-    for (const Renderer& renderer : kRenderers)
-        names += QLatin1String(renderer.name);
+    for (const PluginService& service : Plugins().ServicesOf<IRender>())
+        names += service.id;
     return names;
 }
 
-std::unique_ptr<IPictureRenderer> CreateRenderer(const QString& name)
+std::unique_ptr<IRender> CreateRenderer(const QString& name)
 {
-    for (const Renderer& renderer : kRenderers)
-        if (name == QLatin1String(renderer.name))
-            return renderer.create();
-    throw FactoryException(name);
+    if (RendererNames().isEmpty())
+        throw LoadingException(
+            QStringLiteral("no plug-in that makes pictures is in %1").arg(QuotedList(PluginFolders())));
+    return Plugins().CreateService<IRender>(name);
 }
 
 } // namespace Host

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "lumenta/interfaces/IRender.h"
 #include "reference/host/Model.h"
-#include "reference/host/Picture.h"
 #include "reference/host/Progress.h"
 
 #include <QStringList>
@@ -20,10 +20,11 @@ namespace Host {
 /// \throws LoadingException it can't be loaded, or no plug-in reads models
 Model ReadModel(const QString& fileName, const Progress& progress);
 
-/// Names of the renderers there are, the usual one first.
+/// What can be asked for as a renderer, the usual one first: those of the plug-ins.
 QStringList RendererNames();
 
-/// \throws FactoryException there is none of this name
-std::unique_ptr<IPictureRenderer> CreateRenderer(const QString& name);
+/// \throws FactoryException no plug-in makes one of this name
+/// \throws LoadingException no plug-in makes any
+std::unique_ptr<IRender> CreateRenderer(const QString& name);
 
 } // namespace Host

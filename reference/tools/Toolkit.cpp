@@ -6,7 +6,7 @@
 
 namespace Host {
 
-void PrepareWriting()
+void PrepareToolkit()
 {
     // Nothing is ever shown.
     qputenv("QT_QPA_PLATFORM", "offscreen");

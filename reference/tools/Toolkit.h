@@ -2,8 +2,8 @@
 
 namespace Host {
 
-/// Readies the toolkit for text in pictures. Apart from the rest, which needs no
+/// Readies the toolkit for text in pictures, and for events. Apart from the rest, which needs no
 /// such preparation, because it makes a folder for temporary files.
-void PrepareWriting();
+void PrepareToolkit();
 
 } // namespace Host

@@ -1,0 +1,53 @@
+#include "reference/tools/PictureMaker.h"
+
+#include "reference/tools/Failure.h"
+#include "reference/tools/Services.h"
+#include "reference/tools/Texts.h"
+#include "reference/tools/Toolkit.h"
+
+#include <QEventLoop>
+
+#include <optional>
+
+namespace Host {
+
+PictureMaker::PictureMaker(const RenderOptions& options, const QString& source, ProgressBar& bar)
+    : m_renderer(CreateRenderer(options.renderer))
+    , m_settings{options.take.size, options.samplesPerPixel, options.threads}
+    , m_fileName(options.fileName)
+    , m_source(source)
+    , m_bar(bar)
+{
+}
+
+QImage PictureMaker::Draw(const IScene& scene, const Progress& progress)
+{
+    const QObject listener;
+    std::optional<eRenderExitCode> code;
+    QStringList lines;
+    QObject::connect(m_renderer.get(), &IRender::done, &listener, [&](eRenderExitCode exitCode) { code = exitCode; });
+    QObject::connect(m_renderer.get(), &IRender::log, &listener, [&](const QString& line) { lines += line; });
+    if (progress) QObject::connect(m_renderer.get(), &IRender::progress, &listener, progress);
+
+    m_renderer->Start(scene, m_settings);
+    if (!code) Wait();
+    if (code == eRenderExitFailed)
+        throw Failure{m_fileName, lines.isEmpty() ? QStringLiteral("the renderer failed") : lines.last()};
+    for (const QString& line : lines) {
+        if (m_said.contains(line)) continue;
+        m_said += line;
+        m_bar.Clear();
+        PrintWarning(m_source, line);
+    }
+    return m_renderer->GetImage();
+}
+
+void PictureMaker::Wait()
+{
+    PrepareToolkit(); // events need it
+    QEventLoop loop;
+    QObject::connect(m_renderer.get(), &IRender::done, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+} // namespace Host

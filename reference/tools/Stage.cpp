@@ -1,0 +1,37 @@
+#include "reference/tools/Stage.h"
+
+#include "lumenta/foundation/Exceptions.h"
+#include "lumenta/interfaces/IMaterial.h"
+#include "lumenta/interfaces/INode.h"
+#include "reference/tools/Failure.h"
+#include "reference/tools/ModelSource.h"
+#include "reference/tools/Texts.h"
+
+namespace Host {
+
+Stage::Stage(Model&& model, const RenderOptions& options, ProgressBar& bar)
+{
+    const QString source = model.fileName;
+    Hide(model, options.hiddenMeshes, options.hiddenMaterials);
+    QStringList problems = model.warnings;
+    QMap<QString, QImage> textures;
+    if (!options.fileName.isEmpty()) textures = LoadTextures(model, problems);
+    model.up = options.up.value_or(model.up);
+    try {
+        // Proves the index: to the document −1 is the rest pose.
+        if (options.take.animation) model.scene->CalculateAnimation(*options.take.animation, 0.0f);
+        m_model = m_scene.AddModel(std::move(model), m_scene.GetRoot(), textures);
+        // Files seldom say it, and picking meets either side.
+        for (IMaterial* const material : m_scene.GetMaterials())
+            material->SetTwoSided(true);
+        m_scene.SetGroundPlaneEnabled(options.ground);
+        m_sequence.emplace(m_scene, *m_model, options.take, bar.Part(QStringLiteral("posing"), kLoaded, kPlanned));
+    } catch (const Exception& exception) {
+        throw FailureOf(exception, source);
+    }
+    if (!problems.isEmpty()) bar.Clear();
+    for (const QString& problem : problems)
+        PrintWarning(source, problem);
+}
+
+} // namespace Host
