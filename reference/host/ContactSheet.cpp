@@ -1,9 +1,8 @@
 #include "reference/host/ContactSheet.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/Writing.h"
 
-#include <QFontMetrics>
-#include <QGuiApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -21,12 +20,6 @@ constexpr int kGap = 12;
 int CaptionHeight(QSize picture)
 {
     return std::clamp(picture.height() / 24, 13, 40);
-}
-
-/// Without fonts Qt still lists families, and draws each letter as a box.
-bool CanWrite()
-{
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) && QFontMetrics(QFont()).inFont(u'A');
 }
 
 void CheckPictures(const std::vector<SheetPicture>& pictures)
@@ -87,14 +80,6 @@ Layout LayoutOf(const std::vector<SheetPicture>& pictures, const QString& title,
     const bool canWrite = CanWrite();
     return ArrangedLayout(static_cast<int>(pictures.size()), pictures.front().image.size(), columns,
                           canWrite && !title.isEmpty(), canWrite && captioned);
-}
-
-QFont FontOfHeight(int pixels)
-{
-    QFont font;
-    font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(pixels);
-    return font;
 }
 
 } // namespace

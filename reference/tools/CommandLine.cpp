@@ -64,8 +64,7 @@ QString ExampleTexts(const std::vector<Example>& examples)
 QString Complaint(QString text)
 {
     text[0] = text[0].toLower();
-    if (text.endsWith(QLatin1Char('.')))
-        text.chop(1);
+    if (text.endsWith(QLatin1Char('.'))) text.chop(1);
     return text;
 }
 
@@ -98,20 +97,22 @@ Arguments::Arguments(const Manual& manual, const QStringList& words)
 
     const bool parsed = m_parser.parse(QStringList(QStringLiteral("lumenta")) + words);
     const QStringList unknown = m_parser.unknownOptionNames();
-    if (!unknown.isEmpty())
-        Reject(QStringLiteral("unknown option ") + Quoted(Dashed(unknown.first())));
-    if (!parsed)
-        Reject(Complaint(m_parser.errorText()));
+    if (!unknown.isEmpty()) Reject(QStringLiteral("unknown option ") + Quoted(Dashed(unknown.first())));
+    if (!parsed) Reject(Complaint(m_parser.errorText()));
 }
 
 QString Arguments::OnlyWord(const QString& what) const
 {
-    const QStringList words = m_parser.positionalArguments();
-    if (words.isEmpty() || words.first().isEmpty())
-        Reject(QStringLiteral("%1 is missing").arg(what));
-    if (words.size() > 1)
-        Reject(QStringLiteral("one %1 is enough, but here is also %2").arg(what, Quoted(words[1])));
+    const QStringList words = Words(what);
+    if (words.size() > 1) Reject(QStringLiteral("one %1 is enough, but here is also %2").arg(what, Quoted(words[1])));
     return words.first();
+}
+
+QStringList Arguments::Words(const QString& what) const
+{
+    const QStringList words = m_parser.positionalArguments();
+    if (words.isEmpty() || words.first().isEmpty()) Reject(QStringLiteral("%1 is missing").arg(what));
+    return words;
 }
 
 bool Arguments::Has(const QString& option) const
@@ -126,8 +127,7 @@ QString Arguments::Text(const QString& option) const
 
 QString Arguments::RequiredText(const QString& option) const
 {
-    if (Text(option).isEmpty())
-        Reject(QStringLiteral("%1 is missing").arg(Dashed(option)));
+    if (Text(option).isEmpty()) Reject(QStringLiteral("%1 is missing").arg(Dashed(option)));
     return Text(option);
 }
 
@@ -138,8 +138,7 @@ QStringList Arguments::Texts(const QString& option) const
 
 std::optional<double> Arguments::Number(const QString& option, double least, double most) const
 {
-    if (!Has(option))
-        return {};
+    if (!Has(option)) return {};
     bool isNumber = false;
     const double number = Text(option).toDouble(&isNumber);
     // A number that is not one is in no range either.
@@ -150,8 +149,7 @@ std::optional<double> Arguments::Number(const QString& option, double least, dou
 
 std::optional<int> Arguments::Integer(const QString& option, int least, int most) const
 {
-    if (!Has(option))
-        return {};
+    if (!Has(option)) return {};
     bool isNumber = false;
     const int number = Text(option).toInt(&isNumber);
     if (!isNumber || number < least || number > most)
@@ -161,8 +159,7 @@ std::optional<int> Arguments::Integer(const QString& option, int least, int most
 
 QString Arguments::OneOf(const QString& option, const QStringList& words) const
 {
-    if (!Has(option))
-        return words.first();
+    if (!Has(option)) return words.first();
     if (!words.contains(Text(option)))
         RejectValue(option, QStringLiteral("one of ") + words.join(QStringLiteral(", ")));
     return Text(option);

@@ -46,6 +46,9 @@ public:
     /// The single word that is no option. `what` stands for it in the error.
     QString OnlyWord(const QString& what) const;
 
+    /// The words that are no options, at least one. `what` stands for the first in the error.
+    QStringList Words(const QString& what) const;
+
     bool Has(const QString& option) const;
 
     /// As given last; empty where it is not there.

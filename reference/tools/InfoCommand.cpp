@@ -1,4 +1,5 @@
 #include "reference/host/Picture.h"
+#include "reference/tools/Json.h"
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/ProgressBar.h"
 #include "reference/tools/Texts.h"
@@ -6,7 +7,6 @@
 
 #include <QColor>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <set>
@@ -17,11 +17,6 @@ namespace Host {
 namespace {
 
 // The facts are gathered once, as JSON; the table for people reads them there.
-
-QJsonArray Coordinates(const TVec3<float>& point)
-{
-    return {static_cast<double>(point.x), static_cast<double>(point.y), static_cast<double>(point.z)};
-}
 
 std::set<std::size_t> BonesOf(const SkinAnimation::Scene& scene)
 {
@@ -135,18 +130,6 @@ QJsonObject Facts(const Model& model)
     };
 }
 
-/// JSON that no terminal can be upset by: what QJsonDocument leaves raw is
-/// escaped, except for the line ends between values.
-QString JsonText(const QJsonObject& facts)
-{
-    QStringList lines;
-    const QStringList raw = QString::fromUtf8(QJsonDocument(facts).toJson()).split(QLatin1Char('\n'));
-    for (const QString& line : raw)
-        lines += PrintableJson(line);
-    return lines.join(QLatin1Char('\n'));
-}
-
-/// Values of a row, in the order of the keys.
 QStringList Cells(const QJsonObject& row, const QStringList& keys)
 {
     QStringList cells;
@@ -170,14 +153,6 @@ QString ListText(const QString& heading, const QJsonArray& rows, const QStringLi
     for (const QJsonValue& row : rows)
         table.AddRow(Cells(row.toObject(), keys));
     return QStringLiteral("\n%1 (%2)\n").arg(heading).arg(rows.size()) + (rows.isEmpty() ? QString() : table.Text());
-}
-
-QString PointText(const QJsonValue& coordinates)
-{
-    QStringList numbers;
-    for (const QJsonValue& each : coordinates.toArray())
-        numbers += NumberText(each.toDouble());
-    return QLatin1Char('(') + numbers.join(QStringLiteral(", ")) + QLatin1Char(')');
 }
 
 /// "y" or "-z"; the vector itself where it is no axis.

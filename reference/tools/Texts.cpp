@@ -75,6 +75,17 @@ QString PrintableJson(const QString& line)
     return InOneLine(line, EscapedInJson);
 }
 
+QString PathPart(const QString& name)
+{
+    QString part;
+    const QVector<uint> codePoints = name.toUcs4();
+    for (const uint codePoint : codePoints) {
+        if (codePoint == '/' || codePoint == '\\') part += QLatin1Char('\\');
+        part += IsUnsafe(codePoint) ? Escaped(codePoint) : QString::fromUcs4(&codePoint, 1);
+    }
+    return part;
+}
+
 QString Quoted(const QString& name)
 {
     return QLatin1Char('\'') + Printable(name) + QLatin1Char('\'');

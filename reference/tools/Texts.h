@@ -15,6 +15,10 @@ QString Printable(const QString& text);
 /// The same for a line of JSON text, which keeps its meaning.
 QString PrintableJson(const QString& line);
 
+/// A name as one part of a path, from which it can be told again: '/' and '\'
+/// get a backslash before them, and what Printable() would escape or join is escaped.
+QString PathPart(const QString& name);
+
 /// `name` printable, in single quotes.
 QString Quoted(const QString& name);
 

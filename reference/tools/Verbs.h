@@ -15,6 +15,7 @@ struct Verb {
 
 Verb InfoVerb();
 Verb RenderVerb();
+Verb PickVerb();
 Verb ClipVerb();
 
 } // namespace Host

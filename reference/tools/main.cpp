@@ -22,7 +22,7 @@ using namespace Host;
 
 std::vector<Verb> Verbs()
 {
-    return {InfoVerb(), RenderVerb(), ClipVerb()};
+    return {InfoVerb(), RenderVerb(), PickVerb(), ClipVerb()};
 }
 
 Manual CommandManual()

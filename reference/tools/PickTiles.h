@@ -1,0 +1,60 @@
+#pragma once
+
+#include "lumenta/foundation/Matrix.h"
+
+#include <QSize>
+
+#include <cstddef>
+#include <vector>
+
+class IMesh;
+class INode;
+class IScene;
+
+namespace Host {
+
+/// What lies nearest under a pixel; null and null where no mesh does.
+struct Picked {
+    INode* node = nullptr;
+    const IMesh* mesh = nullptr;
+};
+
+/// A view of a scene cut into tiles, each with the triangles that rays through
+/// it could meet.
+///
+/// Picking is linear in the triangles. It gives the same answers for a scene
+/// that holds a tile's triangles only, and has few of them to look at. Lights
+/// are left out. The scene must not change meanwhile.
+class PickTiles {
+public:
+    PickTiles(const IScene& scene, QSize size);
+
+    int Rows() const { return m_rows; }
+
+    /// Picks the pixels of a row of tiles, and writes each to its place in the
+    /// whole picture, which is `picked`, row by row.
+    void PickRow(int row, std::vector<Picked>& picked) const;
+
+private:
+    struct Source {
+        Picked picked;
+        Matrix world;
+    };
+    struct Candidate {
+        std::size_t source;
+        std::size_t firstIndex; ///< Of the triangle's corners.
+    };
+    using Tile = std::vector<Candidate>; ///< In the order of the scene.
+
+    void AddMesh(const Source& source, const class View& view);
+    void PickTile(const Tile& tile, int column, int row, std::vector<Picked>& picked) const;
+
+    const IScene& m_scene;
+    QSize m_size;
+    int m_columns;
+    int m_rows;
+    std::vector<Source> m_sources;
+    std::vector<Tile> m_tiles;
+};
+
+} // namespace Host
