@@ -21,14 +21,6 @@ Quaternion RandomRotation(Random& random)
     return {x / length, y / length, z / length, w / length};
 }
 
-TVec3<float> RandomVector(Random& random, float low, float high)
-{
-    const float x = random.Between(low, high);
-    const float y = random.Between(low, high);
-    const float z = random.Between(low, high);
-    return {x, y, z};
-}
-
 void SetInfluences(SkinVertex& vertex, Random& random, int count, std::size_t boneCount)
 {
     float sum = 0.0f;
@@ -60,6 +52,14 @@ std::uint32_t Random::Below(std::uint32_t limit)
 float Random::Between(float low, float high)
 {
     return low + (high - low) * (static_cast<float>(Next() >> 8) * 0x1p-24f);
+}
+
+TVec3<float> RandomVector(Random& random, float low, float high)
+{
+    const float x = random.Between(low, high);
+    const float y = random.Between(low, high);
+    const float z = random.Between(low, high);
+    return {x, y, z};
 }
 
 float OddFloat(Random& random)

@@ -23,6 +23,9 @@ private:
     std::uint64_t m_state;
 };
 
+/// Three numbers between `low` and `high`.
+TVec3<float> RandomVector(Random& random, float low, float high);
+
 /// A finite float mostly; now and then one of those that break formulas: NaN,
 /// infinities, denormals, -0, the largest, values whose squares overflow.
 float OddFloat(Random& random);

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr QLatin1String kLight("node.light");
+constexpr char kLight[] = "node.light";
 
 void AddNumberedMesh(IScene& scene, INode& root, const QString& source, const QString& baseName)
 {
@@ -30,7 +30,7 @@ void addMeshToRoot(IScene* pScene, const QString& strObject)
     INode& root = *pScene->GetRoot();
     if (fields.at(0) == QLatin1String("node.group"))
         root.CreateGroup(QStringLiteral("Group"));
-    else if (fields.at(0) == kLight)
+    else if (fields.at(0) == QLatin1String(kLight))
         root.CreateLight(QStringLiteral("Light"));
     else
         AddNumberedMesh(*pScene, root, fields.at(0), fields.at(1));
@@ -38,7 +38,7 @@ void addMeshToRoot(IScene* pScene, const QString& strObject)
 
 bool tryAddMeshToRoot(IScene* pScene, const QString& strObject)
 {
-    if (!strObject.contains(kLight))
+    if (!strObject.contains(QLatin1String(kLight)))
         return false;
     addMeshToRoot(pScene, strObject);
     return true;

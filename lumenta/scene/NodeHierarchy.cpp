@@ -74,6 +74,7 @@ std::vector<INode*> CollectAllChildren(const std::vector<INode*>& nodes)
 {
     std::vector<INode*> list;
     std::unordered_set<INode*> listed;
+    listed.reserve(nodes.size());
     const auto append = [&](INode* node) {
         // A node that is listed has been walked through, and everything under it is
         // listed, too: only in a cycle can one be met before its walk has ended.
@@ -94,6 +95,7 @@ std::vector<INode*> SortAccordingToTheSceneTree(const std::vector<INode*>& nodes
 
     // Counted, because a node that is listed twice and hangs twice in a tree comes out twice.
     std::unordered_map<INode*, std::size_t> pending;
+    pending.reserve(nodes.size());
     for (INode* const node : nodes)
         ++pending[node];
 

@@ -2,10 +2,13 @@
 // comes back. However this file is compiled, the text must be the same.
 
 #include "lumenta/foundation/BBox.h"
+#include "lumenta/foundation/CameraMatrices.h"
 #include "lumenta/foundation/Color.h"
 #include "lumenta/foundation/Conversions.h"
 #include "lumenta/foundation/Matrix.h"
 #include "lumenta/foundation/Matrix2.h"
+#include "lumenta/interfaces/IMesh.h"
+#include "lumenta/scene/Ray.h"
 #include "lumenta/skin/Scene.h"
 
 #include <cstdint>
@@ -73,6 +76,49 @@ void PrintValues()
     Print(qPrintable(text.toString()), QVariantToQRectF(text, QRectF()));
 }
 
+void PrintCamera()
+{
+    const Vec3 angles = Vector() * 11.0f;
+    Matrix camera;
+    CalculateCameraMatrix(camera, Vector(), Number(), angles.y, angles.z);
+    Print("camera", camera);
+    Matrix view;
+    CalculateViewMatrix(view, camera);
+    Print("view", view);
+    Matrix projection;
+    CalculateProjectionMatrix(projection, angles.x, Number(), Number(), 0.1f, 1000.0f);
+    Print("projection", projection);
+}
+
+struct Triangle final : IMesh {
+    TBBox<float> box;
+    std::vector<MeshVertex> vertices;
+    std::vector<unsigned int> indices{0, 1, 2};
+
+    QString GetName() const override { return QString(); }
+    const TBBox<float>& GetBBox() const override { return box; }
+    const std::vector<MeshVertex>& GetVertices() const override { return vertices; }
+    const std::vector<unsigned int>& GetIndices() const override { return indices; }
+    const IMeshNode* GetOwner() const override { return nullptr; }
+};
+
+void PrintRay()
+{
+    Triangle triangle;
+    for (int i = 0; i < 3; ++i) {
+        triangle.vertices.push_back({Vector(), {}, {}, {}, {}, 1.0f});
+        triangle.box.Extend(triangle.vertices.back().position);
+    }
+    const Vec3 middle = triangle.box.Center();
+    Ray ray(Vector() * 2.0f, middle);
+    ray = Ray(ray.start, middle + (middle - ray.start));
+    Print("ray", ray);
+    Print("hits", Vec3{ray.Trace(triangle), ray.Trace(triangle.box), ray.Trace(middle, 1.0f)});
+    ray.Clip(0.7f);
+    Print("clipped", ray);
+    Print("touches", Vec3{float(ray.IsIntersect(triangle.box)), float(ray.IsIntersect(middle, 2.5f)), 0.0f});
+}
+
 void PrintSkin()
 {
     Scene scene;
@@ -107,8 +153,11 @@ void PrintSkin()
 
 int main()
 {
-    for (int round = 0; round < 20; ++round)
+    for (int round = 0; round < 20; ++round) {
         PrintValues();
+        PrintCamera();
+        PrintRay();
+    }
     PrintSkin();
     return std::fflush(stdout) == 0 ? 0 : 1;
 }
