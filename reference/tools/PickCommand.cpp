@@ -171,14 +171,14 @@ QString TableText(const QJsonObject& facts)
     return table.Text();
 }
 
-/// "/figure/hat (0.1, 0.2, 1.3)"
+/// "/figure/hat (0.100, 0.200, 1.300)"
 PixelMark MarkOf(const Hit& hit, const QJsonValue& facts)
 {
     const QString name = facts[QStringLiteral("node")].toString(facts[QStringLiteral("hit")].toString());
     if (!hit.world) return {hit.pixel, hit.picked, name};
     QStringList numbers;
     for (const float each : {hit.world->x, hit.world->y, hit.world->z})
-        numbers += QString::number(static_cast<double>(each), 'g', 4);
+        numbers += QString::number(static_cast<double>(each), 'f', 3);
     return {hit.pixel, hit.picked, QStringLiteral("%1 (%2)").arg(name, numbers.join(QStringLiteral(", ")))};
 }
 

@@ -63,28 +63,20 @@ void DrawCrossHair(QPainter& painter, QPoint pixel)
     }
 }
 
-/// Beside the pixel, within the picture; where possible clear of what is taken.
+/// Beside the pixel, or pushed into the picture above or below it; where possible clear of what is taken.
 QRect PlaceOf(QSize label, QPoint pixel, const QRect& picture, const std::vector<QRect>& taken)
 {
     constexpr int kAside = 10;
-    const auto within = [&picture](QRect place) {
-        place.moveLeft(std::max(picture.left(), std::min(place.left(), picture.right() - place.width() + 1)));
-        place.moveTop(std::max(picture.top(), std::min(place.top(), picture.bottom() - place.height() + 1)));
-        return place;
+    const int leftmost = picture.right() + 1 - label.width();
+    const auto isFree = [&](const QRect& place) {
+        return picture.contains(place)
+               && std::none_of(taken.begin(), taken.end(), [&](const QRect& other) { return other.intersects(place); });
     };
-    const auto isFree = [&taken](const QRect& place) {
-        return std::none_of(taken.begin(), taken.end(), [&](const QRect& other) { return other.intersects(place); });
-    };
-    const int left = pixel.x() - kAside - label.width();
-    const int right = pixel.x() + kAside;
-    for (int rows = 0; rows * label.height() < picture.height(); ++rows)
-        for (const int x : {right, left})
-            for (const int y :
-                 {pixel.y() - kAside - label.height() * (rows + 1), pixel.y() + kAside + label.height() * rows}) {
-                const QRect place(QPoint(x, y), label);
-                if (within(place) == place && isFree(place)) return place;
-            }
-    return within(QRect(QPoint(right, pixel.y() + kAside), label));
+    for (int above = kAside; above < picture.height(); above += kAside)
+        for (const int x : {pixel.x() + kAside, pixel.x() - kAside - label.width(), leftmost, 0})
+            for (const int y : {pixel.y() - above - label.height(), pixel.y() + above})
+                if (isFree({QPoint(x, y), label})) return {QPoint(x, y), label};
+    return {QPoint(std::max(leftmost, 0), 0), label};
 }
 
 void DrawLabels(QPainter& painter, const QRect& picture, const NodeColours& colours,

@@ -13,6 +13,8 @@ class IScene;
 
 namespace Host {
 
+class View;
+
 /// What lies nearest under a pixel; null and null where no mesh does.
 struct Picked {
     INode* node = nullptr;
@@ -46,7 +48,7 @@ private:
     };
     using Tile = std::vector<Candidate>; ///< In the order of the scene.
 
-    void AddMesh(const Source& source, const class View& view);
+    void AddMesh(const Source& source, const View& view);
     void PickTile(const Tile& tile, int column, int row, std::vector<Picked>& picked) const;
 
     const IScene& m_scene;

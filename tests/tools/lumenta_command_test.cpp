@@ -156,7 +156,20 @@ private Q_SLOTS:
                 "a contact sheet of 9 pictures of 16384x1 is too large");
         misuses("clip", "jump.x --animation 0 --from 0 --to 1 --name c --renderer oil",
                 "--renderer: 'oil' is not one of embree, painter");
-        misuses("render", "jump.x -o a.png --renderer oil", "--renderer: 'oil' is not one of embree, painter");
+        // Pixels.
+        misuses("pick", "jump.x --time 5", "neither a pixel X,Y nor --map is given");
+        for (const QString pixel : {"7", "1.5,2", "1,2,3"})
+            misuses("pick", "jump.x " + pixel, "'" + pixel + "' is not a pixel X,Y of two whole numbers");
+        for (const QString pixel : {"64,0", "0,-1"})
+            misuses("pick", "jump.x --size 64x64 " + pixel, "pixel " + pixel + " is outside of the picture of 64x64");
+        misuses("pick", "jump.x --overlay a.png --map b.png", "--overlay marks pixels, but none is given");
+        misuses("pick", "jump.x --legend 5,5", "--legend needs --map");
+        misuses("pick", "jump.x --overlay a.png --map a.png 5,5", "--overlay and --map name the same file");
+        misuses("pick", "jump.x --map", "missing value after '--map'");
+        misuses("pick", "jump.x --map a.png --frames 2", "unknown option '--frames'");
+        fails("pick triangle.obj --time 5 1,1", "triangle.obj: the model has no animation");
+        fails("pick model.png --overlay link.png 5,5", "link.png: would overwrite what the picture is drawn from");
+        fails("pick model.png --map link.png", "link.png: would overwrite what the picture is drawn from");
         // Names in the model.
         fails("render jump.x -o a.png --hide-mesh Hat", "jump.x: no mesh is named 'Hat'; there are: 'Box'");
         fails("render :figure -o a.png --hide-material silk",
@@ -187,8 +200,8 @@ private Q_SLOTS:
                   Limited(RLIMIT_AS, 700u << 20));
         // Words.
         misuses("", "", "no verb is given");
-        misuses("", "help paint", "there is no verb 'paint', but 'info', 'render', 'clip'");
-        misuses("", "sing", "there is no verb 'sing', but 'info', 'render', 'clip'");
+        misuses("", "help paint", "there is no verb 'paint', but 'info', 'render', 'pick', 'clip'");
+        misuses("", "sing", "there is no verb 'sing', but 'info', 'render', 'pick', 'clip'");
         misuses("info", "jump.x --colour", "unknown option '--colour'");
         misuses("", "-platform xcb", "unknown option '-p'"); // the toolkit would know it
         misuses("info", "", "MODEL is missing");
@@ -485,13 +498,15 @@ private Q_SLOTS:
 
     void ExplainsEveryOption_data()
     {
-        const QString verbs = "info render clip --version";
-        const QString picture = "--time --frames --turntable --size --renderer --samples --threads --azimuth "
-                                "--elevation --up --no-ground --hide-mesh --hide-material --output --animation";
+        const QString verbs = "info render pick clip --version";
+        const QString view = "--time --size --renderer --samples --threads --azimuth --elevation --up --no-ground "
+                             "--hide-mesh --hide-material --animation ";
+        const QString picture = view + "--frames --turntable --output";
         AddTexts({"words", "options"}, {{"the command", "--help", verbs},
                                         {"the command, as a verb", "help", verbs},
                                         {"info", "help info", "--json"},
                                         {"render", "render --help", picture},
+                                        {"pick", "pick -h", view + "--map --legend --overlay --json"},
                                         {"clip", "clip -h", picture + " --from --to --name"}});
     }
 
