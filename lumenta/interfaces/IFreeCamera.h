@@ -38,6 +38,8 @@ enum eCameraView {
 /// and the library's camera matrices and picking, which only ask.
 /// **Thread:** the scene's. **Ownership:** belongs to its scene.
 ///
+/// A number that is none leaves the value as it was.
+///
 /// Every operation that changes a value emits `changed` once, after all values
 /// have theirs; one that changes nothing emits nothing.
 class LUMENTA_EXPORT IFreeCamera : public QObject {
@@ -56,7 +58,8 @@ public:
 
     virtual float GetDistance() const = 0;
 
-    /// \param distance is held above 0
+    /// \param distance is held within what a camera of the host can do, which
+    ///                 is above 0
     virtual void SetDistance(float distance) = 0;
 
     virtual float GetHeading() const = 0;

@@ -38,8 +38,8 @@ public:
     using QObject::QObject;
     ~IGenerator() override;
 
-    /// Hands over the meshes of the present values, between BeginModel() and
-    /// EndModel() of the builder.
+    /// Hands over the meshes of the present values: calls BeginModel() of the
+    /// builder, AddMeshNode() for each mesh, EndModel().
     /// \throws whatever the builder throws
     virtual void Generate(IMeshNodeBuilder& builder) = 0;
 

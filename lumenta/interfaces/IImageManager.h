@@ -50,22 +50,25 @@ public:
     /// In order of registration: the first that fits a suffix is taken.
     virtual std::vector<ImageSaverInfo> GetSaverFormats() const = 0;
 
-    /// The loaded image of a file, or null; loads nothing.
+    /// The loaded image of a file, or null. Loads nothing, and doesn't count as
+    /// asking for it.
     virtual IImage* FindImage(const QString& fileName) const = 0;
 
     /// In order of registration.
     virtual std::vector<ImageLoaderInfo> GetLoaderFormats() const = 0;
 
     /// An image from the bytes of a file, as models embed them.
-    /// \param strName under which FindImage() finds it
+    /// \param strName under which FindImage() finds it. A name that is in use
+    ///                answers the image of that name, and decodes nothing.
     /// \throws ImageFormatException they are of no format that anyone reads
     virtual IImage* DecodeImage(const QByteArray& data, const QString& strName) = 0;
 
     /// Null where the id is not one of the manager's.
     virtual IImageSaver* CreateSaver(const ImageSaverInfo& info) const = 0;
 
-    /// The image is no longer needed by whoever asked for it. The last of those
-    /// who asked ends it; slots that still hold it are emptied.
+    /// The image is no longer needed by whoever asked for it, by CreateImage(),
+    /// DecodeImage() or LoadImageFile(). The last of those who asked ends it;
+    /// slots that still hold it are emptied.
     virtual void ReleaseImage(IImage* pImage) = 0;
 
     /// The image of a file, loaded where it is not yet.

@@ -29,7 +29,7 @@ public:
     /// the distance. 0 for a lamp that is off.
     virtual float GetIntensity() const = 0;
 
-    /// \param intensity negative counts as 0
+    /// \param intensity negative, or no number, counts as 0
     virtual void SetIntensity(float intensity) = 0;
 
     virtual bool CastsShadows() const = 0;
@@ -38,7 +38,7 @@ public:
     /// picked and measured, and the size that softens shadows.
     virtual float GetRadius() const = 0;
 
-    /// \param radius negative counts as 0
+    /// \param radius negative, or no number, counts as 0
     virtual void SetRadius(float radius) = 0;
 
     virtual void SetCastsShadows(bool bCasts) = 0;

@@ -132,7 +132,8 @@ public:
     virtual void SetFlatShaded(bool bFlat) = 0;
 
     // Textures. A slot holds the name of an image file, or an image, or both:
-    // LoadImages() gets the one from the other.
+    // LoadImages() gets the one from the other. A slot that is none of the
+    // enumerators is a mistake of the caller's: a precondition throughout.
 
     /// Null where none is loaded.
     virtual IImage* GetImage(eMaterialSlot slot) const = 0;
@@ -192,7 +193,8 @@ public:
     /// material, and every parameter of somebody else's that was set.
     virtual QMap<QString, QVariant> GetParameters() const = 0;
 
-    /// Back to a new material, then these. The name stays.
+    /// Back to a new material, then these, of which those that SetParameter()
+    /// would refuse are passed over. The name stays.
     virtual void SetParameters(const QMap<QString, QVariant>& parameters) = 0;
 
     /// Invalid for a parameter that is neither ours nor was ever set.

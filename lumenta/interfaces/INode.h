@@ -25,7 +25,9 @@ enum eNodeType {
 /// **Who calls it:** everyone. The library's walks use GetType(), GetChildren(),
 /// GetMatrix(), GetParent() and IsVisible().
 /// **Thread:** the scene's, throughout.
-/// **Ownership:** the scene owns its nodes; none is ever deleted from outside.
+/// **Ownership:** the scene owns its nodes; none is ever deleted from outside. To
+/// a node that was removed nothing can be added: CreateMesh() and its sisters
+/// throw a LogicException.
 /// **Signals:** a node has none. Each change is announced by the scene's
 /// `nodeChanged`, and at the end of the batch by `afterSceneUpdate`.
 class LUMENTA_EXPORT INode : public QObject {

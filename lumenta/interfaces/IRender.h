@@ -47,7 +47,8 @@ public:
     /// picture in the making nothing happens.
     virtual void Stop() = 0;
 
-    /// The last picture, opaque, in the size asked for; null before the first.
+    /// The last picture, opaque, in the size asked for. Null before the first,
+    /// between Start() and `done`, and after a failure.
     virtual QImage GetImage() const = 0;
 
 Q_SIGNALS:

@@ -38,8 +38,9 @@ struct sAnimationInfo {
 /// the library's helpers ask GetRoot(), GetCamera() and
 /// IsGroundPlaneEnabled().
 /// **Thread:** one scene belongs to one thread, that of its QObject.
-/// **Ownership:** the scene owns whatever it hands out; pointers to nodes are
-/// good until the node is removed, to materials until they are.
+/// **Ownership:** the scene owns whatever it hands out. A node or material that is
+/// removed can still be asked for its name until control returns to the event
+/// loop; after that its address is only good for comparing.
 /// **Lists of nodes** are handled as sets in tree order: duplicates, null and
 /// nodes of another scene are passed over. Where a node and a descendant of its
 /// are both listed, the node alone moves, is removed or duplicated: the
@@ -87,8 +88,9 @@ public:
     /// \param nPosition of the first among the parent's children, counted
     ///                  without the nodes that move; beyond the end, or negative,
     ///                  is the end
-    /// \throws InvalidParameterException the parent is null, of another scene,
-    ///         or lies under one of the nodes; then nothing has moved
+    /// The root is passed over.
+    /// \throws InvalidParameterException the parent is null, of another scene, one
+    ///         of the nodes or under one of them; then nothing has moved
     virtual void MoveNodes(const std::vector<INode*>& nodes, INode* pParent, int nPosition) = 0;
 
     /// Removes nodes with everything under them. The root stays.
@@ -143,7 +145,7 @@ public:
     virtual IImage* GetBackgroundImage() const = 0;
 
     /// The scene keeps the address and doesn't own the image; an image that is
-    /// deleted is forgotten by itself.
+    /// deleted is forgotten by itself. Null takes the image away.
     virtual void SetBackgroundImage(IImage* pImage) = 0;
 
     // Light.

@@ -65,7 +65,7 @@ public:
 
     virtual void BeginProgress(const QString& strTitle) = 0;
 
-    /// \return false once the user wants to stop
+    /// \return false once the user wants to stop; without windows never
     virtual bool SetProgress(int nPercent) = 0;
 
     virtual void EndProgress() = 0;

@@ -13,7 +13,7 @@ class ISettings;
 /// **Who implements it:** the host. **Who calls it:** plug-ins, panels.
 /// **Thread:** the application's. **Ownership:** all of it is the host's and
 /// outlives every plug-in's objects. A host may lack a service: then the answer
-/// is null.
+/// is null. A host with property panels has images and model formats.
 class LUMENTA_EXPORT IApplicationContext {
 public:
     virtual IImageManager* GetImageManager() const = 0;

@@ -16,7 +16,7 @@ class IUserInterface;
 /// `qobject_cast<IDocumentContext*>(pObject)`.
 /// **Thread:** the document's. **Ownership:** all of it is the host's and lives
 /// as long as the document. A host may lack all but the scene: then the answer
-/// is null.
+/// is null. A host with property panels has a user interface.
 class LUMENTA_EXPORT IDocumentContext {
 public:
     virtual IScene* GetScene() const = 0;

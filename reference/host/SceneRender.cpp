@@ -17,6 +17,7 @@ void SceneRender::Start(const IScene& scene, const sRenderSettings& settings)
     if (m_isRunning)
         throw LogicException(QStringLiteral("IRender::Start: the last picture is not done"));
     m_isRunning = true;
+    m_image = QImage();
     m_isStopWanted = false;
     m_wasStopped = false;
     m_percent = -1;
