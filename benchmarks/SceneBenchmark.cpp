@@ -1,8 +1,8 @@
 #include "benchmarks/NaiveScene.h"
+#include "benchmarks/SceneStandIns.h"
 #include "benchmarks/Workloads.h"
 #include "lumenta/scene/NodeHierarchy.h"
 #include "lumenta/scene/Picking.h"
-#include "tests/scene/SceneStandIns.h"
 
 #include <benchmark/benchmark.h>
 

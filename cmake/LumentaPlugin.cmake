@@ -62,7 +62,7 @@ function(lumenta_add_plugin target)
     if(TARGET lumenta-build-options)
         target_link_libraries(${target} PRIVATE lumenta-build-options)
     endif()
-    if(NOT "${LUMENTA_SANITIZE} ${CMAKE_CXX_FLAGS}" MATCHES "-fsanitize|address|thread|undefined")
+    if(NOT LUMENTA_SANITIZE AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
         # What is missing should be missed here, not by the host. Sanitizers
         # leave symbols open on purpose.
         target_link_options(${target} PRIVATE -Wl,-z,defs)

@@ -8,7 +8,8 @@ class IFreeCamera;
 /// \file
 /// From the numbers of an orbiting camera to its matrices. The world is z-up;
 /// in its own space a camera looks along x, has y to its left and z above.
-/// Angles are degrees. All of it is reentrant and throws nothing.
+/// Angles are degrees. Throws nothing. Reentrant, but for what asks an
+/// IFreeCamera: that is called on the thread of its scene.
 
 /// The projection of what the view matrix made: x to the right, y up, z
 /// forward. All sixteen elements are written; w becomes the depth before the

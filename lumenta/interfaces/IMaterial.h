@@ -15,9 +15,10 @@
 class IImageManager;
 class IScene;
 
-/// How a texture lies in its rectangle. Angles turn the way that an arrow along
-/// v, pointing up, turns with. Stored as the number.
-enum eMaterialTextureTransformation {
+/// How a texture lies in its rectangle. A positive angle turns u towards v.
+/// Stored as the number; any int may stand here, since documents bring numbers
+/// that are none of these.
+enum eMaterialTextureTransformation : int {
     TT_Identity = 0,
     TT_RotateMinus90 = 1,
     TT_RotatePlus90 = 2,

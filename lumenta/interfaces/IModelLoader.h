@@ -13,7 +13,7 @@
 #include <vector>
 
 namespace SkinAnimation {
-class Scene;
+struct Scene;
 }
 
 /// A format that models can be read from.
@@ -59,7 +59,7 @@ public:
     /// What it can read, the same all its life.
     virtual const std::vector<ModelFormatInfo>& GetFormats() const = 0;
 
-    /// How many ticks a second last in files that don't say so; 25 at first.
+    /// How many ticks make a second in files that don't say so; 25 at first.
     /// \param ticksPerSecond positive and finite; anything else is ignored
     virtual void SetDefaultTickRate(double ticksPerSecond) = 0;
 

@@ -35,7 +35,7 @@ public:
     using QObject::QObject;
     ~INode() override;
 
-    // The first fourteen places are fixed; compiled plug-ins rely on each.
+    // Places 1, 3, 4, 5, 9 and 12 to 14 are fixed by the library's helpers.
 
     /// An eNodeType, or another number for a kind of the host's own.
     virtual int GetType() const = 0;

@@ -159,7 +159,8 @@ public:
     /// for a sun that stands over the photographer's left shoulder.
     virtual TVec3<float> GetSunDirection() const = 0;
 
-    /// \param direction of any length; zero for the sun at the camera's side
+    /// \param direction of any length; zero for the sun over the photographer's
+    ///                  left shoulder
     virtual void SetSunDirection(const TVec3<float>& direction) = 0;
 
     /// White for the sun of a new scene, black for none.

@@ -10,7 +10,8 @@
 ///
 /// **Who implements it:** the host. **Who calls it:** panels that list snapshots.
 /// **Ownership:** belongs to its ISnapshotManager, which announces its end by
-/// `removeSnapshot`. What is kept is the manager's business.
+/// `removeSnapshot`; where `insertSnapshot` follows, it was only moved. What is
+/// kept is the manager's business.
 class LUMENTA_EXPORT ISnapshot : public QObject {
     Q_OBJECT
 

@@ -6,5 +6,5 @@ IUploader::~IUploader() = default;
 
 void IUploader::SetPin(const QString&)
 {
-    throw Exception(QStringLiteral("Not implement")); // so spelled: callers compare it
+    throw Exception(QStringLiteral("Not implement"));
 }

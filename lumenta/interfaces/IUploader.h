@@ -25,7 +25,7 @@ public:
 
     /// The pin that the user was shown at the address of `urlForPin`.
     /// \throws Exception "Not implement", unless overridden: for uploaders that
-    ///         never emit that signal
+    ///         never emit that signal; so spelled, since callers compare it
     virtual void SetPin(const QString& strPin);
 
     /// Begins an upload; may return before it ends.

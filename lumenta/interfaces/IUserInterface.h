@@ -55,7 +55,8 @@ public:
 
     virtual bool AskColor(ColorF& color) = 0;
 
-    /// A dialog that the caller shows and deletes.
+    /// A dialog that the caller shows and deletes. Never null: a host without
+    /// windows makes one that is always cancelled.
     /// \param nKind   an eFileDialogKind
     /// \param pParent what the dialog stands before; null for the main window
     virtual IFileDialog* CreateFileDialog(int nKind, QObject* pParent) = 0;

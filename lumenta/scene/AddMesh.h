@@ -18,7 +18,7 @@ class IScene;
 /// | `node.light` | a light, named "Light" whatever the second field says |
 /// | anything else | a mesh made from it, named by the second field, "_" and a number |
 ///
-/// Both fields of a mesh are trimmed; the two words are not, so that one with a
+/// Callers depend on the fixed names. Both fields of a mesh are trimmed; the two words are not, so that one with a
 /// space around it names the source of a mesh. Text of other than two fields
 /// adds nothing.
 ///
@@ -27,7 +27,7 @@ class IScene;
 /// scene throws passes through, and a mesh that could not be made is not counted.
 LUMENTA_EXPORT void addMeshToRoot(IScene* pScene, const QString& strObject);
 
-/// Does the same for a text that holds "node.light" anywhere, and answers
-/// whether it does; other texts add nothing. Callers depend on its being so
-/// narrow, whatever the name says.
+/// Does the same for a text that holds "node.light" anywhere; other texts add
+/// nothing. Answers whether the text holds it, not whether something was added.
+/// Callers depend on its being so narrow, whatever the name says.
 LUMENTA_EXPORT bool tryAddMeshToRoot(IScene* pScene, const QString& strObject);

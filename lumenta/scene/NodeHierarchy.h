@@ -25,7 +25,7 @@ LUMENTA_EXPORT void GetNodeGlobalMatrix(Matrix& result, const INode* pNode);
 LUMENTA_EXPORT int GetNodePos(const INode* pNode);
 
 /// The next child of the same parent; null for the last one.
-/// \pre the node has a parent
+/// \pre the node has a parent that lists it
 LUMENTA_EXPORT INode* GetNextSibling(const INode* pNode);
 
 /// Null for a node without children.
@@ -41,9 +41,9 @@ LUMENTA_EXPORT std::vector<INode*> CollectAllChildren(const std::vector<INode*>&
 /// The nodes in the order in which they stand in the tree: parents before
 /// children, children in their order; or back to front.
 ///
-/// Nodes that are not under `pRoot` are dropped, and duplicates collapse.
-/// Callers depend on the exception: a list of fewer than two comes back as it
-/// is, wherever its node may be. Walks the whole tree once.
+/// Nodes that are not under `pRoot` are dropped, and duplicates collapse; but a
+/// list of fewer than two comes back as it is, wherever its node may be.
+/// Callers depend on all three. Walks the whole tree once.
 LUMENTA_EXPORT std::vector<INode*> SortAccordingToTheSceneTree(const std::vector<INode*>& nodes, INode* pRoot,
                                                                bool reverse);
 

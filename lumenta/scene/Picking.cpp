@@ -121,6 +121,8 @@ bool MeetGround(const Ray& ray, Vec3& result)
 void FindNodeByScreenPoint(const QPoint& point, const TVec2<float>& viewSize, IScene& scene, INode*& pNode,
                            const IMesh*& pMesh)
 {
+    pNode = nullptr;
+    pMesh = nullptr;
     Ray ray = PickRay(point, viewSize, *scene.GetCamera());
     const Hit hit = TraceTree(ray, scene.GetRoot());
     pNode = hit.node;

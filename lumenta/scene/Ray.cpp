@@ -7,8 +7,8 @@
 #include <cmath>
 #include <optional>
 
-// Comparisons are written so that a number decides them in favour of a hit:
-// with NaN in them they are false, and nothing is hit.
+// For spheres and triangles comparisons are written so that a number decides
+// them in favour of a hit: with NaN in them they are false, and nothing is hit.
 
 namespace {
 
@@ -56,7 +56,8 @@ std::optional<float> NearerRoot(const Vec3& delta, const Vec3& toCentre, float p
     return std::nullopt;
 }
 
-/// Narrows [tMin, tMax] to where the segment is between two planes.
+/// Narrows [tMin, tMax] to where the segment is between two planes. An axis
+/// without motion is never asked.
 /// \return false if nothing is left
 bool ClipToSlab(float start, float end, float low, float high, float& tMin, float& tMax)
 {

@@ -9,8 +9,8 @@ class IMesh;
 ///
 /// Every Trace() answers with a parameter along the segment as it is now: 0 at
 /// the start, 1 at the end, never outside. 1 also means "no hit", so a hit
-/// exactly at the end cannot be told from a miss. What comes out as not a
-/// number, from a ray, a sphere or a vertex that is none, is no hit.
+/// exactly at the end cannot be told from a miss, which callers depend on. Of
+/// spheres and triangles, what comes out as not a number is no hit.
 ///
 /// A plain value of fifteen floats; change `end` by Clip(), which keeps the
 /// last three vectors in step. Reentrant. Nothing here allocates or throws.
@@ -24,8 +24,9 @@ struct LUMENTA_EXPORT Ray {
     /// Both points as they are given: nothing is normalised.
     Ray(const TVec3<float>& start, const TVec3<float>& end);
 
-    /// Whether the segment and the box overlap. Touching counts. An empty box
-    /// overlaps nothing; where a number is missing the answer is true.
+    /// Whether the segment and the box overlap. Touching counts. A box that
+    /// nothing was added to overlaps nothing; a comparison in which a number is
+    /// missing doesn't part the two.
     bool IsIntersect(const TBBox<float>& box) const;
 
     /// Whether the segment touches the ball, from outside or by starting in it.
@@ -49,10 +50,11 @@ struct LUMENTA_EXPORT Ray {
     /// Where the segment enters the box; 0 if it starts inside. On an axis
     /// along which the segment doesn't move the box is not asked: one beside
     /// the segment is still hit if the other axes say so. Callers depend on it.
+    /// Nor is it on one whose numbers are missing.
     float Trace(const TBBox<float>& box) const;
 
     /// Where the segment enters the sphere. Unlike IsIntersect(), a segment
-    /// that starts inside counts as a miss.
+    /// that starts inside counts as a miss, which callers depend on.
     float Trace(const TVec3<float>& centre, float radius) const;
 
     /// Moves the end to the parameter `t`.

@@ -16,7 +16,8 @@ void Load(IModelLoader& loader, const QString& fileName, const Progress& progres
     const QObject listener; // its end is the end of the connection
     if (progress)
         QObject::connect(&loader, &IModelLoader::loadingProgress, &listener, [&](int percent) {
-            if (failure) return;
+            if (failure)
+                return;
             try {
                 progress(percent);
             } catch (...) {
@@ -27,9 +28,11 @@ void Load(IModelLoader& loader, const QString& fileName, const Progress& progres
     try {
         loader.Load(fileName);
     } catch (const LoadingException&) {
-        if (!failure) throw;
+        if (!failure)
+            throw;
     }
-    if (failure) std::rethrow_exception(failure);
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 } // namespace

@@ -73,7 +73,8 @@ IPlugin& RootOf(QPluginLoader& loader)
                                      "that can be loaded")
                           .arg(CaughtText())};
     }
-    if (IPlugin* const plugin = qobject_cast<IPlugin*>(root)) return *plugin;
+    if (IPlugin* const plugin = qobject_cast<IPlugin*>(root))
+        return *plugin;
     throw Refused{QStringLiteral("its root object, a %1, is no IPlugin; derive the class with Q_PLUGIN_METADATA from "
                                  "IPlugin")
                       .arg(QLatin1String(root ? root->metaObject()->className() : "null"))};
@@ -109,7 +110,8 @@ void PluginHost::LoadFolder(const QString& folder)
         QDir(folder).entryInfoList({QStringLiteral("*.so")}, QDir::Files | QDir::CaseSensitive, QDir::Name);
     for (const QFileInfo& file : files) {
         const QString canonical = file.canonicalFilePath();
-        if (m_met.contains(canonical)) continue;
+        if (m_met.contains(canonical))
+            continue;
         m_met.insert(canonical);
         try {
             LoadFile(file.absoluteFilePath());
@@ -171,7 +173,8 @@ const PluginHost::Offer* PluginHost::Find(const QString& contract, const QString
 std::unique_ptr<QObject> PluginHost::Create(const QString& contract, const QString& id) const
 {
     const Offer* const offer = Find(contract, id);
-    if (!offer) throw FactoryException(Spelled(contract, id));
+    if (!offer)
+        throw FactoryException(Spelled(contract, id));
     return std::unique_ptr<QObject>(offer->plugin->CreateService(contract, id, m_context));
 }
 

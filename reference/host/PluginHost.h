@@ -63,7 +63,8 @@ public:
     {
         std::vector<PluginService> services;
         for (const PluginService& service : Services())
-            if (service.contract == QLatin1String(Contract::staticMetaObject.className())) services.push_back(service);
+            if (service.contract == QLatin1String(Contract::staticMetaObject.className()))
+                services.push_back(service);
         return services;
     }
 

@@ -1,5 +1,6 @@
 #include "reference/host/ScenePicture.h"
 
+#include "lumenta/foundation/CameraMatrices.h"
 #include "lumenta/foundation/Matrix.h"
 #include "lumenta/interfaces/IFreeCamera.h"
 #include "lumenta/interfaces/ILightNode.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 
 namespace Host {
@@ -131,8 +133,8 @@ Surface SurfaceOf(const IMaterial& material, ImageTable& images)
     surface.castsShadows = material.CastsShadows();
     surface.receivesShadows = material.ReceivesShadows();
     surface.flat = material.IsFlatShaded();
-    for (int slot = 0; slot < eMaterialSlotCount; ++slot)
-        surface.textures[static_cast<std::size_t>(slot)] = TextureIn(material, static_cast<eMaterialSlot>(slot), images);
+    for (std::size_t slot = 0; slot < surface.textures.size(); ++slot)
+        surface.textures[slot] = TextureIn(material, static_cast<eMaterialSlot>(slot), images);
     return surface;
 }
 
@@ -169,15 +171,13 @@ std::optional<Lamp> LampOf(const ILightNode& light, const Matrix& world)
     return IsFinite(lamp.position) && lamp.light != TVec3<float>{} ? std::optional(lamp) : std::nullopt;
 }
 
-/// The vertical field of view of a picture into which a frame is fitted: the one
-/// that the projection matrix of such a view has.
+/// The vertical field of view of a picture into which a frame is fitted.
 float FittedFieldOfView(float fieldOfView, float frameAspect, QSize size)
 {
     const float aspect = static_cast<float>(std::max(size.width(), 1)) / static_cast<float>(std::max(size.height(), 1));
-    const float f = 1.0f / std::tan(fieldOfView * kRadians * 0.5f);
-    const float g = f / frameAspect;
-    const float scale = f > g * aspect ? g * aspect : f;
-    return 2.0f * std::atan(1.0f / scale) / kRadians;
+    Matrix projection;
+    CalculateProjectionMatrix(projection, fieldOfView, frameAspect, aspect, 0.1f, 1.0f); // whatever the depths
+    return 2.0f * std::atan(1.0f / projection(1, 1)) / kRadians;
 }
 
 void TakeEnvironment(PictureRequest& request, const IScene& scene)

@@ -242,9 +242,9 @@ TVec3<float> Surface::MirroredAt(float cosine, const TVec2<float>& texCoord) con
 {
     if (reflection == 0.0f)
         return {};
-    const float head = (refractionIndex - 1.0f) / (refractionIndex + 1.0f);
-    // So near to 1 there is no border to speak of.
-    const float gain = head < 1e-3f ? 1.0f : MirroredByBorder(std::clamp(cosine, 0.0f, 1.0f), refractionIndex) / (head * head);
+    float gain = 1.0f; // so near to 1 there is no border to speak of
+    if (refractionIndex > 1.002f)
+        gain = MirroredByBorder(std::clamp(cosine, 0.0f, 1.0f), refractionIndex) / MirroredByBorder(1.0f, refractionIndex);
     return Textured(eMaterialSlotReflection, mirrorTint, texCoord) * std::min(1.0f, reflection * gain);
 }
 

@@ -44,7 +44,8 @@ bool Reads(const IModelLoader& loader, const QString& fileName)
 {
     for (const ModelFormatInfo& format : loader.GetFormats())
         for (const QString& extension : format.extensions)
-            if (fileName.endsWith(QLatin1Char('.') + extension, Qt::CaseInsensitive)) return true;
+            if (fileName.endsWith(QLatin1Char('.') + extension, Qt::CaseInsensitive))
+                return true;
     return false;
 }
 
@@ -54,13 +55,18 @@ std::vector<std::unique_ptr<IModelLoader>> LoadersFor(const QString& fileName)
 {
     std::vector<std::unique_ptr<IModelLoader>> loaders;
     for (const PluginService& service : Plugins().ServicesOf<IModelLoader>())
-        loaders.push_back(Plugins().CreateService<IModelLoader>(service.id));
+        try {
+            loaders.push_back(Plugins().CreateService<IModelLoader>(service.id));
+        } catch (const Exception& exception) {
+            PrintError(QStringLiteral("warning: ") + exception.GetErrorText());
+        }
     if (loaders.empty())
         throw LoadingException(
             QStringLiteral("no plug-in that reads models is in %1").arg(QuotedList(PluginFolders())));
     const auto others = std::stable_partition(loaders.begin(), loaders.end(),
                                               [&](const auto& loader) { return Reads(*loader, fileName); });
-    if (others != loaders.begin()) loaders.erase(others, loaders.end());
+    if (others != loaders.begin())
+        loaders.erase(others, loaders.end());
     return loaders;
 }
 
@@ -68,15 +74,15 @@ std::vector<std::unique_ptr<IModelLoader>> LoadersFor(const QString& fileName)
 
 Model ReadModel(const QString& fileName, const Progress& progress)
 {
-    const auto loaders = LoadersFor(fileName);
-    for (auto loader = loaders.begin(); std::next(loader) != loaders.end(); ++loader) {
+    QStringList reasons;
+    for (const auto& loader : LoadersFor(fileName)) {
         try {
-            return ReadModel(**loader, fileName, progress);
-        } catch (const LoadingException&) {
-            // The next one may make sense of it.
+            return ReadModel(*loader, fileName, progress);
+        } catch (const LoadingException& exception) {
+            reasons += exception.GetErrorText(); // the next one may make sense of it
         }
     }
-    return ReadModel(*loaders.back(), fileName, progress);
+    throw LoadingException(reasons.join(QLatin1Char('\n')));
 }
 
 QStringList RendererNames()

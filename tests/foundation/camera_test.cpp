@@ -1,6 +1,6 @@
+#include "benchmarks/SceneStandIns.h"
 #include "lumenta/foundation/CameraMatrices.h"
 #include "tests/foundation/Exact.h"
-#include "tests/scene/SceneStandIns.h"
 
 namespace {
 

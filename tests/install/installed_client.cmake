@@ -25,9 +25,9 @@ function(print program)
     endforeach()
 endfunction()
 
-# build_client(NAME PREFIX FLAGS TARGET): through find_package.
-function(build_client name prefix flags target)
-    run("${CMAKE_COMMAND}" -S "${CLIENT_DIR}" -B "${WORK_DIR}/${name}" -G "${GENERATOR}"
+# build_client(SOURCE NAME PREFIX FLAGS TARGET): through find_package.
+function(build_client source name prefix flags target)
+    run("${CMAKE_COMMAND}" -S "${source}" -B "${WORK_DIR}/${name}" -G "${GENERATOR}"
         "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_FLAGS=${sanitizer_flag} ${flags}"
         "-DCMAKE_PREFIX_PATH=${prefix}")
     run("${CMAKE_COMMAND}" --build "${WORK_DIR}/${name}" --target ${target} --parallel 2)
@@ -41,7 +41,7 @@ endif()
 
 file(REMOVE_RECURSE "${WORK_DIR}")
 run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${WORK_DIR}/first place")
-build_client(plain "${WORK_DIR}/first place" "" all)
+build_client("${CLIENT_DIR}" plain "${WORK_DIR}/first place" "" all)
 print(plain/client)
 
 # Once moved, nothing may lead back to where it was.
@@ -53,7 +53,7 @@ if(features MATCHES " fma ")
 else()
     message(STATUS "This processor has no AVX2 and FMA: the tuned client is built without.")
 endif()
-build_client(tuned "${WORK_DIR}/moved" "${tuned}" client)
+build_client("${CLIENT_DIR}" tuned "${WORK_DIR}/moved" "${tuned}" client)
 print(tuned/client)
 
 set(ENV{PKG_CONFIG_PATH} "${WORK_DIR}/moved/${LIBDIR}/pkgconfig:$ENV{PKG_CONFIG_PATH}")
@@ -62,3 +62,14 @@ separate_arguments(flags UNIX_COMMAND "${output}")
 run("${COMPILER}" -std=c++17 ${sanitizer_flag} "${CLIENT_DIR}/main.cpp" -o "${WORK_DIR}/by-pkg-config" ${flags}
     "-Wl,-rpath,${WORK_DIR}/moved/${LIBDIR}")
 print(by-pkg-config)
+
+# A plug-in of somebody else: found where it was built, then where it was installed.
+if(REFERENCE)
+    build_client("${EXAMPLE_DIR}" plugin "${WORK_DIR}/moved" "" all)
+    run("${CMAKE_CTEST_COMMAND}" --test-dir "${WORK_DIR}/plugin" --no-tests=error)
+    run("${CMAKE_COMMAND}" --install "${WORK_DIR}/plugin" --prefix "${WORK_DIR}/moved")
+    run("${WORK_DIR}/moved/bin/lumenta" info --json "${EXAMPLE_DIR}/tetrahedron.tri")
+    if(NOT output MATCHES "\"triangles\": 4")
+        message(FATAL_ERROR "The installed plug-in was not used: ${output}")
+    endif()
+endif()

@@ -1,6 +1,6 @@
+#include "benchmarks/SceneStandIns.h"
 #include "lumenta/scene/AddMesh.h"
 #include "tests/foundation/Exact.h"
-#include "tests/scene/SceneStandIns.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "benchmarks/NaiveScene.h"
+#include "benchmarks/SceneStandIns.h"
 #include "benchmarks/Workloads.h"
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/scene/NodeHierarchy.h"
 #include "tests/foundation/Exact.h"
-#include "tests/scene/SceneStandIns.h"
 
 #include <deque>
 

@@ -1,11 +1,11 @@
 #include "benchmarks/NaiveScene.h"
+#include "benchmarks/SceneStandIns.h"
 #include "benchmarks/Workloads.h"
 #include "lumenta/foundation/CameraMatrices.h"
 #include "lumenta/scene/BoundingBoxes.h"
 #include "lumenta/scene/NodeHierarchy.h"
 #include "lumenta/scene/Picking.h"
 #include "tests/foundation/Exact.h"
-#include "tests/scene/SceneStandIns.h"
 
 #include <QThread>
 

@@ -1,7 +1,7 @@
 #include "benchmarks/NaiveScene.h"
+#include "benchmarks/SceneStandIns.h"
 #include "benchmarks/Workloads.h"
 #include "tests/foundation/Exact.h"
-#include "tests/scene/SceneStandIns.h"
 
 #include <algorithm>
 

@@ -26,8 +26,7 @@ Batch::Batch(Scene& scene)
 
 void Batch::NodeList::Add(const INode* pNode)
 {
-    if (seen.insert(pNode).second)
-        nodes.push_back(pNode);
+    if (seen.insert(pNode).second) nodes.push_back(pNode);
 }
 
 std::vector<const INode*> Batch::NodeList::Alive() const
@@ -46,8 +45,7 @@ void Batch::Begin(const sSceneModifications& planned)
 
 void Batch::End()
 {
-    if (m_nExplicit == 0)
-        throw LogicException(QStringLiteral("IScene::EndUpdate() without IScene::BeginUpdate()"));
+    if (m_nExplicit == 0) throw LogicException(QStringLiteral("IScene::EndUpdate() without IScene::BeginUpdate()"));
     --m_nExplicit;
     Leave();
 }
@@ -55,20 +53,17 @@ void Batch::End()
 void Batch::Keep(std::unique_ptr<QObject> removed)
 {
     m_kept.push_back(std::move(removed));
-    if (!IsOpen())
-        Bury();
+    if (!IsOpen()) Bury();
 }
 
 void Batch::Enter(const sSceneModifications& planned)
 {
-    if (m_nDepth++ == 0)
-        m_planned = planned;
+    if (m_nDepth++ == 0) m_planned = planned;
 }
 
 void Batch::Announce()
 {
-    if (m_bAnnounced || m_bSilent)
-        return;
+    if (m_bAnnounced || m_bSilent) return;
     m_bAnnounced = true;
     const sSceneModifications planned = m_planned;
     Q_EMIT m_scene.beforeSceneUpdate(planned);
@@ -76,10 +71,8 @@ void Batch::Announce()
 
 void Batch::Leave()
 {
-    if (--m_nDepth > 0 || m_bSilent)
-        return;
-    if (m_bAnnounced)
-        TellEnd();
+    if (--m_nDepth > 0 || m_bSilent) return;
+    if (m_bAnnounced) TellEnd();
     Bury();
 }
 
@@ -97,8 +90,7 @@ void Batch::TellEnd()
 /// One grave at a time: Qt looks for the pending end of each object among all others'.
 void Batch::Bury()
 {
-    if (m_kept.empty())
-        return;
+    if (m_kept.empty()) return;
     if (!m_pGrave) {
         m_pGrave = new Grave(&m_scene);
         m_pGrave->deleteLater();
@@ -122,15 +114,12 @@ Change::Change(Batch& batch, const sSceneModifications& planned)
 
 Change::~Change()
 {
-    if (m_batch.m_bSilent)
-        return;
+    if (m_batch.m_bSilent) return;
     Scene& scene = m_batch.m_scene;
     for (const INode* pNode : m_changed)
-        if (pNode->GetScene())
-            Q_EMIT scene.nodeChanged(pNode, m_what[pNode]);
+        if (pNode->GetScene()) Q_EMIT scene.nodeChanged(pNode, m_what[pNode]);
     scene.Announce(m_inScene);
-    if (m_bSelection)
-        Q_EMIT scene.selectionChanged();
+    if (m_bSelection) Q_EMIT scene.selectionChanged();
 }
 
 void Change::Changed(const INode& node, eNodeChangedFlags what)

@@ -22,7 +22,7 @@ sCameraState NewState()
 bool operator==(const sCameraState& a, const sCameraState& b)
 {
     return a.target == b.target && a.distance == b.distance && a.heading == b.heading && a.pitch == b.pitch
-        && a.fieldOfView == b.fieldOfView && a.frameAspect == b.frameAspect;
+           && a.fieldOfView == b.fieldOfView && a.frameAspect == b.frameAspect;
 }
 
 /// The value within its limits, or the one before where it is no number.
@@ -34,8 +34,7 @@ float Held(float value, float before, float least, float most)
 float Turned(float heading, float before)
 {
     const float turned = std::remainder(heading, 360.0f);
-    if (std::isnan(turned))
-        return before;
+    if (std::isnan(turned)) return before;
     return turned == -180.0f ? 180.0f : turned;
 }
 
@@ -124,8 +123,7 @@ void FreeCamera::Pan(float right, float up)
 
 void FreeCamera::Zoom(float factor)
 {
-    if (!(factor > 0.0f))
-        return;
+    if (!(factor > 0.0f)) return;
     sCameraState state = m_state;
     state.distance *= factor;
     SetByHand(state);
@@ -133,8 +131,7 @@ void FreeCamera::Zoom(float factor)
 
 void FreeCamera::FrameBox(const TBBox<float>& box)
 {
-    if (box.IsEmpty())
-        return;
+    if (box.IsEmpty()) return;
     sCameraState state = m_state;
     state.target = box.Center();
     const TVec3<float> half = box.HalfExtent();
@@ -147,10 +144,10 @@ void FreeCamera::FrameBox(const TBBox<float>& box)
             return Dot(corner, {m_matrix(axis, 0), m_matrix(axis, 1), m_matrix(axis, 2)});
         };
         const float aside = std::max(std::fabs(along(1)) / frame.x, std::fabs(along(2)) / frame.y);
-        distance = std::max(distance, kMargin * (aside - along(0)));
+        // Wide enough for the frame, and not in the face of a box that is narrow and deep.
+        distance = std::max({distance, kMargin * aside - along(0), -kMargin * along(0)});
     }
-    if (distance > 0.0f)
-        state.distance = distance;
+    if (distance > 0.0f) state.distance = distance;
     SetByHand(state);
 }
 
@@ -162,8 +159,7 @@ void FreeCamera::LookFrom(eCameraView view)
     };
     static constexpr Angles kAngles[] = {{90.0f, 0.0f},  {-90.0f, 0.0f}, {0.0f, 0.0f},
                                          {180.0f, 0.0f}, {90.0f, 90.0f}, {-90.0f, -90.0f}};
-    if (view < eCameraViewFront || view > eCameraViewBottom)
-        return;
+    if (view < eCameraViewFront || view > eCameraViewBottom) return;
     sCameraState state = m_state;
     state.heading = kAngles[view].heading;
     state.pitch = kAngles[view].pitch;
@@ -174,24 +170,21 @@ void FreeCamera::LookAt(const TVec3<float>& position, const TVec3<float>& target
 {
     const TVec3<double> way = Widened(target) - Widened(position);
     const double distance = LengthOf(way);
-    if (!(distance > 0.0))
-        return;
+    if (!(distance > 0.0)) return;
     const double level = std::hypot(way.x, way.y);
     constexpr double kDegrees = 57.29577951308232;
     sCameraState state = m_state;
     state.target = target;
     state.distance = static_cast<float>(std::min(distance, static_cast<double>(kMost)));
     state.pitch = static_cast<float>(std::atan2(-way.z, level) * kDegrees);
-    if (level > 0.0)
-        state.heading = static_cast<float>(std::atan2(way.y, way.x) * kDegrees);
+    if (level > 0.0) state.heading = static_cast<float>(std::atan2(way.y, way.x) * kDegrees);
     SetByHand(state);
 }
 
 void FreeCamera::SetState(const sCameraState& state)
 {
     const sCameraState held = WithinLimits(state, m_state);
-    if (held == m_state)
-        return;
+    if (held == m_state) return;
     m_state = held;
     m_matrix = MatrixOf(held);
     Q_EMIT changed();
@@ -199,8 +192,7 @@ void FreeCamera::SetState(const sCameraState& state)
 
 void FreeCamera::SetLocked(bool bLocked)
 {
-    if (bLocked == m_bLocked)
-        return;
+    if (bLocked == m_bLocked) return;
     m_bLocked = bLocked;
     Q_EMIT changed();
 }
@@ -218,8 +210,7 @@ void FreeCamera::Restart()
 
 void FreeCamera::SetByHand(const sCameraState& state)
 {
-    if (!m_bLocked)
-        SetState(state);
+    if (!m_bLocked) SetState(state);
 }
 
 TVec2<float> FreeCamera::HalfFrame() const

@@ -28,8 +28,7 @@ public:
 
     ColorF Of(double totalWeight) const
     {
-        if (!(m_alpha > 0.0))
-            return {0.0f, 0.0f, 0.0f, 0.0f};
+        if (!(m_alpha > 0.0)) return {0.0f, 0.0f, 0.0f, 0.0f};
         return {static_cast<float>(m_red / m_alpha), static_cast<float>(m_green / m_alpha),
                 static_cast<float>(m_blue / m_alpha), static_cast<float>(m_alpha / totalWeight)};
     }
@@ -50,8 +49,7 @@ Between Locate(double coordinate, int nCount, bool bRepeated)
     const double position = (bRepeated ? coordinate - std::floor(coordinate) : coordinate) * nCount - 0.5;
     const int first = static_cast<int>(std::floor(position)); // −1 to count
     const double fraction = position - first;
-    if (bRepeated)
-        return {(first + nCount) % nCount, (first + 1) % nCount, fraction};
+    if (bRepeated) return {(first + nCount) % nCount, (first + 1) % nCount, fraction};
     return {std::max(first, 0), std::min(first + 1, nCount - 1), fraction};
 }
 
@@ -66,8 +64,7 @@ Image::Image(const QImage& image, const QString& strFileName, QObject* pParent)
 
 ColorF Image::GetPixel(int x, int y) const
 {
-    if (!m_image.valid(x, y))
-        return {0.0f, 0.0f, 0.0f, 0.0f};
+    if (!m_image.valid(x, y)) return {0.0f, 0.0f, 0.0f, 0.0f};
     const QRgb pixel = m_image.pixel(x, y);
     return {static_cast<float>(qRed(pixel)) / 255.0f, static_cast<float>(qGreen(pixel)) / 255.0f,
             static_cast<float>(qBlue(pixel)) / 255.0f, static_cast<float>(qAlpha(pixel)) / 255.0f};
@@ -84,8 +81,7 @@ ColorF Image::Sample(const TVec2<float>& texCoord, bool bRepeated) const
     const double u = std::isfinite(texCoord.x) ? static_cast<double>(texCoord.x) : 0.0;
     const double v = std::isfinite(texCoord.y) ? static_cast<double>(texCoord.y) : 0.0;
     const bool bOutside = u < 0.0 || u > 1.0 || v < 0.0 || v > 1.0;
-    if (m_image.isNull() || (bOutside && !bRepeated))
-        return {0.0f, 0.0f, 0.0f, 0.0f};
+    if (m_image.isNull() || (bOutside && !bRepeated)) return {0.0f, 0.0f, 0.0f, 0.0f};
     const Between x = Locate(u, m_image.width(), bRepeated);
     const Between y = Locate(v, m_image.height(), bRepeated);
     Mixture mixture;
@@ -119,15 +115,13 @@ IImage* Image::Clone() const
 
 void Image::Resize(const QSize& size)
 {
-    if (!size.isEmpty())
-        SetQImage(m_image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    if (!size.isEmpty()) SetQImage(m_image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 }
 
 void Image::Crop(const QRect& rect)
 {
     const QRect kept = rect & m_image.rect();
-    if (!kept.isEmpty())
-        m_image = m_image.copy(kept);
+    if (!kept.isEmpty()) m_image = m_image.copy(kept);
 }
 
 void Image::Rotate(int nQuarterTurns)

@@ -38,8 +38,7 @@ Node::~Node() = default;
 template <typename T>
 void Node::Assign(T& field, const T& value, eNodeChangedFlags what)
 {
-    if (field == value)
-        return;
+    if (field == value) return;
     if (!m_pScene) {
         field = value;
         return;
@@ -58,8 +57,7 @@ void Node::SetName(const QString& strName)
 
 void Node::SetMatrix(const Matrix& matrix)
 {
-    if (!m_pScene || m_pScene->GetRoot() != this)
-        Assign(m_matrix, Matrix(matrix), eNodeChangedMatrix);
+    if (!m_pScene || m_pScene->GetRoot() != this) Assign(m_matrix, Matrix(matrix), eNodeChangedMatrix);
 }
 
 void Node::SetVisible(bool bVisible)
@@ -139,8 +137,7 @@ void MeshNode::SetExcludedFromTracing(bool bExcluded)
 
 IMaterial* MeshNode::GetMaterial(std::size_t nMesh) const
 {
-    if (!OwnScene())
-        return nullptr;
+    if (!OwnScene()) return nullptr;
     IMaterial* const pMaterial = MeshAt(m_meshes, nMesh).m_pMaterial;
     return pMaterial ? pMaterial : OwnScene()->GetDefaultMaterial();
 }

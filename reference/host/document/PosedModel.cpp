@@ -7,12 +7,16 @@ namespace Host {
 PosedModel::PosedModel(std::unique_ptr<SkinAnimation::Scene> scene)
     : m_scene(std::move(scene))
 {
+    for (const SkinAnimation::Node* pNode : m_scene->nodes)
+        m_rest.push_back(pNode->localTransform);
 }
 
 void PosedModel::Pose(int nAnimation, float time, IMeshNodeBuilder& builder)
 {
+    // An animation leaves nodes that it doesn't move where the one before has left them.
+    for (std::size_t i = 0; i < m_rest.size(); ++i)
+        m_scene->nodes[i]->localTransform = m_rest[i];
     if (nAnimation < 0) {
-        // An animation that moves nothing brings everything back to rest.
         SkinAnimation::Animation rest;
         rest.layers.resize(1);
         std::vector<SkinAnimation::Animation*> onlyRest{&rest};

@@ -14,7 +14,7 @@ namespace Host {
 /// A model that hangs in a scene: what poses its meshes.
 class PosedModel {
 public:
-    /// \pre `scene` is not null
+    /// \param scene at rest, not null
     explicit PosedModel(std::unique_ptr<SkinAnimation::Scene> scene);
 
     const std::vector<SkinAnimation::Animation*>& GetAnimations() const { return m_scene->animations; }
@@ -34,6 +34,7 @@ public:
 
 private:
     std::unique_ptr<SkinAnimation::Scene> m_scene;
+    std::vector<Matrix> m_rest; ///< Local transforms, parallel to the scene's nodes.
 };
 
 } // namespace Host

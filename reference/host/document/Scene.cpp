@@ -2,9 +2,9 @@
 
 #include "reference/host/Directions.h"
 #include "reference/host/document/Image.h"
-#include "reference/host/document/SceneMaterial.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/PosedModel.h"
+#include "reference/host/document/SceneMaterial.h"
 #include "reference/host/document/Snapshots.h"
 
 #include <algorithm>
@@ -34,6 +34,7 @@ Scene::Scene(QObject* pParent)
 Scene::~Scene()
 {
     m_batch.Silence();
+    m_settings.pBackgroundImage = nullptr; // which may be one of the scene's own
     for (IMaterial* pMaterial : m_materials)
         delete pMaterial;
 }
@@ -62,15 +63,13 @@ void Scene::Announce(eSceneChangedFlags what)
         m_bModified = true;
         told = told | eSceneChangedDocument;
     }
-    if (told != eSceneChangedFlags{})
-        Q_EMIT sceneChanged(told);
+    if (told != eSceneChangedFlags{}) Q_EMIT sceneChanged(told);
 }
 
 template <typename T>
 void Scene::Assign(T& field, const T& value, eSceneChangedFlags what)
 {
-    if (field == value)
-        return;
+    if (field == value) return;
     field = value;
     Announce(what);
 }
@@ -97,15 +96,13 @@ void Scene::SetBackgroundColor(const ColorF& color)
 
 void Scene::SetBackgroundImage(IImage* pImage)
 {
-    if (pImage)
-        connect(pImage, &QObject::destroyed, this, &Scene::OnImageDestroyed, Qt::UniqueConnection);
+    if (pImage) connect(pImage, &QObject::destroyed, this, &Scene::OnImageDestroyed, Qt::UniqueConnection);
     Assign(m_settings.pBackgroundImage, pImage, eSceneChangedBackground);
 }
 
 void Scene::OnImageDestroyed(QObject* pObject)
 {
-    if (static_cast<QObject*>(m_settings.pBackgroundImage) == pObject)
-        SetBackgroundImage(nullptr);
+    if (static_cast<QObject*>(m_settings.pBackgroundImage) == pObject) SetBackgroundImage(nullptr);
 }
 
 void Scene::SetAmbientLight(const ColorF& color)
@@ -132,22 +129,19 @@ void Scene::SetMillimetersPerUnit(float millimeters)
 
 void Scene::SetRenderSize(const QSize& size)
 {
-    if (!size.isEmpty())
-        Assign(m_settings.renderSize, size, eSceneChangedOutput);
+    if (!size.isEmpty()) Assign(m_settings.renderSize, size, eSceneChangedOutput);
 }
 
 void Scene::SetModified(bool bModified)
 {
-    if (bModified == m_bModified)
-        return;
+    if (bModified == m_bModified) return;
     m_bModified = bModified;
     Q_EMIT sceneChanged(eSceneChangedDocument);
 }
 
 void Scene::SetFileName(const QString& strFileName)
 {
-    if (strFileName == m_strFileName)
-        return;
+    if (strFileName == m_strFileName) return;
     m_strFileName = strFileName;
     Q_EMIT sceneChanged(eSceneChangedDocument);
 }
@@ -230,18 +224,15 @@ void Scene::Dress(const std::vector<INode*>& nodes, const QString& strTitle, con
         std::vector<std::pair<MeshNode*, std::vector<IMaterial*>>> dresses;
         for (Node* pNode : InTreeOrder(nodes, eWithBelow)) {
             auto* const pMeshNode = qobject_cast<MeshNode*>(pNode);
-            if (!pMeshNode)
-                continue;
+            if (!pMeshNode) continue;
             const std::vector<IMaterial*> given = pMeshNode->GivenMaterials();
             std::vector<IMaterial*> chosen(given.size());
             std::transform(given.begin(), given.end(), chosen.begin(), choose);
-            if (chosen != given)
-                dresses.emplace_back(pMeshNode, std::move(chosen));
+            if (chosen != given) dresses.emplace_back(pMeshNode, std::move(chosen));
         }
         return dresses;
     };
-    if (plan().empty())
-        return;
+    if (plan().empty()) return;
     sSceneModifications planned;
     planned.strTitle = strTitle;
     Change change(m_batch, planned);
@@ -253,26 +244,23 @@ void Scene::Dress(const std::vector<INode*>& nodes, const QString& strTitle, con
 
 void Scene::AssignMaterial(const std::vector<INode*>& nodes, IMaterial* pMaterial)
 {
-    if (!IsOwnOrNull(pMaterial))
-        return;
+    if (!IsOwnOrNull(pMaterial)) return;
     IMaterial* const pGiven = NullForDefault(pMaterial);
-    Dress(nodes, QStringLiteral("Assign a material"), [&](IMaterial*) { return IsOwnOrNull(pGiven) ? pGiven : nullptr; });
+    Dress(nodes, QStringLiteral("Assign a material"),
+          [&](IMaterial*) { return IsOwnOrNull(pGiven) ? pGiven : nullptr; });
 }
 
 void Scene::RemoveMaterial(IMaterial* pMaterial)
 {
-    if (!pMaterial || pMaterial->GetScene() != this || pMaterial == GetDefaultMaterial())
-        return;
+    if (!pMaterial || pMaterial->GetScene() != this || pMaterial == GetDefaultMaterial()) return;
     sSceneModifications planned;
     planned.strTitle = QStringLiteral("Remove material '%1'").arg(pMaterial->GetName());
     planned.materialsChanged = true;
     Change change(m_batch, planned);
-    if (pMaterial->GetScene() != this)
-        return; // a slot was faster
+    if (pMaterial->GetScene() != this) return; // a slot was faster
     Dress({m_pRoot}, QString(), [&](IMaterial* pGiven) { return pGiven == pMaterial ? nullptr : pGiven; });
     const auto found = std::find(m_materials.begin(), m_materials.end(), pMaterial);
-    if (found == m_materials.end())
-        return;
+    if (found == m_materials.end()) return;
     m_materials.erase(found);
     static_cast<SceneMaterial*>(pMaterial)->Leave();
     m_batch.Keep(std::unique_ptr<QObject>(pMaterial));
@@ -286,8 +274,7 @@ std::vector<INode*> Scene::GetNodesWithMaterial(const IMaterial* pMaterial) cons
     for (Node* pNode : AllNodes()) {
         const auto* const pMeshNode = qobject_cast<const MeshNode*>(pNode);
         for (std::size_t i = 0; pMeshNode && i < pMeshNode->GetMeshes().size(); ++i) {
-            if (pMeshNode->GetMaterial(i) != pMaterial)
-                continue;
+            if (pMeshNode->GetMaterial(i) != pMaterial) continue;
             nodes.push_back(pNode);
             break;
         }

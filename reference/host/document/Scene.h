@@ -2,9 +2,9 @@
 
 #include "lumenta/interfaces/IMaterial.h"
 #include "lumenta/interfaces/IScene.h"
-#include "reference/host/Model.h"
 #include "reference/host/document/Batch.h"
 #include "reference/host/document/FreeCamera.h"
+#include "reference/host/Model.h"
 
 #include <functional>
 #include <memory>
@@ -167,9 +167,9 @@ private:
 
     /// How far a listed node stands for those under it.
     enum Listed {
-        eEach,      ///< Every listed node.
-        eTopsOnly,  ///< Without the root, and without nodes under another listed one.
-        eWithBelow  ///< Every listed node and all that is under one.
+        eEach,     ///< Every listed node.
+        eTopsOnly, ///< Without the root, and without nodes under another listed one.
+        eWithBelow ///< Every listed node and all that is under one.
     };
 
     // Of the tree.
@@ -230,7 +230,7 @@ private:
     std::unordered_map<int, std::unique_ptr<Node>> m_nodes;
     Node* m_pRoot = nullptr;
     std::vector<INode*> m_selection;
-    std::vector<IMaterial*> m_materials; ///< Owned.
+    std::vector<IMaterial*> m_materials;          ///< Owned.
     std::vector<std::unique_ptr<Image>> m_images; ///< That models brought.
 
     std::vector<std::unique_ptr<PosedModel>> m_models; ///< In the order of their groups.

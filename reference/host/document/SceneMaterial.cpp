@@ -4,8 +4,8 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IImageManager.h"
 #include "reference/host/Directions.h"
-#include "reference/host/Studio.h"
 #include "reference/host/document/Scene.h"
+#include "reference/host/Studio.h"
 
 #include <QDir>
 #include <QFile>
@@ -23,44 +23,61 @@ namespace {
 
 constexpr float kUnlimited = std::numeric_limits<float>::max();
 
+/// Names of the slots' files; those of their other values begin with them.
+constexpr const char* kFiles[eMaterialSlotCount] = {"texture",        "specularTexture", "reflectionTexture",
+                                                    "opacityTexture", "bumpTexture",     "emissionTexture"};
+
 /// The shortest text that reads back as the same float.
 QString ShortestText(float number, char format)
 {
     for (int nDigits = format == 'f' ? 0 : 6;; ++nDigits) {
         const QString text = QString::number(static_cast<double>(number), format, nDigits);
-        if (text.toFloat() == number)
-            return text;
+        if (text.toFloat() == number) return text;
     }
 }
 
-std::optional<float> ReadFloat(const QVariant& value)
+enum Kind { eColor, eAmount, eSwitch, eRectangle, eChoice };
+
+std::size_t CountOf(Kind kind)
 {
-    bool isNumber = false;
-    const float number = value.toFloat(&isNumber);
-    return isNumber && !std::isnan(number) ? std::optional<float>(number) : std::nullopt;
+    return kind == eColor || kind == eRectangle ? 4 : 1;
 }
 
-std::optional<ColorF> ReadColor(const QVariant& value)
+QString TextOf(Kind kind, const std::array<float, 4>& numbers)
+{
+    if (kind == eSwitch) return numbers[0] != 0.0f ? QStringLiteral("true") : QStringLiteral("false");
+    QStringList parts;
+    for (std::size_t i = 0; i < CountOf(kind); ++i)
+        parts.append(ShortestText(numbers[i], kind == eRectangle ? 'f' : 'g'));
+    return parts.join(QLatin1Char(' '));
+}
+
+/// Nothing where the value makes no sense.
+std::optional<std::array<float, 4>> Read(Kind kind, const QVariant& value)
 {
     const QString text = value.toString();
-    if (value.userType() == QMetaType::QColor || text.startsWith(QLatin1Char('#'))) {
+    if (kind == eSwitch) {
+        const bool isOn = QVariantToBool(value);
+        const bool isFalse =
+            value.userType() != QMetaType::QString || text.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0;
+        if (!isOn && !isFalse) return std::nullopt;
+        return {{isOn ? 1.0f : 0.0f}};
+    }
+    if (kind == eColor && (value.userType() == QMetaType::QColor || text.startsWith(QLatin1Char('#')))) {
         const QColor color = value.value<QColor>();
-        if (!color.isValid())
-            return std::nullopt;
+        if (!color.isValid()) return std::nullopt;
         const QRgb pixel = color.rgb(); // clamps extended colours
-        return ColorF{LinearFromSrgb(qRed(pixel)), LinearFromSrgb(qGreen(pixel)), LinearFromSrgb(qBlue(pixel)), 1.0f};
+        return {{LinearFromSrgb(qRed(pixel)), LinearFromSrgb(qGreen(pixel)), LinearFromSrgb(qBlue(pixel)), 1.0f}};
     }
     const QStringList parts = text.split(QLatin1Char(' '));
-    if (parts.size() != 4)
-        return std::nullopt;
-    float components[4];
-    for (int i = 0; i < 4; ++i) {
-        const std::optional<float> component = ReadFloat(parts[i]);
-        if (!component)
-            return std::nullopt;
-        components[i] = *component;
+    if (static_cast<std::size_t>(parts.size()) != CountOf(kind)) return std::nullopt;
+    std::array<float, 4> numbers{};
+    for (int i = 0; i < parts.size(); ++i) {
+        bool isNumber = false;
+        numbers[static_cast<std::size_t>(i)] = parts[i].toFloat(&isNumber);
+        if (!isNumber) return std::nullopt;
     }
-    return ColorF{components[0], components[1], components[2], components[3]};
+    return numbers;
 }
 
 /// A file as a document names it: from the document's folder, or beside the
@@ -103,66 +120,70 @@ QTransform Placement(eMaterialTextureTransformation transformation, const QRectF
 
 // ---------------------------------------------------------------- the table
 
-SceneMaterial::Table SceneMaterial::MakeTable()
+struct SceneMaterial::Parameter {
+    QString strName;
+    Kind kind;
+    Numbers initial;
+    float least;
+    float most;
+};
+
+std::array<SceneMaterial::Parameter, SceneMaterial::kCount> SceneMaterial::MakeTable()
 {
-    constexpr ColorF black{0.0f, 0.0f, 0.0f, 1.0f};
-    constexpr ColorF white{1.0f, 1.0f, 1.0f, 1.0f};
-    Table table;
-    const auto add = [&table](int nIndex, const char* name, const Value& initial, float least = 0.0f,
-                              float most = 1.0f) {
-        table[static_cast<std::size_t>(nIndex)] = {QLatin1String(name), initial, least, most};
+    constexpr Numbers black{0.0f, 0.0f, 0.0f, 1.0f};
+    constexpr Numbers white{1.0f, 1.0f, 1.0f, 1.0f};
+    constexpr Numbers off{0.0f};
+    constexpr Numbers on{1.0f};
+    std::array<Parameter, kCount> table;
+    const auto add = [&table](int nIndex, const QString& strName, Kind kind, const Numbers& initial, float least,
+                              float most) {
+        table[static_cast<std::size_t>(nIndex)] = {strName, kind, initial, least, most};
     };
-    add(eDiffuse, "diffuse", ColorF{0.62f, 0.53f, 0.45f, 1.0f});
-    add(eAmbient, "ambient", black);
-    add(eSpecular, "specular", white);
-    add(eEmission, "emissive", black);
-    add(eReflection, "reflection", white);
-    add(eFilter, "filter", white);
-    add(eOpacity, "opacity", 1.0f);
-    add(eShininess, "shininess", 20.0f, 1.0f, 1000.0f);
-    add(eSpecularLevel, "specularLevel", 0.04f);
-    add(eEmissionLevel, "emissionLevel", 1.0f, 0.0f, kUnlimited);
-    add(eReflectionLevel, "reflectionLevel", 0.0f);
-    add(eRefractionIndex, "refractionIndex", 1.0f, 1.0f, 4.0f);
-    add(eBumpHeight, "bumpHeight", 0.02f, -1.0f, 1.0f);
-    add(eTwoSided, "twoSided", false);
-    add(eCastsShadows, "castsShadows", true);
-    add(eReceivesShadows, "receivesShadows", true);
-    add(eFlatShaded, "flatShaded", false);
-    const char* const slots_[] = {"texture",        "specularTexture", "reflectionTexture",
-                                  "opacityTexture", "bumpTexture",     "emissionTexture"};
+    const auto addColor = [&](int nIndex, const char* name, const Numbers& initial) {
+        add(nIndex, QLatin1String(name), eColor, initial, -kUnlimited, kUnlimited);
+    };
+    const auto addAmount = [&](int nIndex, const char* name, float initial, float least, float most) {
+        add(nIndex, QLatin1String(name), eAmount, {initial}, least, most);
+    };
+    addColor(eDiffuse, "diffuse", {0.62f, 0.53f, 0.45f, 1.0f});
+    addColor(eAmbient, "ambient", black);
+    addColor(eSpecular, "specular", white);
+    addColor(eEmission, "emissive", black);
+    addColor(eReflection, "reflection", white);
+    addColor(eFilter, "filter", white);
+    addAmount(eOpacity, "opacity", 1.0f, 0.0f, 1.0f);
+    addAmount(eShininess, "shininess", 20.0f, 1.0f, 1000.0f);
+    addAmount(eSpecularLevel, "specularLevel", 0.04f, 0.0f, 1.0f);
+    addAmount(eEmissionLevel, "emissionLevel", 1.0f, 0.0f, kUnlimited);
+    addAmount(eReflectionLevel, "reflectionLevel", 0.0f, 0.0f, 1.0f);
+    addAmount(eRefractionIndex, "refractionIndex", 1.0f, 1.0f, 4.0f);
+    addAmount(eBumpHeight, "bumpHeight", 0.02f, -1.0f, 1.0f);
+    add(eTwoSided, QStringLiteral("twoSided"), eSwitch, off, 0.0f, 1.0f);
+    add(eCastsShadows, QStringLiteral("castsShadows"), eSwitch, on, 0.0f, 1.0f);
+    add(eReceivesShadows, QStringLiteral("receivesShadows"), eSwitch, on, 0.0f, 1.0f);
+    add(eFlatShaded, QStringLiteral("flatShaded"), eSwitch, off, 0.0f, 1.0f);
     for (int i = 0; i < eMaterialSlotCount; ++i) {
-        const QByteArray name(slots_[i]);
-        const auto slot = static_cast<eMaterialSlot>(i);
-        add(Of(slot, eFile), name.constData(), QString());
-        add(Of(slot, eEnabled), (name + "Enabled").constData(), true);
-        add(Of(slot, eAmount), (name + "Amount").constData(), 1.0f);
-        add(Of(slot, eRect), (name + "Rect").constData(), Rect{0.0f, 0.0f, 1.0f, 1.0f});
-        add(Of(slot, eTransformation), (name + "Transformation").constData(), TT_Identity);
-        add(Of(slot, eRepeated), (name + "Repeated").constData(), true);
-        add(Of(slot, eInverted), (name + "Inverted").constData(), false);
+        const QLatin1String name(kFiles[i]);
+        add(Of(i, eEnabled), name + QLatin1String("Enabled"), eSwitch, on, 0.0f, 1.0f);
+        add(Of(i, eSlotAmount), name + QLatin1String("Amount"), eAmount, on, 0.0f, 1.0f);
+        add(Of(i, eRect), name + QLatin1String("Rect"), eRectangle, {0.0f, 0.0f, 1.0f, 1.0f}, -kUnlimited, kUnlimited);
+        add(Of(i, eTransformation), name + QLatin1String("Transformation"), eChoice, off, -kUnlimited, kUnlimited);
+        add(Of(i, eRepeated), name + QLatin1String("Repeated"), eSwitch, on, 0.0f, 1.0f);
+        add(Of(i, eInverted), name + QLatin1String("Inverted"), eSwitch, off, 0.0f, 1.0f);
     }
     return table;
 }
 
-const SceneMaterial::Table& SceneMaterial::Parameters()
+const std::array<SceneMaterial::Parameter, SceneMaterial::kCount>& SceneMaterial::Table()
 {
-    static const Table table = MakeTable();
+    static const std::array<Parameter, kCount> table = MakeTable();
     return table;
-}
-
-int SceneMaterial::Find(const QString& strName)
-{
-    const Table& table = Parameters();
-    const auto found = std::find_if(table.begin(), table.end(),
-                                    [&](const Parameter& parameter) { return parameter.strName == strName; });
-    return found == table.end() ? -1 : static_cast<int>(found - table.begin());
 }
 
 SceneMaterial::State SceneMaterial::NewState()
 {
     State state;
-    std::transform(Parameters().begin(), Parameters().end(), state.values.begin(),
+    std::transform(Table().begin(), Table().end(), state.numbers.begin(),
                    [](const Parameter& parameter) { return parameter.initial; });
     return state;
 }
@@ -173,145 +194,60 @@ SceneMaterial::State SceneMaterial::StateOf(const IMaterial& material)
     const QMap<QString, QVariant> parameters = material.GetParameters();
     for (auto it = parameters.begin(); it != parameters.end(); ++it)
         SetIn(state, it.key(), it.value());
-    for (int i = 0; i < eMaterialSlotCount; ++i)
-        state.images[static_cast<std::size_t>(i)] = material.GetImage(static_cast<eMaterialSlot>(i));
+    for (std::size_t i = 0; i < state.images.size(); ++i)
+        state.images[i] = material.GetImage(static_cast<eMaterialSlot>(i));
     return state;
 }
 
-// ------------------------------------------------------------------- values
-
-/// Puts a value into a state, held within its limits. Another file takes the
-/// image out.
-bool SceneMaterial::SetIn(State& state, int nIndex, const Value& value)
+/// Puts a value into a state, held within its limits.
+/// \return false for one that is no number; then the state is as it was
+bool SceneMaterial::SetIn(State& state, int nIndex, const Numbers& numbers)
 {
-    const Parameter& parameter = Parameters()[static_cast<std::size_t>(nIndex)];
-    Value& held = state.values[static_cast<std::size_t>(nIndex)];
-    if (const float* const pNumber = std::get_if<float>(&value)) {
-        if (std::isnan(*pNumber))
-            return false;
-        held = std::clamp(*pNumber, parameter.least, parameter.most);
-        return true;
-    }
-    const auto isFinite = [](float number) { return std::isfinite(number); };
-    if (const ColorF* const pColor = std::get_if<ColorF>(&value))
-        if (!isFinite(pColor->r) || !isFinite(pColor->g) || !isFinite(pColor->b) || !isFinite(pColor->a))
-            return false;
-    if (const Rect* const pRect = std::get_if<Rect>(&value))
-        if (!std::all_of(pRect->begin(), pRect->end(), isFinite))
-            return false;
-    if (std::holds_alternative<QString>(value) && held != value)
-        state.images[static_cast<std::size_t>((nIndex - eFirstOfSlots) / eIndexInSlotCount)] = nullptr;
-    held = value;
+    const Parameter& parameter = Table()[static_cast<std::size_t>(nIndex)];
+    if (std::any_of(numbers.begin(), numbers.end(), [](float number) { return std::isnan(number); })) return false;
+    Numbers& held = state.numbers[static_cast<std::size_t>(nIndex)];
+    std::transform(numbers.begin(), numbers.end(), held.begin(),
+                   [&](float number) { return std::clamp(number, parameter.least, parameter.most); });
+    for (std::size_t i = CountOf(parameter.kind); i < held.size(); ++i)
+        held[i] = 0.0f; // and not the least
+    const bool isChoice = held[0] >= TT_Identity && held[0] <= TT_MirrorV && held[0] == std::floor(held[0]);
+    if (parameter.kind == eChoice && !isChoice) held[0] = TT_Identity;
     return true;
 }
 
-/// Reads texts and other variants into values of a parameter's type.
-class SceneMaterial::Reader {
-public:
-    explicit Reader(const QVariant& value)
-        : m_value(value)
-    {
-    }
-
-    std::optional<Value> operator()(const ColorF&) const { return As(ReadColor(m_value)); }
-    std::optional<Value> operator()(float) const { return As(ReadFloat(m_value)); }
-    std::optional<Value> operator()(const QString&) const { return Value(m_value.toString()); }
-
-    std::optional<Value> operator()(bool) const
-    {
-        const QString text = m_value.toString();
-        const bool isText = m_value.userType() == QMetaType::QString;
-        if (isText && text.compare(QLatin1String("true"), Qt::CaseInsensitive) != 0
-            && text.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0)
-            return std::nullopt;
-        return Value(QVariantToBool(m_value));
-    }
-
-    std::optional<Value> operator()(const Rect&) const
-    {
-        // Of no rectangle, the width of the default tells it from any other.
-        const QRectF none(0.0, 0.0, std::numeric_limits<qreal>::quiet_NaN(), 0.0);
-        const QRectF rect = m_value.userType() == QMetaType::QRectF ? m_value.toRectF() : QVariantToQRectF(m_value, none);
-        if (std::isnan(rect.width()))
-            return std::nullopt;
-        return Value(RectFrom(rect));
-    }
-
-    std::optional<Value> operator()(eMaterialTextureTransformation) const
-    {
-        bool isNumber = false;
-        const int nNumber = m_value.toInt(&isNumber);
-        return isNumber ? std::optional<Value>(TransformationFrom(nNumber)) : std::nullopt;
-    }
-
-    static Rect RectFrom(const QRectF& rect)
-    {
-        const auto narrow = [](qreal number) { return Narrowed({number, 0.0, 0.0}).x; };
-        return {narrow(rect.x()), narrow(rect.y()), narrow(rect.width()), narrow(rect.height())};
-    }
-
-    static eMaterialTextureTransformation TransformationFrom(int nNumber)
-    {
-        const bool isOne = nNumber >= TT_Identity && nNumber <= TT_MirrorV;
-        return isOne ? static_cast<eMaterialTextureTransformation>(nNumber) : TT_Identity;
-    }
-
-private:
-    template <typename T>
-    static std::optional<Value> As(const std::optional<T>& value)
-    {
-        return value ? std::optional<Value>(*value) : std::nullopt;
-    }
-
-    const QVariant& m_value;
-};
+/// Another file takes the image out.
+void SceneMaterial::SetFileIn(State& state, std::size_t nSlot, const QString& strFileName)
+{
+    if (state.files[nSlot] != strFileName) state.images[nSlot] = nullptr;
+    state.files[nSlot] = strFileName;
+}
 
 bool SceneMaterial::SetIn(State& state, const QString& strName, const QVariant& value)
 {
-    const int nIndex = Find(strName);
-    if (nIndex < 0) {
-        if (value.isValid())
-            state.others[strName] = value;
-        else
-            state.others.remove(strName);
-        return true;
+    for (std::size_t i = 0; i < state.files.size(); ++i) {
+        if (strName == QLatin1String(kFiles[i])) {
+            SetFileIn(state, i, value.toString());
+            return true;
+        }
     }
-    const Value& initial = Parameters()[static_cast<std::size_t>(nIndex)].initial;
-    const std::optional<Value> read = value.isValid() ? std::visit(Reader(value), initial) : initial;
-    return read && SetIn(state, nIndex, *read);
-}
-
-QString SceneMaterial::TextOf(const Value& value)
-{
-    struct Writer {
-        QString operator()(const ColorF& color) const
-        {
-            return QStringList{(*this)(color.r), (*this)(color.g), (*this)(color.b), (*this)(color.a)}.join(
-                QLatin1Char(' '));
-        }
-        QString operator()(float number) const { return ShortestText(number, 'g'); }
-        QString operator()(bool isOn) const { return isOn ? QStringLiteral("true") : QStringLiteral("false"); }
-        QString operator()(const QString& text) const { return text; }
-        QString operator()(const Rect& rect) const
-        {
-            QStringList parts;
-            for (const float number : rect)
-                parts.append(ShortestText(number, 'f'));
-            return parts.join(QLatin1Char(' '));
-        }
-        QString operator()(eMaterialTextureTransformation transformation) const
-        {
-            return QString::number(static_cast<int>(transformation));
-        }
-    };
-    return std::visit(Writer(), value);
+    const auto found = std::find_if(Table().begin(), Table().end(),
+                                    [&](const Parameter& parameter) { return parameter.strName == strName; });
+    if (found != Table().end()) {
+        const std::optional<Numbers> read = value.isValid() ? Read(found->kind, value) : found->initial;
+        return read && SetIn(state, static_cast<int>(found - Table().begin()), *read);
+    }
+    if (value.isValid())
+        state.others[strName] = value;
+    else
+        state.others.remove(strName);
+    return true;
 }
 
 // ------------------------------------------------------------------ changes
 
 bool operator==(const SceneMaterial::State& a, const SceneMaterial::State& b)
 {
-    return a.values == b.values && a.others == b.others && a.images == b.images;
+    return a.numbers == b.numbers && a.files == b.files && a.images == b.images && a.others == b.others;
 }
 
 /// One operation, whether within a caller's update or on its own.
@@ -341,8 +277,7 @@ SceneMaterial::~SceneMaterial() = default;
 
 void SceneMaterial::BeginChange()
 {
-    if (m_bChanged)
-        return;
+    if (m_bChanged) return;
     m_bChanged = true;
     if (m_pScene) {
         m_pChange = std::make_unique<Change>(m_pScene->m_batch);
@@ -354,8 +289,7 @@ void SceneMaterial::EndUpdate()
 {
     if (m_nUpdates == 0)
         throw LogicException(QStringLiteral("IMaterial::EndUpdate() without IMaterial::BeginUpdate()"));
-    if (--m_nUpdates > 0 || !m_bChanged)
-        return;
+    if (--m_nUpdates > 0 || !m_bChanged) return;
     m_bChanged = false;
     const std::unique_ptr<Change> change = std::move(m_pChange);
     Q_EMIT changed();
@@ -366,8 +300,7 @@ void SceneMaterial::Edit(const F& edit)
 {
     State wanted = m_state;
     edit(wanted);
-    if (wanted == m_state)
-        return;
+    if (wanted == m_state) return;
     const Update update(*this);
     BeginChange();
     wanted = m_state; // slots may have changed it
@@ -377,28 +310,33 @@ void SceneMaterial::Edit(const F& edit)
     std::copy(m_state.images.begin(), m_state.images.end(), before.begin());
     m_state = wanted;
     for (std::size_t i = 0; i < before.size(); ++i) {
-        if (before[i] && before[i] != wanted.images[i])
-            Q_EMIT imageUnload(static_cast<eMaterialSlot>(i), before[i]);
+        if (before[i] && before[i] != wanted.images[i]) Q_EMIT imageUnload(static_cast<eMaterialSlot>(i), before[i]);
     }
     for (std::size_t i = 0; i < before.size(); ++i) {
         IImage* const pImage = m_state.images[i];
-        if (!pImage || pImage != wanted.images[i] || before[i] == pImage)
-            continue;
+        if (!pImage || pImage != wanted.images[i] || before[i] == pImage) continue;
         connect(pImage, &QObject::destroyed, this, &SceneMaterial::OnImageDestroyed, Qt::UniqueConnection);
         Q_EMIT imageLoad(static_cast<eMaterialSlot>(i), pImage);
     }
 }
 
-void SceneMaterial::Set(int nIndex, const Value& value)
+ColorF SceneMaterial::Color(int nIndex) const
 {
-    Edit([&](State& state) { SetIn(state, nIndex, value); });
+    const Numbers& numbers = m_state.numbers[static_cast<std::size_t>(nIndex)];
+    return {numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+void SceneMaterial::Set(int nIndex, const Numbers& numbers)
+{
+    Edit([&](State& state) { SetIn(state, nIndex, numbers); });
 }
 
 void SceneMaterial::OnImageDestroyed(QObject* pObject)
 {
-    const auto isGone = [pObject](const IImage* pImage) { return pImage && static_cast<const QObject*>(pImage) == pObject; };
-    if (std::none_of(m_state.images.begin(), m_state.images.end(), isGone))
-        return;
+    const auto isGone = [pObject](const IImage* pImage) {
+        return pImage && static_cast<const QObject*>(pImage) == pObject;
+    };
+    if (std::none_of(m_state.images.begin(), m_state.images.end(), isGone)) return;
     const Update update(*this);
     std::replace_if(m_state.images.begin(), m_state.images.end(), isGone, nullptr);
     BeginChange();
@@ -414,8 +352,7 @@ void SceneMaterial::Leave()
 
 void SceneMaterial::SetName(const QString& strName)
 {
-    if (strName == m_strName)
-        return;
+    if (strName == m_strName) return;
     const Update update(*this);
     BeginChange();
     m_strName = strName;
@@ -433,7 +370,7 @@ void SceneMaterial::SetImage(eMaterialSlot slot, IImage* pImage)
 
 void SceneMaterial::SetImageFile(eMaterialSlot slot, const QString& strFileName)
 {
-    Set(Of(slot, eFile), strFileName);
+    Edit([&](State& state) { SetFileIn(state, slot, strFileName); });
 }
 
 void SceneMaterial::LoadImages(IImageManager& manager, const QString& strBaseFolder)
@@ -442,16 +379,14 @@ void SceneMaterial::LoadImages(IImageManager& manager, const QString& strBaseFol
     std::exception_ptr failure;
     for (int i = 0; i < eMaterialSlotCount; ++i) {
         const auto slot = static_cast<eMaterialSlot>(i);
-        if (GetImage(slot) || GetImageFile(slot).isEmpty())
-            continue;
+        if (GetImage(slot) || GetImageFile(slot).isEmpty()) continue;
         try {
             SetImage(slot, manager.LoadImageFile(ImagePath(GetImageFile(slot), strBaseFolder)));
         } catch (const Exception&) {
             failure = failure ? failure : std::current_exception();
         }
     }
-    if (failure)
-        std::rethrow_exception(failure);
+    if (failure) std::rethrow_exception(failure);
 }
 
 void SceneMaterial::UnloadImages()
@@ -461,24 +396,25 @@ void SceneMaterial::UnloadImages()
 
 QRectF SceneMaterial::GetTextureRect(eMaterialSlot slot) const
 {
-    const Rect rect = Get<Rect>(Of(slot, eRect));
-    return {static_cast<qreal>(rect[0]), static_cast<qreal>(rect[1]), static_cast<qreal>(rect[2]),
-            static_cast<qreal>(rect[3])};
+    const ColorF rect = Color(Of(slot, eRect));
+    return {static_cast<qreal>(rect.r), static_cast<qreal>(rect.g), static_cast<qreal>(rect.b),
+            static_cast<qreal>(rect.a)};
 }
 
 void SceneMaterial::SetTextureRect(eMaterialSlot slot, const QRectF& rect)
 {
-    Set(Of(slot, eRect), Reader::RectFrom(rect));
+    const auto narrow = [](qreal number) { return Narrowed({number, 0.0, 0.0}).x; };
+    Set(Of(slot, eRect), {narrow(rect.x()), narrow(rect.y()), narrow(rect.width()), narrow(rect.height())});
 }
 
 eMaterialTextureTransformation SceneMaterial::GetTextureTransformation(eMaterialSlot slot) const
 {
-    return Get<eMaterialTextureTransformation>(Of(slot, eTransformation));
+    return static_cast<eMaterialTextureTransformation>(static_cast<int>(Amount(Of(slot, eTransformation))));
 }
 
 void SceneMaterial::SetTextureTransformation(eMaterialSlot slot, eMaterialTextureTransformation transformation)
 {
-    Set(Of(slot, eTransformation), Reader::TransformationFrom(static_cast<int>(transformation)));
+    Set(Of(slot, eTransformation), {static_cast<float>(static_cast<int>(transformation))});
 }
 
 Matrix2 SceneMaterial::GetTextureMatrix(eMaterialSlot slot) const
@@ -490,9 +426,11 @@ Matrix2 SceneMaterial::GetTextureMatrix(eMaterialSlot slot) const
 QMap<QString, QVariant> SceneMaterial::GetParameters() const
 {
     QMap<QString, QVariant> parameters = m_state.others;
-    for (std::size_t i = 0; i < m_state.values.size(); ++i)
-        if (m_state.values[i] != Parameters()[i].initial)
-            parameters[Parameters()[i].strName] = TextOf(m_state.values[i]);
+    for (std::size_t i = 0; i < m_state.files.size(); ++i)
+        if (!m_state.files[i].isEmpty()) parameters[QLatin1String(kFiles[i])] = m_state.files[i];
+    for (std::size_t i = 0; i < Table().size(); ++i)
+        if (m_state.numbers[i] != Table()[i].initial)
+            parameters[Table()[i].strName] = TextOf(Table()[i].kind, m_state.numbers[i]);
     return parameters;
 }
 
@@ -507,8 +445,11 @@ void SceneMaterial::SetParameters(const QMap<QString, QVariant>& parameters)
 
 QVariant SceneMaterial::GetParameter(const QString& strName) const
 {
-    const int nIndex = Find(strName);
-    return nIndex < 0 ? m_state.others.value(strName) : TextOf(m_state.values[static_cast<std::size_t>(nIndex)]);
+    for (std::size_t i = 0; i < m_state.files.size(); ++i)
+        if (strName == QLatin1String(kFiles[i])) return m_state.files[i];
+    for (std::size_t i = 0; i < Table().size(); ++i)
+        if (strName == Table()[i].strName) return TextOf(Table()[i].kind, m_state.numbers[i]);
+    return m_state.others.value(strName);
 }
 
 bool SceneMaterial::SetParameter(const QString& strName, const QVariant& value)

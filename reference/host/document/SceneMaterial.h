@@ -4,7 +4,6 @@
 
 #include <array>
 #include <memory>
-#include <variant>
 
 namespace Host {
 
@@ -16,11 +15,10 @@ class Scene;
 ///
 /// **Parameters** are texts. Numbers and colours lose nothing of a float: an
 /// amount is the shortest text that reads back as it was; a colour is "r g b a",
-/// linear; a rectangle is "x y width height", without an exponent, as
-/// QVariantToQRectF() reads it (QRectFToQVariant() would turn decimals round);
-/// a switch is "true" or "false"; a transformation its number. Where they are
-/// set, a colour may also be a QColor or "#rrggbb", which are colours of a
-/// screen, not linear; and values may be numbers and bools instead of texts.
+/// linear; a rectangle is "x y width height", without exponents, for
+/// QVariantToQRectF() (QRectFToQVariant() would turn decimals round); a switch is "true" or "false"; a transformation
+/// its number. Where they are set, a colour may also be a QColor or "#rrggbb", which are colours of a screen, not
+/// linear; and values may be numbers and bools instead of texts.
 ///
 /// Names: "diffuse", "ambient", "specular", "emissive", "reflection", "filter";
 /// "opacity", "shininess", "specularLevel", "emissionLevel", "reflectionLevel",
@@ -31,7 +29,7 @@ class Scene;
 /// "Rect", "Transformation", "Repeated" and "Inverted" behind it are the slot's
 /// other values. Images are not among the parameters.
 ///
-/// Rectangles are held in floats. An infinite colour is ignored.
+/// Rectangles are held in floats. What is infinite counts as the greatest float.
 class SceneMaterial final : public IMaterial {
     Q_OBJECT
 
@@ -43,62 +41,62 @@ public:
     void SetName(const QString& strName) override;
     IScene* GetScene() const override;
 
-    ColorF GetDiffuseColor() const override { return Get<ColorF>(eDiffuse); }
-    void SetDiffuseColor(const ColorF& color) override { Set(eDiffuse, color); }
-    ColorF GetAmbientColor() const override { return Get<ColorF>(eAmbient); }
-    void SetAmbientColor(const ColorF& color) override { Set(eAmbient, color); }
-    ColorF GetSpecularColor() const override { return Get<ColorF>(eSpecular); }
-    void SetSpecularColor(const ColorF& color) override { Set(eSpecular, color); }
-    ColorF GetEmissionColor() const override { return Get<ColorF>(eEmission); }
-    void SetEmissionColor(const ColorF& color) override { Set(eEmission, color); }
-    ColorF GetReflectionColor() const override { return Get<ColorF>(eReflection); }
-    void SetReflectionColor(const ColorF& color) override { Set(eReflection, color); }
-    ColorF GetFilterColor() const override { return Get<ColorF>(eFilter); }
-    void SetFilterColor(const ColorF& color) override { Set(eFilter, color); }
+    ColorF GetDiffuseColor() const override { return Color(eDiffuse); }
+    void SetDiffuseColor(const ColorF& color) override { SetColor(eDiffuse, color); }
+    ColorF GetAmbientColor() const override { return Color(eAmbient); }
+    void SetAmbientColor(const ColorF& color) override { SetColor(eAmbient, color); }
+    ColorF GetSpecularColor() const override { return Color(eSpecular); }
+    void SetSpecularColor(const ColorF& color) override { SetColor(eSpecular, color); }
+    ColorF GetEmissionColor() const override { return Color(eEmission); }
+    void SetEmissionColor(const ColorF& color) override { SetColor(eEmission, color); }
+    ColorF GetReflectionColor() const override { return Color(eReflection); }
+    void SetReflectionColor(const ColorF& color) override { SetColor(eReflection, color); }
+    ColorF GetFilterColor() const override { return Color(eFilter); }
+    void SetFilterColor(const ColorF& color) override { SetColor(eFilter, color); }
 
-    float GetOpacity() const override { return Get<float>(eOpacity); }
-    void SetOpacity(float opacity) override { Set(eOpacity, opacity); }
-    float GetShininess() const override { return Get<float>(eShininess); }
-    void SetShininess(float shininess) override { Set(eShininess, shininess); }
-    float GetSpecularLevel() const override { return Get<float>(eSpecularLevel); }
-    void SetSpecularLevel(float level) override { Set(eSpecularLevel, level); }
-    float GetEmissionLevel() const override { return Get<float>(eEmissionLevel); }
-    void SetEmissionLevel(float level) override { Set(eEmissionLevel, level); }
-    float GetReflectionLevel() const override { return Get<float>(eReflectionLevel); }
-    void SetReflectionLevel(float level) override { Set(eReflectionLevel, level); }
-    float GetRefractionIndex() const override { return Get<float>(eRefractionIndex); }
-    void SetRefractionIndex(float index) override { Set(eRefractionIndex, index); }
-    float GetBumpHeight() const override { return Get<float>(eBumpHeight); }
-    void SetBumpHeight(float height) override { Set(eBumpHeight, height); }
+    float GetOpacity() const override { return Amount(eOpacity); }
+    void SetOpacity(float opacity) override { Set(eOpacity, {opacity}); }
+    float GetShininess() const override { return Amount(eShininess); }
+    void SetShininess(float shininess) override { Set(eShininess, {shininess}); }
+    float GetSpecularLevel() const override { return Amount(eSpecularLevel); }
+    void SetSpecularLevel(float level) override { Set(eSpecularLevel, {level}); }
+    float GetEmissionLevel() const override { return Amount(eEmissionLevel); }
+    void SetEmissionLevel(float level) override { Set(eEmissionLevel, {level}); }
+    float GetReflectionLevel() const override { return Amount(eReflectionLevel); }
+    void SetReflectionLevel(float level) override { Set(eReflectionLevel, {level}); }
+    float GetRefractionIndex() const override { return Amount(eRefractionIndex); }
+    void SetRefractionIndex(float index) override { Set(eRefractionIndex, {index}); }
+    float GetBumpHeight() const override { return Amount(eBumpHeight); }
+    void SetBumpHeight(float height) override { Set(eBumpHeight, {height}); }
 
-    bool IsTwoSided() const override { return Get<bool>(eTwoSided); }
-    void SetTwoSided(bool bTwoSided) override { Set(eTwoSided, bTwoSided); }
-    bool CastsShadows() const override { return Get<bool>(eCastsShadows); }
-    void SetCastsShadows(bool bCasts) override { Set(eCastsShadows, bCasts); }
-    bool ReceivesShadows() const override { return Get<bool>(eReceivesShadows); }
-    void SetReceivesShadows(bool bReceives) override { Set(eReceivesShadows, bReceives); }
-    bool IsFlatShaded() const override { return Get<bool>(eFlatShaded); }
-    void SetFlatShaded(bool bFlat) override { Set(eFlatShaded, bFlat); }
+    bool IsTwoSided() const override { return IsOn(eTwoSided); }
+    void SetTwoSided(bool bTwoSided) override { Switch(eTwoSided, bTwoSided); }
+    bool CastsShadows() const override { return IsOn(eCastsShadows); }
+    void SetCastsShadows(bool bCasts) override { Switch(eCastsShadows, bCasts); }
+    bool ReceivesShadows() const override { return IsOn(eReceivesShadows); }
+    void SetReceivesShadows(bool bReceives) override { Switch(eReceivesShadows, bReceives); }
+    bool IsFlatShaded() const override { return IsOn(eFlatShaded); }
+    void SetFlatShaded(bool bFlat) override { Switch(eFlatShaded, bFlat); }
 
     IImage* GetImage(eMaterialSlot slot) const override { return m_state.images[slot]; }
     void SetImage(eMaterialSlot slot, IImage* pImage) override;
-    QString GetImageFile(eMaterialSlot slot) const override { return Get<QString>(Of(slot, eFile)); }
+    QString GetImageFile(eMaterialSlot slot) const override { return m_state.files[slot]; }
     void SetImageFile(eMaterialSlot slot, const QString& strFileName) override;
     void LoadImages(IImageManager& manager, const QString& strBaseFolder) override;
     void UnloadImages() override;
-    bool IsSlotEnabled(eMaterialSlot slot) const override { return Get<bool>(Of(slot, eEnabled)); }
-    void SetSlotEnabled(eMaterialSlot slot, bool bEnabled) override { Set(Of(slot, eEnabled), bEnabled); }
-    float GetSlotAmount(eMaterialSlot slot) const override { return Get<float>(Of(slot, eAmount)); }
-    void SetSlotAmount(eMaterialSlot slot, float amount) override { Set(Of(slot, eAmount), amount); }
+    bool IsSlotEnabled(eMaterialSlot slot) const override { return IsOn(Of(slot, eEnabled)); }
+    void SetSlotEnabled(eMaterialSlot slot, bool bEnabled) override { Switch(Of(slot, eEnabled), bEnabled); }
+    float GetSlotAmount(eMaterialSlot slot) const override { return Amount(Of(slot, eSlotAmount)); }
+    void SetSlotAmount(eMaterialSlot slot, float amount) override { Set(Of(slot, eSlotAmount), {amount}); }
     QRectF GetTextureRect(eMaterialSlot slot) const override;
     void SetTextureRect(eMaterialSlot slot, const QRectF& rect) override;
     eMaterialTextureTransformation GetTextureTransformation(eMaterialSlot slot) const override;
     void SetTextureTransformation(eMaterialSlot slot, eMaterialTextureTransformation transformation) override;
     Matrix2 GetTextureMatrix(eMaterialSlot slot) const override;
-    bool IsTextureRepeated(eMaterialSlot slot) const override { return Get<bool>(Of(slot, eRepeated)); }
-    void SetTextureRepeated(eMaterialSlot slot, bool bRepeated) override { Set(Of(slot, eRepeated), bRepeated); }
-    bool IsTextureInverted(eMaterialSlot slot) const override { return Get<bool>(Of(slot, eInverted)); }
-    void SetTextureInverted(eMaterialSlot slot, bool bInverted) override { Set(Of(slot, eInverted), bInverted); }
+    bool IsTextureRepeated(eMaterialSlot slot) const override { return IsOn(Of(slot, eRepeated)); }
+    void SetTextureRepeated(eMaterialSlot slot, bool bRepeated) override { Switch(Of(slot, eRepeated), bRepeated); }
+    bool IsTextureInverted(eMaterialSlot slot) const override { return IsOn(Of(slot, eInverted)); }
+    void SetTextureInverted(eMaterialSlot slot, bool bInverted) override { Switch(Of(slot, eInverted), bInverted); }
 
     QMap<QString, QVariant> GetParameters() const override;
     void SetParameters(const QMap<QString, QVariant>& parameters) override;
@@ -116,50 +114,57 @@ private:
 
     /// Values of the whole material, then those of each slot.
     enum Index {
-        eDiffuse, eAmbient, eSpecular, eEmission, eReflection, eFilter,
-        eOpacity, eShininess, eSpecularLevel, eEmissionLevel, eReflectionLevel, eRefractionIndex, eBumpHeight,
-        eTwoSided, eCastsShadows, eReceivesShadows, eFlatShaded,
+        eDiffuse,
+        eAmbient,
+        eSpecular,
+        eEmission,
+        eReflection,
+        eFilter,
+        eOpacity,
+        eShininess,
+        eSpecularLevel,
+        eEmissionLevel,
+        eReflectionLevel,
+        eRefractionIndex,
+        eBumpHeight,
+        eTwoSided,
+        eCastsShadows,
+        eReceivesShadows,
+        eFlatShaded,
         eFirstOfSlots
     };
-    enum IndexInSlot { eFile, eEnabled, eAmount, eRect, eTransformation, eRepeated, eInverted, eIndexInSlotCount };
-    static constexpr int kValueCount = eFirstOfSlots + eMaterialSlotCount * eIndexInSlotCount;
+    enum IndexInSlot { eEnabled, eSlotAmount, eRect, eTransformation, eRepeated, eInverted, eIndexInSlotCount };
+    static constexpr std::size_t kCount = eFirstOfSlots + eMaterialSlotCount * eIndexInSlotCount;
+    static constexpr int Of(int nSlot, IndexInSlot index) { return eFirstOfSlots + nSlot * eIndexInSlotCount + index; }
 
-    using Rect = std::array<float, 4>;
-    using Value = std::variant<ColorF, float, bool, QString, Rect, eMaterialTextureTransformation>;
-    struct Parameter {
-        QString strName;
-        Value initial;
-        float least = 0.0f;
-        float most = 1.0f;
-    };
-    using Table = std::array<Parameter, kValueCount>;
+    /// A colour or a rectangle takes all four; anything else the first alone.
+    using Numbers = std::array<float, 4>;
 
     /// All that a picture shows.
     struct State {
-        std::array<Value, kValueCount> values;
-        QMap<QString, QVariant> others;
+        std::array<Numbers, kCount> numbers;
+        std::array<QString, eMaterialSlotCount> files;
         std::array<IImage*, eMaterialSlotCount> images{};
+        QMap<QString, QVariant> others;
     };
     friend bool operator==(const State& a, const State& b);
+    struct Parameter;
     class Update;
-    class Reader;
 
-    static Table MakeTable();
-    static const Table& Parameters();
-    static int Find(const QString& strName);
-    static int Of(eMaterialSlot slot, IndexInSlot index) { return eFirstOfSlots + slot * eIndexInSlotCount + index; }
+    static std::array<Parameter, kCount> MakeTable();
+    static const std::array<Parameter, kCount>& Table();
     static State NewState();
     static State StateOf(const IMaterial& material);
-    static bool SetIn(State& state, int nIndex, const Value& value);
+    static bool SetIn(State& state, int nIndex, const Numbers& numbers);
+    static void SetFileIn(State& state, std::size_t nSlot, const QString& strFileName);
     static bool SetIn(State& state, const QString& strName, const QVariant& value);
-    static QString TextOf(const Value& value);
 
-    template <typename T>
-    T Get(int nIndex) const
-    {
-        return std::get<T>(m_state.values[static_cast<std::size_t>(nIndex)]);
-    }
-    void Set(int nIndex, const Value& value);
+    ColorF Color(int nIndex) const;
+    float Amount(int nIndex) const { return m_state.numbers[static_cast<std::size_t>(nIndex)][0]; }
+    bool IsOn(int nIndex) const { return Amount(nIndex) != 0.0f; }
+    void SetColor(int nIndex, const ColorF& color) { Set(nIndex, {color.r, color.g, color.b, color.a}); }
+    void Switch(int nIndex, bool bOn) { Set(nIndex, {bOn ? 1.0f : 0.0f}); }
+    void Set(int nIndex, const Numbers& numbers);
 
     /// Every change goes through here: calls edit(state), then tells.
     template <typename F>

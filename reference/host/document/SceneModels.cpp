@@ -1,15 +1,15 @@
 // What a scene does with models: their meshes, materials and animations.
 
 #include "lumenta/foundation/Exceptions.h"
-#include "reference/host/Picture.h"
 #include "reference/host/document/Image.h"
-#include "reference/host/document/SceneMaterial.h"
 #include "reference/host/document/Mesh.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/Placement.h"
 #include "reference/host/document/PosedModel.h"
 #include "reference/host/document/Scene.h"
+#include "reference/host/document/SceneMaterial.h"
 #include "reference/host/document/Snapshots.h"
+#include "reference/host/Picture.h"
 
 #include <QColor>
 #include <QFileInfo>
@@ -26,8 +26,7 @@ const QString kDiffuse = QStringLiteral("diffuse");
 QString NameOf(const Model& model)
 {
     const QString name = QFileInfo(model.fileName).completeBaseName();
-    if (!name.isEmpty())
-        return name;
+    if (!name.isEmpty()) return name;
     const bool hasName = model.scene->root && !model.scene->root->name.isEmpty();
     return hasName ? model.scene->root->name : QStringLiteral("Model");
 }
@@ -38,13 +37,11 @@ QMap<QString, QVariant> ParametersFrom(const QMap<QString, QVariant>& fromModel)
     QMap<QString, QVariant> parameters = fromModel;
     // In files it stands for the light of the sky, which a scene has of its own.
     parameters.remove(QStringLiteral("ambient"));
-    if (parameters.contains(QStringLiteral("specular")))
-        parameters[QStringLiteral("specularLevel")] = 1.0;
+    if (parameters.contains(QStringLiteral("specular"))) parameters[QStringLiteral("specularLevel")] = 1.0;
     // Files often leave the colour of a textured material black, which would hide the texture.
     const QColor diffuse = parameters.value(kDiffuse).value<QColor>();
     const bool isBlack = !diffuse.isValid() || (diffuse.rgb() & RGB_MASK) == 0;
-    if (isBlack && !parameters.value(kTexture).toString().isEmpty())
-        parameters[kDiffuse] = QColor(Qt::white);
+    if (isBlack && !parameters.value(kTexture).toString().isEmpty()) parameters[kDiffuse] = QColor(Qt::white);
     return parameters;
 }
 
@@ -63,8 +60,7 @@ public:
     void AddMeshNode(const QString&, std::vector<MeshVertex>& vertices, std::vector<unsigned int>&, const QString&,
                      const QMap<QString, QVariant>&) override
     {
-        if (m_nNext < m_parts.size())
-            m_rewrite(m_parts[m_nNext++], vertices);
+        if (m_nNext < m_parts.size()) m_rewrite(m_parts[m_nNext++], vertices);
     }
 
 private:
@@ -89,8 +85,7 @@ public:
             return known.material->GetName() == mesh.materialName && known.source == mesh.materialParameters;
         };
         const auto found = std::find_if(made.begin(), made.end(), isSame);
-        if (found != made.end())
-            return static_cast<std::size_t>(found - made.begin());
+        if (found != made.end()) return static_cast<std::size_t>(found - made.begin());
         auto material = std::make_unique<SceneMaterial>(mesh.materialName);
         material->SetParameters(ParametersFrom(mesh.materialParameters));
         material->SetImage(eMaterialSlotDiffuse, ImageOf(material->GetImageFile(eMaterialSlotDiffuse)));
@@ -109,12 +104,10 @@ private:
     Image* ImageOf(const QString& strName)
     {
         const auto known = m_known.constFind(strName);
-        if (known != m_known.constEnd())
-            return *known;
+        if (known != m_known.constEnd()) return *known;
         const bool isFile = m_files.contains(strName);
         const QImage pixels = isFile ? m_files.value(strName) : m_model.embeddedImages.value(strName);
-        if (pixels.isNull())
-            return nullptr;
+        if (pixels.isNull()) return nullptr;
         images.push_back(std::make_unique<Image>(pixels, isFile ? strName : QString()));
         return m_known[strName] = images.back().get();
     }
@@ -132,7 +125,8 @@ INode* Scene::AddMesh(INode* pParent, const QString& strName, std::vector<MeshVe
                       std::vector<unsigned int> indices)
 {
     Node& parent = Own(pParent, "Scene::AddMesh");
-    const bool isSound = indices.size() % 3 == 0
+    const bool isSound =
+        indices.size() % 3 == 0
         && std::all_of(indices.begin(), indices.end(), [&](unsigned int index) { return index < vertices.size(); });
     if (!isSound)
         throw InvalidParameterException(QStringLiteral("Scene::AddMesh"), QStringLiteral("indices"),
@@ -158,8 +152,7 @@ INode* Scene::ReadModel(const QString& strName, const QString& strSource, Node* 
     if (!m_reader)
         throw LoadingException(QStringLiteral("'%1' can't be loaded: nothing here reads models").arg(strSource));
     Model model = m_reader(strSource);
-    if (!model.scene)
-        throw LoadingException(QStringLiteral("'%1' can't be loaded: it holds no model").arg(strSource));
+    if (!model.scene) throw LoadingException(QStringLiteral("'%1' can't be loaded: it holds no model").arg(strSource));
     return HangModel(std::move(model), *pParent, strName, strSource, {});
 }
 
@@ -211,16 +204,15 @@ void Scene::FollowTreeWithModels(Change& change)
     for (const std::unique_ptr<PosedModel>& model : m_models)
         anchors.push_back(model->pAnchor);
     const std::vector<Node*> ordered = InTreeOrder(anchors, eEach);
-    if (std::equal(ordered.begin(), ordered.end(), anchors.begin(), anchors.end()))
-        return;
+    if (std::equal(ordered.begin(), ordered.end(), anchors.begin(), anchors.end())) return;
 
     std::vector<std::unique_ptr<PosedModel>> models;
     for (const Node* pAnchor : ordered)
-        models.push_back(std::move(*std::find_if(m_models.begin(), m_models.end(),
-                                                 [&](const auto& model) { return model && model->pAnchor == pAnchor; })));
+        models.push_back(std::move(*std::find_if(
+            m_models.begin(), m_models.end(), [&](const auto& model) { return model && model->pAnchor == pAnchor; })));
     m_models = std::move(models);
-    const bool isPlaying = std::any_of(m_models.begin(), m_models.end(),
-                                       [this](const auto& model) { return model.get() == m_pPlaying; });
+    const bool isPlaying =
+        std::any_of(m_models.begin(), m_models.end(), [this](const auto& model) { return model.get() == m_pPlaying; });
     if (!isPlaying) {
         m_pPlaying = nullptr;
         m_nPlaying = -1;
@@ -242,8 +234,7 @@ int Scene::GetCurrentAnimation() const
 {
     std::size_t nBefore = 0;
     for (const std::unique_ptr<PosedModel>& model : m_models) {
-        if (model.get() == m_pPlaying)
-            return static_cast<int>(nBefore) + m_nPlaying;
+        if (model.get() == m_pPlaying) return static_cast<int>(nBefore) + m_nPlaying;
         nBefore += model->GetAnimations().size();
     }
     return -1;
@@ -270,20 +261,16 @@ void Scene::SetAnimation(int nAnimation, float time)
 
 void Scene::Play(PosedModel* pModel, int nAnimation, float time)
 {
-    if (pModel == m_pPlaying && nAnimation == m_nPlaying && time == m_time)
-        return;
+    if (pModel == m_pPlaying && nAnimation == m_nPlaying && time == m_time) return;
     Change change(m_batch);
-    const bool isThere = std::any_of(m_models.begin(), m_models.end(),
-                                     [&](const auto& model) { return model.get() == pModel; });
-    if (pModel && !isThere)
-        return; // a slot has removed it
-    if (m_pPlaying && m_pPlaying != pModel)
-        PoseModel(*m_pPlaying, -1, 0.0f, change);
+    const bool isThere =
+        std::any_of(m_models.begin(), m_models.end(), [&](const auto& model) { return model.get() == pModel; });
+    if (pModel && !isThere) return; // a slot has removed it
+    if (m_pPlaying && m_pPlaying != pModel) PoseModel(*m_pPlaying, -1, 0.0f, change);
     m_pPlaying = pModel;
     m_nPlaying = nAnimation;
     m_time = time;
-    if (pModel)
-        PoseModel(*pModel, nAnimation, time, change);
+    if (pModel) PoseModel(*pModel, nAnimation, time, change);
     change.InScene(eSceneChangedAnimation);
 }
 

@@ -22,8 +22,7 @@ sSceneModifications Planned(const QString& strTitle, std::vector<const INode*> s
 {
     sSceneModifications planned;
     planned.strTitle = strTitle;
-    if (pList)
-        (planned.*pList).assign(nodes.begin(), nodes.end());
+    if (pList) (planned.*pList).assign(nodes.begin(), nodes.end());
     return planned;
 }
 
@@ -37,8 +36,7 @@ bool LiesUnder(const INode* pNode, const std::vector<Node*>& tops)
 {
     const std::unordered_set<const INode*> listed(tops.begin(), tops.end());
     for (const INode* pAt = pNode; pAt; pAt = pAt->GetParent())
-        if (listed.count(pAt))
-            return true;
+        if (listed.count(pAt)) return true;
     return false;
 }
 
@@ -63,20 +61,16 @@ std::vector<Node*> Scene::InTreeOrder(const std::vector<INode*>& nodes, Listed l
 {
     std::unordered_set<INode*> wanted;
     for (INode* pNode : nodes)
-        if (pNode && pNode->GetScene() == this && !(listed == eTopsOnly && pNode == m_pRoot))
-            wanted.insert(pNode);
-    if (wanted.empty())
-        return {};
-    if (wanted.size() == 1 && listed != eWithBelow)
-        return {static_cast<Node*>(*wanted.begin())};
+        if (pNode && pNode->GetScene() == this && !(listed == eTopsOnly && pNode == m_pRoot)) wanted.insert(pNode);
+    if (wanted.empty()) return {};
+    if (wanted.size() == 1 && listed != eWithBelow) return {static_cast<Node*>(*wanted.begin())};
 
     std::vector<Node*> found;
     std::unordered_set<const INode*> passed; // those listed, and all that is under them
     for (Node* pNode : AllNodes()) {
         const bool isBelow = passed.count(pNode->m_pParent) > 0;
         const bool isListed = wanted.count(pNode) > 0;
-        if (isBelow || isListed)
-            passed.insert(pNode);
+        if (isBelow || isListed) passed.insert(pNode);
         if (listed == eTopsOnly ? isListed && !isBelow : isListed || (isBelow && listed == eWithBelow))
             found.push_back(pNode);
     }
@@ -94,8 +88,7 @@ Node& Scene::Own(INode* pNode, const char* method) const
 INode* Scene::FindNode(const QString& strName) const
 {
     for (Node* pNode : AllNodes())
-        if (pNode != m_pRoot && pNode->m_strName == strName)
-            return pNode;
+        if (pNode != m_pRoot && pNode->m_strName == strName) return pNode;
     return nullptr;
 }
 
@@ -109,8 +102,7 @@ std::vector<INode*> Scene::GetLights() const
 {
     std::vector<INode*> lights;
     for (Node* pNode : AllNodes())
-        if (pNode->m_nType == eNodeTypeLight)
-            lights.push_back(pNode);
+        if (pNode->m_nType == eNodeTypeLight) lights.push_back(pNode);
     return lights;
 }
 
@@ -176,8 +168,7 @@ void Scene::ReplaceInParents(const std::vector<Node*>& nodes, const F& replace)
     std::vector<Node*> parents;
     std::unordered_set<const INode*> known;
     for (const Node* pNode : nodes)
-        if (known.insert(pNode->m_pParent).second)
-            parents.push_back(pNode->m_pParent);
+        if (known.insert(pNode->m_pParent).second) parents.push_back(pNode->m_pParent);
 
     const std::unordered_set<const INode*> listed(nodes.begin(), nodes.end());
     // From below, so that what is replaced has its own final children.
@@ -195,8 +186,7 @@ void Scene::ReplaceInParents(const std::vector<Node*>& nodes, const F& replace)
 
 void Scene::SetMatrixOf(Node& node, const Matrix& matrix, Change& change)
 {
-    if (node.m_matrix == matrix)
-        return;
+    if (node.m_matrix == matrix) return;
     node.m_matrix = matrix;
     change.Changed(node, eNodeChangedMatrix);
 }
@@ -207,8 +197,7 @@ void Scene::Reparent(Node& node, Node& parent, const Matrix& parentWorld, Change
     const Matrix formerWorld = WorldOf(node.m_pParent);
     node.m_pParent = &parent;
     change.Moved(node);
-    if (formerWorld == parentWorld)
-        return; // not a bit of rounding without need
+    if (formerWorld == parentWorld) return; // not a bit of rounding without need
     if (const std::optional<Matrix> local = LocalFor(node.m_matrix * formerWorld, parentWorld))
         SetMatrixOf(node, *local, change);
 }
@@ -231,13 +220,11 @@ void Scene::MoveNodes(const std::vector<INode*>& nodes, INode* pParent, int nPos
     if (LiesUnder(&parent, moving))
         throw InvalidParameterException(QStringLiteral("IScene::MoveNodes"), QStringLiteral("pParent"),
                                         QStringLiteral("It lies under one of the nodes"));
-    if (ChildrenAfterMove(parent, moving, nPosition) == parent.m_children)
-        return;
+    if (ChildrenAfterMove(parent, moving, nPosition) == parent.m_children) return;
 
     Change change(m_batch, Planned(Title("Move", moving.size()), &sSceneModifications::moved, moving));
     moving = InTreeOrder(nodes, eTopsOnly);
-    if (!parent.m_pScene || LiesUnder(&parent, moving))
-        return;
+    if (!parent.m_pScene || LiesUnder(&parent, moving)) return;
     const Matrix parentWorld = WorldOf(&parent);
     std::vector<INode*> children = ChildrenAfterMove(parent, moving, nPosition);
     ReplaceInParents(moving, [](Node&, std::vector<INode*>&) {});
@@ -250,19 +237,16 @@ void Scene::MoveNodes(const std::vector<INode*>& nodes, INode* pParent, int nPos
 INode* Scene::GroupNodes(const std::vector<INode*>& nodes, const QString& strName)
 {
     std::vector<Node*> members = InTreeOrder(nodes, eTopsOnly);
-    if (members.empty())
-        return nullptr;
+    if (members.empty()) return nullptr;
     Change change(m_batch, Planned(Title("Group", members.size()), &sSceneModifications::moved, members));
     members = InTreeOrder(nodes, eTopsOnly);
-    if (members.empty())
-        return nullptr;
+    if (members.empty()) return nullptr;
 
     Node& parent = *members.front()->m_pParent;
     const Matrix parentWorld = WorldOf(&parent);
     Node& group = Register(std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, strName), parent, change);
     ReplaceInParents(members, [&](const Node& node, std::vector<INode*>& children) {
-        if (&node == members.front())
-            children.push_back(&group);
+        if (&node == members.front()) children.push_back(&group);
     });
     for (Node* pNode : members)
         Reparent(*pNode, group, parentWorld, change);
@@ -280,8 +264,7 @@ void Scene::UngroupNodes(const std::vector<INode*>& nodes)
         return groups;
     };
     std::vector<Node*> groups = listedGroups();
-    if (groups.empty())
-        return;
+    if (groups.empty()) return;
     Change change(m_batch, Planned(Title("Ungroup", groups.size()), &sSceneModifications::removed, groups));
     groups = listedGroups();
     ReplaceInParents(groups, [&](Node& group, std::vector<INode*>& children) {
@@ -301,8 +284,7 @@ void Scene::UngroupNodes(const std::vector<INode*>& nodes)
 std::vector<INode*> Scene::DuplicateNodes(const std::vector<INode*>& nodes)
 {
     std::vector<Node*> tops = InTreeOrder(nodes, eTopsOnly);
-    if (tops.empty())
-        return {};
+    if (tops.empty()) return {};
     Change change(m_batch, Planned(Title("Duplicate", tops.size())));
     tops = InTreeOrder(nodes, eTopsOnly);
     std::vector<INode*> copies;
@@ -328,13 +310,11 @@ void Scene::MoveInWorld(const std::vector<INode*>& nodes, const QString& strTitl
             const Matrix parentWorld = WorldOf(pNode->m_pParent);
             const std::optional<Matrix> local =
                 moved ? LocalFor(pNode->m_matrix * parentWorld * *moved, parentWorld) : std::nullopt;
-            if (local && *local != pNode->m_matrix)
-                moves.emplace_back(pNode, *local);
+            if (local && *local != pNode->m_matrix) moves.emplace_back(pNode, *local);
         }
         return moves;
     };
-    if (plan().empty())
-        return;
+    if (plan().empty()) return;
     Change change(m_batch, Planned(strTitle));
     for (const auto& [pNode, local] : plan())
         SetMatrixOf(*pNode, local, change);
@@ -349,8 +329,7 @@ void Scene::PlaceOnGround(const std::vector<INode*>& nodes)
 {
     MoveInWorld(nodes, QStringLiteral("Place objects on the ground"), [](const Node& node) -> std::optional<Matrix> {
         const TBBox<float> box = ComputeNodeBBox(&node);
-        if (box.IsEmpty())
-            return std::nullopt;
+        if (box.IsEmpty()) return std::nullopt;
         Matrix lift;
         lift.SetTranslation({0.0f, 0.0f, -box.min.z});
         return lift;
@@ -362,8 +341,7 @@ void Scene::PlaceOnGround(const std::vector<INode*>& nodes)
 void Scene::RemoveNodes(const std::vector<INode*>& nodes)
 {
     std::vector<Node*> tops = InTreeOrder(nodes, eTopsOnly);
-    if (tops.empty())
-        return;
+    if (tops.empty()) return;
     Change change(m_batch, Planned(Title("Remove", tops.size()), &sSceneModifications::removed, tops));
     tops = InTreeOrder(nodes, eTopsOnly);
     ReplaceInParents(tops, [](Node&, std::vector<INode*>&) {});
@@ -378,8 +356,7 @@ void Scene::Forget(const std::vector<Node*>& tops, Change& change)
     const std::vector<INode*> nodes = CollectAllChildren(AsInterfaces(tops));
     // What came within this batch was never told of; what it took along was.
     for (const INode* pNode : nodes)
-        if (!m_batch.IsNew(pNode) && (listed.count(pNode) || m_batch.IsNew(pNode->GetParent())))
-            change.Removed(*pNode);
+        if (!m_batch.IsNew(pNode) && (listed.count(pNode) || m_batch.IsNew(pNode->GetParent()))) change.Removed(*pNode);
     for (INode* pNode : nodes) {
         Node& node = *static_cast<Node*>(pNode);
         node.m_pParent = nullptr;
@@ -407,8 +384,7 @@ void Scene::FollowTree(Change& change)
 void Scene::SetSelection(const std::vector<INode*>& nodes)
 {
     std::vector<INode*> selection = AsInterfaces(InTreeOrder(nodes, eEach));
-    if (selection == m_selection)
-        return;
+    if (selection == m_selection) return;
     for (INode* pNode : m_selection)
         static_cast<Node*>(pNode)->m_bSelected = false;
     m_selection = std::move(selection);
@@ -424,8 +400,7 @@ bool Scene::IsSelected(const INode* pNode) const
 
 void Scene::SetSelected(INode* pNode, bool bSelected)
 {
-    if (IsSelected(pNode) == bSelected)
-        return;
+    if (IsSelected(pNode) == bSelected) return;
     std::vector<INode*> nodes = m_selection;
     if (bSelected)
         nodes.push_back(pNode);
@@ -443,9 +418,9 @@ void Scene::SetNodesVisible(const std::vector<INode*>& nodes, bool bVisible)
         return others;
     };
     const std::vector<Node*> planned = plan();
-    if (planned.empty())
-        return;
-    Change change(m_batch, Planned(Title(bVisible ? "Show" : "Hide", planned.size()), &sSceneModifications::changed, planned));
+    if (planned.empty()) return;
+    Change change(m_batch,
+                  Planned(Title(bVisible ? "Show" : "Hide", planned.size()), &sSceneModifications::changed, planned));
     for (Node* pNode : plan()) {
         pNode->m_bVisible = bVisible;
         change.Changed(*pNode, eNodeChangedVisibility);
@@ -478,8 +453,7 @@ void Scene::RestoreState(const SceneState& state, const QString& strName)
         Change change(m_batch);
         for (const SceneState::Node& kept : state.nodes) {
             Node* const pNode = find(kept.nId);
-            if (!pNode)
-                continue;
+            if (!pNode) continue;
             SetMatrixOf(*pNode, kept.matrix, change);
             if (pNode->m_bVisible != kept.bVisible) {
                 pNode->m_bVisible = kept.bVisible;

@@ -54,8 +54,7 @@ void SnapshotManager::Restore(const ISnapshot* pSnapshot)
 void SnapshotManager::Rename(const ISnapshot* pSnapshot, const QString& strName)
 {
     auto* const pOwn = static_cast<Snapshot*>(*Find(pSnapshot, "ISnapshotManager::Rename"));
-    if (pOwn->m_strName == strName)
-        return;
+    if (pOwn->m_strName == strName) return;
     pOwn->m_strName = strName;
     m_scene.Announce({});
     Q_EMIT renameSnapshot(pOwn, strName);
@@ -66,8 +65,7 @@ void SnapshotManager::Move(const ISnapshot* pSnapshot, int nPosition)
     const auto found = Find(pSnapshot, "ISnapshotManager::Move");
     ISnapshot* const pOwn = *found;
     const auto held = [&](std::size_t nCount) { return std::clamp(nPosition, 0, static_cast<int>(nCount)); };
-    if (held(m_snapshots.size() - 1) == found - m_snapshots.begin())
-        return;
+    if (held(m_snapshots.size() - 1) == found - m_snapshots.begin()) return;
     m_snapshots.erase(found);
     m_scene.Announce({});
     Q_EMIT removeSnapshot(pOwn);

@@ -30,7 +30,8 @@ std::vector<ModelFormatInfo> CollectFormats()
         format.title = TitleOf(description);
         format.extensions = QString::fromUtf8(description.mFileExtensions).split(QLatin1Char(' '), Qt::SkipEmptyParts);
         const QSet<QString> extensions(format.extensions.begin(), format.extensions.end());
-        if (known.contains(extensions)) continue;
+        if (known.contains(extensions))
+            continue;
         known.unite(extensions);
         format.description =
             QStringLiteral("%1 (*.%2)").arg(format.title, format.extensions.join(QStringLiteral(" *.")));

@@ -14,7 +14,8 @@ const std::vector<ModelFormatInfo>& AssimpModelLoader::GetFormats() const
 
 void AssimpModelLoader::SetDefaultTickRate(double ticksPerSecond)
 {
-    if (std::isfinite(ticksPerSecond) && ticksPerSecond > 0.0) m_ticksPerSecond = ticksPerSecond;
+    if (std::isfinite(ticksPerSecond) && ticksPerSecond > 0.0)
+        m_ticksPerSecond = ticksPerSecond;
 }
 
 void AssimpModelLoader::Load(const QString& strFileName)
@@ -23,7 +24,8 @@ void AssimpModelLoader::Load(const QString& strFileName)
     m_isCancelled = false;
     const auto tell = [&](int percent) {
         Q_EMIT loadingProgress(percent);
-        if (m_isCancelled) Report(strFileName).Refuse(QStringLiteral("loading was cancelled"));
+        if (m_isCancelled)
+            Report(strFileName).Refuse(QStringLiteral("loading was cancelled"));
     };
     m_model = LoadModel(strFileName, tell, m_ticksPerSecond);
 }

@@ -89,7 +89,8 @@ TVec3<float> UpAxisOf(const aiScene& source)
 
 float MillimetersPerUnitOf(const aiScene& source)
 {
-    if (!source.mMetaData) return 0.0f;
+    if (!source.mMetaData)
+        return 0.0f;
     float centimeters = 0.0f;
     if (source.mMetaData->Get("UnitScaleFactor", centimeters)) {
         const float millimeters = centimeters * kMillimetersPerCentimeter;

@@ -63,12 +63,15 @@ void Canvas::Draw(const std::vector<Piece>& pieces)
             pixel = colour;
             nearest = nearness;
         });
-    for (const Piece& piece : pieces)
-        if (piece.surface->CanBeTransparent())
-            ForEachVisiblePixel(piece, [filter = InPixels(piece.surface->filter)](QRgb& pixel, float&, QRgb colour, float) {
-                if (qAlpha(colour) < 255)
-                    pixel = Over(colour, pixel, filter);
-            });
+    for (const Piece& piece : pieces) {
+        if (!piece.surface->CanBeTransparent())
+            continue;
+        const TVec3<float> filter = InPixels(piece.surface->filter);
+        ForEachVisiblePixel(piece, [&filter](QRgb& pixel, float&, QRgb colour, float) {
+            if (qAlpha(colour) < 255)
+                pixel = Over(colour, pixel, filter);
+        });
+    }
 }
 
 void Canvas::PutBehind(const QImage& picture)

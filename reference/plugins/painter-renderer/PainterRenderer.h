@@ -7,7 +7,8 @@
 namespace Host {
 
 /// Quick pictures that need nothing but Qt: shaded triangles, of which each pixel
-/// shows the nearest. Meshes cast shadows on the floor, not on one another.
+/// shows the nearest. Meshes cast the sun's and the sky's shadows on the floor,
+/// none on one another; there are no mirrors and no bumps.
 std::unique_ptr<IPictureRenderer> CreatePainterRenderer();
 
 } // namespace Host
