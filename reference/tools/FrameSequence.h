@@ -43,8 +43,8 @@ public:
     /// the model to stand on z = 0 with its lowest point of all frames.
     ///
     /// Picking sees 10,000 units far, in single precision. So what is more than
-    /// 1,000 units large, or less than 0.01, is scaled by a power of ten; and
-    /// what would stand more than 1,000 units from the z axis is moved there.
+    /// 1,000 units large, or less than 0.01, is scaled by a power of ten, in
+    /// pictures taller than wide as if it were as much larger; and what would stand more than 1,000 units from the z axis is moved there.
     /// Anything else keeps its size and its x and y.
     /// \param model an upright node under the root, which all meshes hang under
     /// \throws InvalidParameterException the index names no animation

@@ -280,7 +280,8 @@ Verb PickVerb()
             "Points are told twice. In the world, z points up, z = 0 is the floor under the lowest point "
             "of the model at that moment, and the front of the model looks along -y. The model keeps its "
             "size and its place on the floor, but for one that is larger than 1000 or smaller than 0.01, "
-            "which is scaled by a power of ten, or that stands farther than 1000 aside, which is moved "
+            "which is scaled by a power of ten (so that sizes of 1e-10 to 1e9 can be picked), or that stands farther "
+            "than 1000 aside, which is moved "
             "to the middle. In the model, the coordinates are those of the file, as 'lumenta info' has them."),
         QStringLiteral("A node is named by the way to it from the top of the document. In a name, '/' and '\\' have "
                        "a '\\' before them, and characters that would upset a terminal are written \\u001b."),
