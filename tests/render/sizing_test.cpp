@@ -44,13 +44,15 @@ private Q_SLOTS:
         Row("render: both, as they are", Adjusted(1000, 300, 2.0f), "1000 x 300");
         Row("render: both, the height follows", Adjusted(1000, 300, 2.0f, true), "1000 x 500");
         Row("render: a width that makes it too high", Adjusted(10000, 0, 0.5f), "4096 x 8192");
+        Row("render: both too large", Adjusted(9000, kMost, 0.5f), "8192 x 8192");
         Row("render: aspect zero", Adjusted(100, 0, 0.0f), "0 x 8192");
         Row("render: aspect without end", Adjusted(0, 100, kInfinity), "8192 x 0");
         Row("render: aspect of no number", Adjusted(100, 0, kNaN), "100 x 0");
+        Row("render: aspect below zero, towards zero", Adjusted(0, 3, -0.4f), "0 x 3");
         Row("render: aspect below zero saturates", Adjusted(100, 0, -1e-30f, true), Text({100, kLeast}));
 
         const auto fit = [](QSize size, QSize bounds) { return Text(FitSizeToAnother(size, bounds)); };
-        Row("fit: too wide", fit({400, 300}, {200, 200}), "200 x 150");
+        Row("fit: too wide", fit({400, 100}, {200, 200}), "200 x 50");
         Row("fit: too high, by more than too wide", fit({400, 301}, {399, 100}), "133 x 100");
         Row("fit: into nothing", fit({400, 300}, {0, 0}), "0 x 0");
         Row("fit: nothing wide into nothing wide", fit({0, 300}, {0, 100}), "0 x 100");
@@ -75,13 +77,13 @@ private Q_SLOTS:
         Row("window: too wide, then too high", window({2001, 2000}, 100), "700 x 800");
         Row("window: the least wins over the most", window({640, 480}, 0, {100, 100}), "320 x 240");
         Row("window: no height", window({2000, 0}, 50), "1000 x 240");
-        Row("window: the rest of the window is out of bounds", window({640, 480}, kMost), "320 x 800");
+        Row("window: the rest of the window is out of bounds", window({640, 480}, kMost, {1000, -10}), "320 x 240");
         Row("window: no image, and no room for it", window({0, 0}, 900), "320 x 800");
 
         Row("times: first frame, nothing known", Times(0, 5000, 10, 1, 0), "5000 55000 5000 595000");
         Row("times: first frame, over a minute", Times(0, 70000, 10, 1, -1), "70000 630000 70000 6930000");
         Row("times: a minute and no more", Times(0, 60000, 2, 1, 0), "60000 0 60000 60000");
-        Row("times: as those before", Times(20001, 1000, 5, 3, 0), "1000 9000 21001 29000");
+        Row("times: as those before", Times(20001, 1000, 5, 2, 0), "1000 19001 21001 79004");
         Row("times: longer than those before", Times(20000, 10001, 4, 3, 0), "10001 90009 30001 190019");
         Row("times: by its percentage", Times(10000, 1000, 5, 3, 30), "1000 2333 11000 11221");
         Row("times: the last, done", Times(10000, 1000, 5, 5, 100), "1000 0 11000 0");
