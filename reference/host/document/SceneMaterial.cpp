@@ -1,14 +1,14 @@
 #include "reference/host/document/SceneMaterial.h"
 
+#include "lumenta/files/Paths.h"
 #include "lumenta/foundation/Conversions.h"
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IImageManager.h"
+#include "lumenta/materials/TextureTransformation.h"
 #include "reference/host/Directions.h"
 #include "reference/host/document/Scene.h"
 #include "reference/host/Studio.h"
 
-#include <QDir>
-#include <QFile>
 #include <QPointer>
 
 #include <algorithm>
@@ -78,42 +78,6 @@ std::optional<std::array<float, 4>> Read(Kind kind, const QVariant& value)
         if (!isNumber) return std::nullopt;
     }
     return numbers;
-}
-
-/// A file as a document names it: from the document's folder, or beside the
-/// document, where both were moved together.
-QString ImagePath(const QString& strFileName, const QString& strBaseFolder)
-{
-    QString path = strFileName;
-    path.replace(QLatin1Char('\\'), QLatin1Char('/'));
-    const QDir folder(strBaseFolder);
-    const QString named = folder.absoluteFilePath(path);
-    const QString beside = folder.absoluteFilePath(path.section(QLatin1Char('/'), -1));
-    return !QFile::exists(named) && QFile::exists(beside) ? beside : named;
-}
-
-/// The placement of the image's unit square that a transformation stands for.
-QTransform Placement(eMaterialTextureTransformation transformation, const QRectF& rect)
-{
-    const qreal x = rect.x();
-    const qreal y = rect.y();
-    const qreal w = rect.width();
-    const qreal h = rect.height();
-    switch (transformation) {
-    case TT_RotateMinus90:
-        return {0.0, -h, w, 0.0, x, y + h};
-    case TT_RotatePlus90:
-        return {0.0, h, -w, 0.0, x + w, y};
-    case TT_Rotate180:
-        return {-w, 0.0, 0.0, -h, x + w, y + h};
-    case TT_MirrorU:
-        return {-w, 0.0, 0.0, h, x + w, y};
-    case TT_MirrorV:
-        return {w, 0.0, 0.0, -h, x, y + h};
-    case TT_Identity:
-        break;
-    }
-    return {w, 0.0, 0.0, h, x, y};
 }
 
 } // namespace
@@ -381,7 +345,7 @@ void SceneMaterial::LoadImages(IImageManager& manager, const QString& strBaseFol
         const auto slot = static_cast<eMaterialSlot>(i);
         if (GetImage(slot) || GetImageFile(slot).isEmpty()) continue;
         try {
-            SetImage(slot, manager.LoadImageFile(ImagePath(GetImageFile(slot), strBaseFolder)));
+            SetImage(slot, manager.LoadImageFile(TryToFindFileOptimistic(GetImageFile(slot), strBaseFolder)));
         } catch (const Exception&) {
             failure = failure ? failure : std::current_exception();
         }
@@ -419,8 +383,10 @@ void SceneMaterial::SetTextureTransformation(eMaterialSlot slot, eMaterialTextur
 
 Matrix2 SceneMaterial::GetTextureMatrix(eMaterialSlot slot) const
 {
+    Matrix2 placement(1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f);
+    BuildTextureTransformationMatrix(placement, GetTextureTransformation(slot), GetTextureRect(slot));
     // The identity where it can't be inverted.
-    return QTransformToMatrix2(Placement(GetTextureTransformation(slot), GetTextureRect(slot)).inverted());
+    return QTransformToMatrix2(Matrix2ToQTransform(placement).inverted());
 }
 
 QMap<QString, QVariant> SceneMaterial::GetParameters() const

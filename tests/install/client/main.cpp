@@ -8,6 +8,8 @@
 #include "lumenta/foundation/Matrix.h"
 #include "lumenta/foundation/Matrix2.h"
 #include "lumenta/interfaces/IMesh.h"
+#include "lumenta/materials/TextureTransformation.h"
+#include "lumenta/render/RenderSizing.h"
 #include "lumenta/scene/Ray.h"
 #include "lumenta/skin/Scene.h"
 
@@ -119,6 +121,18 @@ void PrintRay()
     Print("touches", Vec3{float(ray.IsIntersect(triangle.box)), float(ray.IsIntersect(middle, 2.5f)), 0.0f});
 }
 
+void PrintPlacement()
+{
+    Matrix2 placement(0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f);
+    BuildTextureTransformationMatrix(placement, TT_Rotate180, {double(Number()), 0.1, double(Number()), 0.7});
+    Print("placement", placement);
+    const QSize size(800 + int(Number() * 90.0f), 600);
+    Print("resolution", AdjustResolution(size, 2.0f + Number() / 8.0f, true));
+    Print("fitted", FitSizeToAnother(size, {77, 55}));
+    Print("preview", GetOptimapPreviewSize(size, 333, 555));
+    Print("window", GetOptimalRenderWindowSize(size, {32, 24}, {333, 222}, 33));
+}
+
 void PrintSkin()
 {
     Scene scene;
@@ -157,6 +171,7 @@ int main()
         PrintValues();
         PrintCamera();
         PrintRay();
+        PrintPlacement();
     }
     PrintSkin();
     return std::fflush(stdout) == 0 ? 0 : 1;
