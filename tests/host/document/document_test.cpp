@@ -190,7 +190,7 @@ private Q_SLOTS:
         for (INode* pNode : {w.a, w.d}) pNode->SetMatrix(turn);
         w.scene.MoveNodes({w.m}, w.d, 0);
         w.scene.PlaceOnGround({w.d});
-        w.scene.SetSunDirection({1, 2, 4});
+        w.scene.SetSunDirection({3, 7, 10});
         w.told.clear();
         w.scene.SetSunDirection(w.scene.GetSunDirection());
         w.scene.BeginUpdate({});
