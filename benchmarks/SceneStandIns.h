@@ -159,7 +159,7 @@ struct Scene : IScene {
     eBackgroundMode GetBackgroundMode() const override { No(); } void SetAmbientLight(const ColorF&) override { No(); }
     void SetSunDirection(const TVec3<float>&) override { No(); } bool IsSelected(const INode*) const override { No(); }
     IMaterial* CreateMaterial(const QString&) override { No(); } float GetMillimetersPerUnit() const override { No(); }
-    void SetNodesVisible(const Nodes&, bool) override { No(); } const Materials& GetMaterials() const override { No(); }
+    IMeshNodeBuilder* CreateMeshBuilder(INode*) override { No(); }
     void SetBackgroundMode(eBackgroundMode) override { No(); } void SetBackgroundColor(const ColorF&) override { No(); }
     INode* FindNode(const QString&) const override { No(); } IMaterial* GetDefaultMaterial() const override { No(); }
     Nodes DuplicateNodes(const Nodes&) override { No(); } bool IsGroundShadowEnabled() const override { No(); }
@@ -173,7 +173,7 @@ struct Scene : IScene {
     void SetAnimation(int, float) override { No(); } void EndUpdate() override { No(); } void Clear() override { No(); }
     ColorF GetSunLight() const override { No(); } bool IsUpdating() const override { No(); }
     Nodes GetLights() const override { No(); } bool IsModified() const override { No(); }
-    void SetModified(bool) override { No(); }
+    void SetModified(bool) override { No(); } const Materials& GetMaterials() const override { No(); }
     // clang-format on
 };
 

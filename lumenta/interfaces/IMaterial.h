@@ -41,7 +41,9 @@ enum eMaterialTextureTransformation : int {
 ///
 /// Every operation that changes something emits `changed`, once; within
 /// BeginUpdate() and EndUpdate() it is emitted once, at the end. One that changes
-/// nothing emits nothing. An image in a slot is announced by `imageLoad`, after
+/// nothing emits nothing. In a scene each operation is a batch of the scene's,
+/// also within BeginUpdate(), which leaves the scene alone: who wants several to
+/// be one batch there brackets them in IScene::BeginUpdate(). An image in a slot is announced by `imageLoad`, after
 /// it is there, and by `imageUnload`, while it is still good.
 class LUMENTA_EXPORT IMaterial : public QObject {
     Q_OBJECT
@@ -187,7 +189,25 @@ public:
     virtual bool IsTextureInverted(eMaterialSlot slot) const = 0;
     virtual void SetTextureInverted(eMaterialSlot slot, bool bInverted) = 0;
 
-    // Parameters: everything above as a map, for files and scripts.
+    // Parameters: everything above as a map, for files and scripts. Images are
+    // not among them.
+    //
+    // - Colours, as texts "r g b a", linear: "diffuse", "ambient", "specular",
+    //   "emissive", "reflection", "filter". Where they are set, a QColor or
+    //   "#rrggbb" will do, too; those are colours of a screen, not linear.
+    // - Amounts, with their limits: "opacity" 0 to 1, "shininess" 1 to 1000,
+    //   "specularLevel" 0 to 1, "emissionLevel" from 0, "reflectionLevel" 0 to 1,
+    //   "refractionIndex" 1 to 4, "bumpHeight" −1 to 1. The shortest text that
+    //   reads back as the same float; where they are set, numbers will do.
+    // - Switches, "true" or "false": "twoSided", "castsShadows",
+    //   "receivesShadows", "flatShaded". Where they are set, bools will do.
+    // - Image files, any text: "texture" for the diffuse slot, "specularTexture",
+    //   "reflectionTexture", "opacityTexture", "bumpTexture", "emissionTexture".
+    // - The same six with an ending are the slot's other values: "Enabled",
+    //   "Repeated", "Inverted" (switches), "Amount" (0 to 1), "Rect" (a text
+    //   "x y width height" without exponents, for QVariantToQRectF();
+    //   QRectFToQVariant() would turn decimals round), "Transformation" (an
+    //   eMaterialTextureTransformation's number).
 
     /// By name, ordered. Holds every value that differs from that of a new
     /// material, and every parameter of somebody else's that was set.
@@ -214,7 +234,7 @@ public:
     /// Back to a new material. The name stays.
     virtual void Reset() = 0;
 
-    /// Whether a picture could tell them apart: all but name and scene.
+    /// Whether no picture could tell them apart: compares all but name and scene.
     virtual bool IsEqualTo(const IMaterial& other) const = 0;
 
     /// Opens a batch, which may hold further ones.

@@ -14,7 +14,8 @@ class IMeshNode;
 /// A list of triangles that wears one material.
 ///
 /// **Who implements it:** the host; a generator or a loader hands its data over
-/// through an IMeshNodeBuilder instead.
+/// through an IMeshNodeBuilder instead, into a scene by that of
+/// IScene::CreateMeshBuilder().
 /// **Who calls it:** boxes, picking and rays, renderers, exporters. Everything
 /// is in the space of the node that holds the mesh.
 /// **Thread:** the scene's. References are good until the mesh changes, which

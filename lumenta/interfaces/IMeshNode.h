@@ -50,8 +50,9 @@ public:
     /// \pre `nMesh` is less than the number of meshes
     virtual void SetMaterial(std::size_t nMesh, IMaterial* pMaterial) = 0;
 
-    /// What INode::CreateMesh() made it from; empty for one that was put
-    /// together in memory.
+    /// What INode::CreateMesh() made it from; one call may have made several mesh
+    /// nodes of one source. Empty for one that was put together in memory, by
+    /// IScene::CreateMeshBuilder().
     virtual QString GetSource() const = 0;
 
 protected:

@@ -14,6 +14,7 @@
 class IFreeCamera;
 class IImage;
 class IMaterial;
+class IMeshNodeBuilder;
 class ISnapshotManager;
 struct Matrix;
 
@@ -181,9 +182,25 @@ public:
     /// Adds a node to the selection or takes it out.
     virtual void SetSelected(INode* pNode, bool bSelected) = 0;
 
-    // Many nodes at once, each in one batch.
+    // Meshes made in memory.
 
-    virtual void SetNodesVisible(const std::vector<INode*>& nodes, bool bVisible) = 0;
+    /// A way in for loaders, generators and whoever else makes meshes: adds what
+    /// it receives as mesh nodes at the end of pParent's children, in whose space
+    /// the vertices are. All that comes between BeginModel() and EndModel() is
+    /// added by the latter, in one batch; consecutive meshes of one name share a
+    /// node. Materials of the same name and parameters (those of IMaterial) are
+    /// made once per builder, without loading their images; a mesh that brings
+    /// neither wears the default one.
+    ///
+    /// AddMeshNode() throws an InvalidParameterException where the indices are no
+    /// triangles of the vertices, EndModel() a LogicException where the parent
+    /// was removed in the meantime.
+    /// \return the caller's, to be deleted; what it has not ended then, it ends,
+    ///         unless the parent is gone
+    /// \throws InvalidParameterException the parent is null or of another scene
+    virtual IMeshNodeBuilder* CreateMeshBuilder(INode* pParent) = 0;
+
+    // Many nodes at once, each in one batch.
 
     /// Moves nodes within the world by a matrix: where p was, p · `world` is
     /// then. A node under another listed one moves with it, once.

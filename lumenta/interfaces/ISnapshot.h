@@ -10,8 +10,9 @@
 ///
 /// **Who implements it:** the host. **Who calls it:** panels that list snapshots.
 /// **Ownership:** belongs to its ISnapshotManager, which announces its end by
-/// `removeSnapshot`; where `insertSnapshot` follows, it was only moved. What is
-/// kept is the manager's business.
+/// `removeSnapshot`. Where `insertSnapshot` follows, it was only moved, which
+/// nobody can know yet; so it can still be asked until control returns to the
+/// event loop. What is kept is the manager's business.
 class LUMENTA_EXPORT ISnapshot : public QObject {
     Q_OBJECT
 

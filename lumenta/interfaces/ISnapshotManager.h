@@ -13,8 +13,8 @@ class ISnapshot;
 /// whether it is shown; the camera; the animation and its time. Trees and
 /// materials are not kept.
 ///
-/// **Who implements it:** the host. **Who calls it:** panels, scripts; savers,
-/// which store the snapshots with the document.
+/// **Who implements it:** the host. **Who calls it:** panels, scripts. What a snapshot
+/// keeps can't be asked for, so documents are stored without them.
 /// **Thread:** the scene's. **Ownership:** belongs to its scene and owns its
 /// snapshots.
 ///
@@ -41,17 +41,20 @@ public:
     /// Emits `renameSnapshot`, unless it bears that name already.
     virtual void Rename(const ISnapshot* pSnapshot, const QString& strName) = 0;
 
-    /// Gives it another place: emits `removeSnapshot`, then `insertSnapshot`.
+    /// Gives it another place: emits `removeSnapshot`, then `insertSnapshot`,
+    /// both when it has that place already; the latter only where no slot has
+    /// removed it in between.
     /// \param nPosition held within the list
     virtual void Move(const ISnapshot* pSnapshot, int nPosition) = 0;
 
-    /// Emits `removeSnapshot` while the snapshot can still be asked.
+    /// Emits `removeSnapshot`. The snapshot can still be asked until control
+    /// returns to the event loop.
     virtual void Remove(const ISnapshot* pSnapshot) = 0;
 
 Q_SIGNALS:
     /// Now in the list, at a position.
     void insertSnapshot(const ISnapshot*, int);
-    /// No longer in the list.
+    /// No longer in the list, or no longer in its place.
     void removeSnapshot(const ISnapshot*);
     /// Has a new name.
     void renameSnapshot(const ISnapshot*, const QString&);

@@ -68,6 +68,11 @@ constexpr eSceneChangedFlags operator|(eSceneChangedFlags a, eSceneChangedFlags 
 /// that is gone by then stands in `removed` alone, and one that came within the
 /// batch and is gone in none.
 ///
+/// Where a slot changes the scene when a batch has ended, that is a batch of its
+/// own: its pair of signals may come to a receiver within the pair around it, or
+/// before the `afterSceneUpdate` that the slot answers. So count the pairs, and
+/// don't rely on which of two ends belongs to which beginning.
+///
 /// Nodes are named by their address. A removed node stays alive until control
 /// returns to the event loop, so a receiver in the same thread may still ask it
 /// for its name; behind a queued connection an address is only good for
@@ -75,7 +80,8 @@ constexpr eSceneChangedFlags operator|(eSceneChangedFlags a, eSceneChangedFlags 
 struct sSceneModifications {
     QString strTitle;                  ///< For a person: "Group 3 objects". May be empty.
     std::vector<const INode*> added;   ///< In the order in which they came.
-    std::vector<const INode*> removed; ///< Tops of removed branches; their children went with them.
+    std::vector<const INode*> removed; ///< All of them, also those under another one, each branch in tree order.
+                                       ///< Before the batch the tops of branches alone.
     std::vector<const INode*> moved;   ///< That have another parent or another place under it.
     std::vector<const INode*> changed; ///< That changed in themselves: name, matrix, material, ...
     bool materialsChanged = false;     ///< Materials came, went or changed.

@@ -210,7 +210,7 @@ Matrix Placed(const QVector3D& scale, const QVector3D& degrees, const QVector3D&
 struct Stage {
     explicit Stage(const QString& file)
     {
-        scene.SetNodesVisible({outer, inner}, false);
+        for (INode* pGroup : {outer, inner}) pGroup->SetVisible(false);
         scene.SetGroundPlaneEnabled(false);
         model = scene.AddModel(Host::LoadModel("/usr/share/assimp/models/X/" + file), inner);
         copy = scene.DuplicateNodes({model})[0];
@@ -294,7 +294,7 @@ void PickingOpinionTest::answersAsEmbree()
         stage.outer->SetMatrix(placements[i / 12][0]);
         stage.inner->SetMatrix(placements[i / 12][1]);
         stage.Pose(0.1f + 0.3f * float(i / 4 % 3));
-        stage.scene.SetNodesVisible(stage.copy->GetChildren(), i / 4 % 3 < 2);
+        for (INode* pMesh : stage.copy->GetChildren()) pMesh->SetVisible(i / 4 % 3 < 2);
         TBBox<float> box;
         UpdateBBoxRecursive(box, stage.scene.GetRoot(), Matrix());
         QVERIFY(stage.HasBox(box, false) && stage.HasBox(ComputeNodeBBox(stage.scene.GetRoot()), true));

@@ -95,10 +95,11 @@ ColorF Image::Sample(const TVec2<float>& texCoord, bool bRepeated) const
 ColorF Image::GetAverageColor() const
 {
     Mixture mixture;
+    const QRgb opaque = HasAlpha() ? 0u : qRgba(0, 0, 0, 255); // RGB32 doesn't care what is in that byte
     for (int y = 0; y < m_image.height(); ++y) {
         const auto* const row = reinterpret_cast<const QRgb*>(m_image.constScanLine(y));
         for (int x = 0; x < m_image.width(); ++x)
-            mixture.Add(row[x], 1.0);
+            mixture.Add(row[x] | opaque, 1.0);
     }
     return mixture.Of(static_cast<double>(m_image.width()) * m_image.height());
 }

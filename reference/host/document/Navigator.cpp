@@ -6,6 +6,8 @@
 #include "lumenta/scene/BoundingBoxes.h"
 #include "lumenta/scene/Picking.h"
 
+#include <QPointer>
+
 #include <algorithm>
 #include <cmath>
 
@@ -16,6 +18,17 @@ namespace {
 constexpr int kClickReach = 4; ///< Pixels that a hand may tremble in a click.
 constexpr float kDegreesPerPixel = 0.4f;
 constexpr float kFactorPerStep = 0.85f; ///< Of the distance.
+
+void Hide(IScene& scene, const std::vector<INode*>& nodes)
+{
+    const std::vector<QPointer<INode>> pending(nodes.begin(), nodes.end()); // slots may remove some
+    sSceneModifications planned;
+    planned.strTitle = QStringLiteral("Hide objects");
+    scene.BeginUpdate(planned);
+    for (const QPointer<INode>& pNode : pending)
+        if (pNode) pNode->SetVisible(false);
+    scene.EndUpdate();
+}
 
 } // namespace
 
@@ -87,7 +100,7 @@ bool Navigator::OnKeyPress(int nKey, Qt::KeyboardModifiers modifiers)
     const std::vector<INode*> selection = m_scene.GetSelection();
     if (selection.empty() || (nKey != Qt::Key_H && nKey != Qt::Key_Delete)) return false;
     if (nKey == Qt::Key_H)
-        m_scene.SetNodesVisible(selection, false);
+        Hide(m_scene, selection);
     else
         m_scene.RemoveNodes(selection);
     return true;

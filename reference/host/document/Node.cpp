@@ -46,8 +46,10 @@ void Node::Assign(T& field, const T& value, eNodeChangedFlags what)
     sSceneModifications planned;
     planned.changed.push_back(this);
     Change change(m_pScene->m_batch, planned);
+    if (field == value) return; // a slot was faster
     field = value;
     change.Changed(*this, what);
+    if (what == eNodeChangedName && m_pScene && m_pScene->IsAnchor(*this)) change.InScene(eSceneChangedAnimation);
 }
 
 void Node::SetName(const QString& strName)
@@ -144,8 +146,18 @@ IMaterial* MeshNode::GetMaterial(std::size_t nMesh) const
 
 void MeshNode::SetMaterial(std::size_t nMesh, IMaterial* pMaterial)
 {
-    if (OwnScene() && OwnScene()->IsOwnOrNull(pMaterial))
-        Assign(MeshAt(m_meshes, nMesh).m_pMaterial, OwnScene()->NullForDefault(pMaterial), eNodeChangedMaterial);
+    Scene* const pScene = OwnScene();
+    const auto isNews = [&] {
+        return OwnScene() && pScene->IsOwnOrNull(pMaterial)
+               && MeshAt(m_meshes, nMesh).m_pMaterial != pScene->NullForDefault(pMaterial);
+    };
+    if (!isNews()) return;
+    sSceneModifications planned;
+    planned.changed.push_back(this);
+    Change change(pScene->m_batch, planned);
+    if (!isNews()) return; // a slot has removed it
+    MeshAt(m_meshes, nMesh).m_pMaterial = pScene->NullForDefault(pMaterial);
+    change.Changed(*this, eNodeChangedMaterial);
 }
 
 std::unique_ptr<Node> MeshNode::Copy(int nId) const

@@ -5,9 +5,33 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
+#include <limits>
 
 namespace Host {
+
+namespace {
+
+constexpr float kTolerance = 1e-3f; ///< Of an axis' length, or of the distance from the origin.
+
+/// Whether a placement under a parent is the one wanted, but for rounding. It
+/// isn't under a parent that is singular up to rounding.
+bool IsNear(const Matrix& placed, const Matrix& wanted, const Matrix& parentWorld)
+{
+    for (int row = 0; row < 4; ++row) {
+        float reach = 0.0f;
+        float off = 0.0f;
+        for (int column = 0; column < 4; ++column) {
+            const float parent = row == 3 ? std::fabs(parentWorld(row, column)) : 0.0f;
+            reach = std::max({reach, std::fabs(wanted(row, column)), parent});
+            const float distance = std::fabs(placed(row, column) - wanted(row, column));
+            off = std::isfinite(distance) ? std::max(off, distance) : std::numeric_limits<float>::infinity();
+        }
+        if (!(off <= kTolerance * reach)) return false;
+    }
+    return true;
+}
+
+} // namespace
 
 Matrix WorldOf(const INode* pNode)
 {
@@ -22,8 +46,8 @@ std::optional<Matrix> LocalFor(const Matrix& world, const Matrix& parentWorld)
     bool isInvertible = false;
     const Matrix inverse = QMatrix4x4ToMatrix(MatrixToQMatrix4x4(parentWorld).inverted(&isInvertible));
     const Matrix local = world * inverse;
-    const bool isUsable = std::all_of(std::begin(local.m), std::end(local.m), [](float m) { return std::isfinite(m); });
-    return isInvertible && isUsable ? std::optional<Matrix>(local) : std::nullopt;
+    return isInvertible && IsNear(local * parentWorld, world, parentWorld) ? std::optional<Matrix>(local)
+                                                                           : std::nullopt;
 }
 
 Matrix Upright(const TVec3<float>& up)

@@ -112,8 +112,10 @@ void Scene::SetAmbientLight(const ColorF& color)
 
 void Scene::SetSunDirection(const TVec3<float>& direction)
 {
-    if (std::isfinite(direction.x) && std::isfinite(direction.y) && std::isfinite(direction.z))
-        Assign(m_settings.sunDirection, UnitOr(direction, {0.0f, 0.0f, 0.0f}), eSceneChangedLighting);
+    if (!std::isfinite(direction.x) || !std::isfinite(direction.y) || !std::isfinite(direction.z)) return;
+    // What is as long as a float can tell stays as it is, so that it survives being read and set.
+    const bool isUnit = std::fabs(LengthOf(Widened(direction)) - 1.0) <= 1e-7;
+    Assign(m_settings.sunDirection, isUnit ? direction : UnitOr(direction, {0.0f, 0.0f, 0.0f}), eSceneChangedLighting);
 }
 
 void Scene::SetSunLight(const ColorF& color)
@@ -215,28 +217,27 @@ IMaterial* Scene::NullForDefault(IMaterial* pMaterial) const
     return pMaterial == GetDefaultMaterial() ? nullptr : pMaterial;
 }
 
-/// Gives the meshes at and under the nodes what choose(given) answers for what
-/// each was given; null is the default material.
+/// The mesh nodes at and under `nodes` that don't wear yet what choose(given)
+/// answers for what each mesh was given, and what it answers; null is the
+/// default material.
 template <typename F>
-void Scene::Dress(const std::vector<INode*>& nodes, const QString& strTitle, const F& choose)
+Scene::Dresses Scene::PlanDresses(const std::vector<INode*>& nodes, const F& choose) const
 {
-    const auto plan = [&] {
-        std::vector<std::pair<MeshNode*, std::vector<IMaterial*>>> dresses;
-        for (Node* pNode : InTreeOrder(nodes, eWithBelow)) {
-            auto* const pMeshNode = qobject_cast<MeshNode*>(pNode);
-            if (!pMeshNode) continue;
-            const std::vector<IMaterial*> given = pMeshNode->GivenMaterials();
-            std::vector<IMaterial*> chosen(given.size());
-            std::transform(given.begin(), given.end(), chosen.begin(), choose);
-            if (chosen != given) dresses.emplace_back(pMeshNode, std::move(chosen));
-        }
-        return dresses;
-    };
-    if (plan().empty()) return;
-    sSceneModifications planned;
-    planned.strTitle = strTitle;
-    Change change(m_batch, planned);
-    for (const auto& [pMeshNode, chosen] : plan()) {
+    Dresses dresses;
+    for (Node* pNode : InTreeOrder(nodes, eWithBelow)) {
+        auto* const pMeshNode = qobject_cast<MeshNode*>(pNode);
+        if (!pMeshNode) continue;
+        const std::vector<IMaterial*> given = pMeshNode->GivenMaterials();
+        std::vector<IMaterial*> chosen(given.size());
+        std::transform(given.begin(), given.end(), chosen.begin(), choose);
+        if (chosen != given) dresses.emplace_back(pMeshNode, std::move(chosen));
+    }
+    return dresses;
+}
+
+void Scene::Dress(const Dresses& dresses, Change& change)
+{
+    for (const auto& [pMeshNode, chosen] : dresses) {
         pMeshNode->GiveMaterials(chosen);
         change.Changed(*pMeshNode, eNodeChangedMaterial);
     }
@@ -246,8 +247,12 @@ void Scene::AssignMaterial(const std::vector<INode*>& nodes, IMaterial* pMateria
 {
     if (!IsOwnOrNull(pMaterial)) return;
     IMaterial* const pGiven = NullForDefault(pMaterial);
-    Dress(nodes, QStringLiteral("Assign a material"),
-          [&](IMaterial*) { return IsOwnOrNull(pGiven) ? pGiven : nullptr; });
+    const auto choose = [&](IMaterial*) { return IsOwnOrNull(pGiven) ? pGiven : nullptr; };
+    if (PlanDresses(nodes, choose).empty()) return;
+    sSceneModifications planned;
+    planned.strTitle = QStringLiteral("Assign a material");
+    Change change(m_batch, planned);
+    Dress(PlanDresses(nodes, choose), change);
 }
 
 void Scene::RemoveMaterial(IMaterial* pMaterial)
@@ -258,12 +263,11 @@ void Scene::RemoveMaterial(IMaterial* pMaterial)
     planned.materialsChanged = true;
     Change change(m_batch, planned);
     if (pMaterial->GetScene() != this) return; // a slot was faster
-    Dress({m_pRoot}, QString(), [&](IMaterial* pGiven) { return pGiven == pMaterial ? nullptr : pGiven; });
-    const auto found = std::find(m_materials.begin(), m_materials.end(), pMaterial);
-    if (found == m_materials.end()) return;
-    m_materials.erase(found);
+    // All of it before anybody hears of it, and could put the material on again.
+    m_materials.erase(std::find(m_materials.begin(), m_materials.end(), pMaterial));
     static_cast<SceneMaterial*>(pMaterial)->Leave();
     m_batch.Keep(std::unique_ptr<QObject>(pMaterial));
+    Dress(PlanDresses({m_pRoot}, [&](IMaterial* pGiven) { return pGiven == pMaterial ? nullptr : pGiven; }), change);
     change.Materials();
     change.InScene(eSceneChangedMaterials);
 }

@@ -16,9 +16,11 @@ namespace Host {
 class Image;
 class SceneMaterial;
 class Mesh;
+class MeshNode;
 class Node;
 class PosedModel;
 class SnapshotManager;
+struct PosedMesh;
 struct SceneState;
 
 /// The document of the reference host, in memory.
@@ -51,9 +53,10 @@ public:
     /// Hangs a model under a node, as a group that turns it upright (see
     /// Upright()) and bears the name of its file, or else of its top node. In it
     /// is one mesh node for each run of meshes of one name, in the order in which
-    /// they are posed. Materials of the same name and parameters become one of
-    /// the scene; their texture's name goes into the diffuse slot, and so does
-    /// the image of that name.
+    /// they are posed. Materials of the same name and parameters become one, once
+    /// per call; their texture's name goes into the diffuse slot, and so does the
+    /// image of that name. Materials and images stay when the model is removed,
+    /// until Clear().
     ///
     /// The model's animations become the scene's, as long as the group is there.
     /// Copies of its meshes keep the pose of the moment and never move; removing
@@ -109,12 +112,12 @@ public:
     ColorF GetSunLight() const override { return m_settings.sunLight; }
     void SetSunLight(const ColorF& color) override;
 
-    const std::vector<INode*>& GetSelection() const override { return m_selection; }
+    const std::vector<INode*>& GetSelection() const override;
     void SetSelection(const std::vector<INode*>& nodes) override;
     bool IsSelected(const INode* pNode) const override;
     void SetSelected(INode* pNode, bool bSelected) override;
 
-    void SetNodesVisible(const std::vector<INode*>& nodes, bool bVisible) override;
+    IMeshNodeBuilder* CreateMeshBuilder(INode* pParent) override;
     /// Nodes under a singular parent stay as they are.
     void TransformNodes(const std::vector<INode*>& nodes, const Matrix& world) override;
     /// Hidden nodes count; what has no box is passed over.
@@ -185,29 +188,38 @@ private:
     template <typename F>
     static void ReplaceInParents(const std::vector<Node*>& nodes, const F& replace);
     static std::vector<INode*> ChildrenAfterMove(const Node& parent, const std::vector<Node*>& moving, int nPosition);
+    static void Dissolve(const std::vector<Node*>& groups, Change& change);
     void Forget(const std::vector<Node*>& tops, Change& change);
     static void Reparent(Node& node, Node& parent, const Matrix& parentWorld, Change& change);
     static void SetMatrixOf(Node& node, const Matrix& matrix, Change& change);
-    /// After nodes went or moved: brings selection and models into their order.
+    /// After nodes moved: brings selection and models into their order.
     void FollowTree(Change& change);
     void FollowTreeWithModels(Change& change);
+    void ForgetModels(Change& change);
     /// \param motion of a node within the world; nothing for one that stays
     void MoveInWorld(const std::vector<INode*>& nodes, const QString& strTitle,
                      const std::function<std::optional<Matrix>(const Node&)>& motion);
 
     // Of models.
+    class MeshBuilder;
+    class ModelMaterials;
     INode* ReadModel(const QString& strName, const QString& strSource, Node* pParent);
     INode* HangModel(Model&& model, Node& parent, const QString& strName, const QString& strSource,
                      const QMap<QString, QImage>& images);
+    void AddMeshes(std::vector<PosedMesh>& meshes, Node& parent, const QString& strSource, ModelMaterials& materials,
+                   PosedModel* pModel, Change& change);
     void PoseModel(PosedModel& model, int nAnimation, float time, Change& change);
+    bool IsAnchor(const Node& node) const;
     void Play(PosedModel* pModel, int nAnimation, float time);
     IMaterial* AddMaterial(std::unique_ptr<SceneMaterial> material, Change& change);
 
     // Of materials.
     bool IsOwnOrNull(const IMaterial* pMaterial) const { return !pMaterial || pMaterial->GetScene() == this; }
     IMaterial* NullForDefault(IMaterial* pMaterial) const;
+    using Dresses = std::vector<std::pair<MeshNode*, std::vector<IMaterial*>>>;
     template <typename F>
-    void Dress(const std::vector<INode*>& nodes, const QString& strTitle, const F& choose);
+    Dresses PlanDresses(const std::vector<INode*>& nodes, const F& choose) const;
+    static void Dress(const Dresses& dresses, Change& change);
 
     // Of snapshots.
     SceneState KeepState() const;
@@ -229,7 +241,8 @@ private:
     int m_nLastId = 0;
     std::unordered_map<int, std::unique_ptr<Node>> m_nodes;
     Node* m_pRoot = nullptr;
-    std::vector<INode*> m_selection;
+    mutable std::vector<INode*> m_selection; ///< In any order until somebody asks.
+    mutable bool m_bSelectionSorted = true;
     std::vector<IMaterial*> m_materials;          ///< Owned.
     std::vector<std::unique_ptr<Image>> m_images; ///< That models brought.
 

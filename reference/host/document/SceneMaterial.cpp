@@ -214,15 +214,15 @@ bool operator==(const SceneMaterial::State& a, const SceneMaterial::State& b)
     return a.numbers == b.numbers && a.files == b.files && a.images == b.images && a.others == b.others;
 }
 
-/// One operation, whether within a caller's update or on its own.
+/// One operation: at its end `changed` goes out, unless a caller's update is open.
 class SceneMaterial::Update {
 public:
     explicit Update(SceneMaterial& material)
         : m_material(material)
     {
-        m_material.BeginUpdate();
+        ++m_material.m_nUpdates;
     }
-    ~Update() { m_material.EndUpdate(); }
+    ~Update() { m_material.CloseUpdate(); }
     Update(const Update&) = delete;
     Update& operator=(const Update&) = delete;
 
@@ -239,48 +239,60 @@ SceneMaterial::SceneMaterial(const QString& strName, Scene* pScene)
 
 SceneMaterial::~SceneMaterial() = default;
 
-void SceneMaterial::BeginChange()
+std::unique_ptr<Change> SceneMaterial::BeginChange()
 {
-    if (m_bChanged) return;
-    m_bChanged = true;
-    if (m_pScene) {
-        m_pChange = std::make_unique<Change>(m_pScene->m_batch);
-        m_pChange->Materials();
-    }
+    return m_pScene ? std::make_unique<Change>(m_pScene->m_batch) : nullptr;
+}
+
+void SceneMaterial::BeginUpdate()
+{
+    ++m_nExplicit;
+    ++m_nUpdates;
 }
 
 void SceneMaterial::EndUpdate()
 {
-    if (m_nUpdates == 0)
+    if (m_nExplicit == 0)
         throw LogicException(QStringLiteral("IMaterial::EndUpdate() without IMaterial::BeginUpdate()"));
+    --m_nExplicit;
+    CloseUpdate();
+}
+
+void SceneMaterial::CloseUpdate()
+{
     if (--m_nUpdates > 0 || !m_bChanged) return;
     m_bChanged = false;
-    const std::unique_ptr<Change> change = std::move(m_pChange);
     Q_EMIT changed();
 }
 
+/// edit(state) is called a second time if slots could have changed something,
+/// and must not hand over an image that has ended by then.
 template <typename F>
 void SceneMaterial::Edit(const F& edit)
 {
     State wanted = m_state;
     edit(wanted);
     if (wanted == m_state) return;
-    const Update update(*this);
-    BeginChange();
-    wanted = m_state; // slots may have changed it
+    const std::unique_ptr<Change> change = BeginChange();
+    wanted = m_state;
     edit(wanted);
+    if (wanted == m_state) return;
+    const Update update(*this);
+    m_bChanged = true;
+    if (change) change->Materials();
 
     std::array<QPointer<IImage>, eMaterialSlotCount> before;
     std::copy(m_state.images.begin(), m_state.images.end(), before.begin());
     m_state = wanted;
+    for (IImage* pImage : wanted.images) // before slots can end one
+        if (pImage) connect(pImage, &QObject::destroyed, this, &SceneMaterial::OnImageDestroyed, Qt::UniqueConnection);
     for (std::size_t i = 0; i < before.size(); ++i) {
         if (before[i] && before[i] != wanted.images[i]) Q_EMIT imageUnload(static_cast<eMaterialSlot>(i), before[i]);
     }
     for (std::size_t i = 0; i < before.size(); ++i) {
         IImage* const pImage = m_state.images[i];
-        if (!pImage || pImage != wanted.images[i] || before[i] == pImage) continue;
-        connect(pImage, &QObject::destroyed, this, &SceneMaterial::OnImageDestroyed, Qt::UniqueConnection);
-        Q_EMIT imageLoad(static_cast<eMaterialSlot>(i), pImage);
+        if (pImage && pImage == wanted.images[i] && before[i] != pImage)
+            Q_EMIT imageLoad(static_cast<eMaterialSlot>(i), pImage);
     }
 }
 
@@ -301,15 +313,11 @@ void SceneMaterial::OnImageDestroyed(QObject* pObject)
         return pImage && static_cast<const QObject*>(pImage) == pObject;
     };
     if (std::none_of(m_state.images.begin(), m_state.images.end(), isGone)) return;
+    std::replace_if(m_state.images.begin(), m_state.images.end(), isGone, nullptr); // before slots could ask it
+    const std::unique_ptr<Change> change = BeginChange();
     const Update update(*this);
-    std::replace_if(m_state.images.begin(), m_state.images.end(), isGone, nullptr);
-    BeginChange();
-}
-
-void SceneMaterial::Leave()
-{
-    m_pScene = nullptr;
-    m_pChange.reset();
+    m_bChanged = true;
+    if (change) change->Materials();
 }
 
 // --------------------------------------------------------------- operations
@@ -317,8 +325,11 @@ void SceneMaterial::Leave()
 void SceneMaterial::SetName(const QString& strName)
 {
     if (strName == m_strName) return;
+    const std::unique_ptr<Change> change = BeginChange();
+    if (strName == m_strName) return; // a slot was faster
     const Update update(*this);
-    BeginChange();
+    m_bChanged = true;
+    if (change) change->Materials();
     m_strName = strName;
 }
 
@@ -329,7 +340,8 @@ IScene* SceneMaterial::GetScene() const
 
 void SceneMaterial::SetImage(eMaterialSlot slot, IImage* pImage)
 {
-    Edit([&](State& state) { state.images[slot] = pImage; });
+    const QPointer<IImage> image = pImage; // slots may end it
+    Edit([&](State& state) { state.images[slot] = image; });
 }
 
 void SceneMaterial::SetImageFile(eMaterialSlot slot, const QString& strFileName)
@@ -339,6 +351,8 @@ void SceneMaterial::SetImageFile(eMaterialSlot slot, const QString& strFileName)
 
 void SceneMaterial::LoadImages(IImageManager& manager, const QString& strBaseFolder)
 {
+    std::optional<Bracket> batch;
+    if (m_pScene) batch.emplace(m_pScene->m_batch, sSceneModifications{});
     const Update update(*this);
     std::exception_ptr failure;
     for (int i = 0; i < eMaterialSlotCount; ++i) {

@@ -13,22 +13,6 @@ class Scene;
 /// A material as a table of values. A new one is of light clay, with a weak,
 /// broad highlight.
 ///
-/// **Parameters** are texts. Numbers and colours lose nothing of a float: an
-/// amount is the shortest text that reads back as it was; a colour is "r g b a",
-/// linear; a rectangle is "x y width height", without exponents, for
-/// QVariantToQRectF() (QRectFToQVariant() would turn decimals round); a switch is "true" or "false"; a transformation
-/// its number. Where they are set, a colour may also be a QColor or "#rrggbb", which are colours of a screen, not
-/// linear; and values may be numbers and bools instead of texts.
-///
-/// Names: "diffuse", "ambient", "specular", "emissive", "reflection", "filter";
-/// "opacity", "shininess", "specularLevel", "emissionLevel", "reflectionLevel",
-/// "refractionIndex", "bumpHeight"; "twoSided", "castsShadows",
-/// "receivesShadows", "flatShaded". A slot's file is "texture" for the diffuse
-/// slot, and "specularTexture", "reflectionTexture", "opacityTexture",
-/// "bumpTexture" and "emissionTexture"; the same with "Enabled", "Amount",
-/// "Rect", "Transformation", "Repeated" and "Inverted" behind it are the slot's
-/// other values. Images are not among the parameters.
-///
 /// Rectangles are held in floats. What is infinite counts as the greatest float.
 class SceneMaterial final : public IMaterial {
     Q_OBJECT
@@ -106,7 +90,7 @@ public:
     void CopyFrom(const IMaterial& other) override;
     void Reset() override;
     bool IsEqualTo(const IMaterial& other) const override;
-    void BeginUpdate() override { ++m_nUpdates; }
+    void BeginUpdate() override;
     void EndUpdate() override;
 
 private:
@@ -169,17 +153,19 @@ private:
     /// Every change goes through here: calls edit(state), then tells.
     template <typename F>
     void Edit(const F& edit);
-    void BeginChange();
+    /// In the scene's batch, which holds as long as it lives; null without a scene.
+    std::unique_ptr<Change> BeginChange();
+    void CloseUpdate();
     void OnImageDestroyed(QObject* pObject);
     /// The scene lets go of it.
-    void Leave();
+    void Leave() { m_pScene = nullptr; }
 
     QString m_strName;
     Scene* m_pScene;
     State m_state;
-    int m_nUpdates = 0;
+    int m_nUpdates = 0;  ///< Of callers' brackets and running operations.
+    int m_nExplicit = 0; ///< Of callers' brackets.
     bool m_bChanged = false;
-    std::unique_ptr<Change> m_pChange; ///< In the scene's batch, from the first change to the end of the update.
 };
 
 } // namespace Host

@@ -13,8 +13,10 @@
 
 #include <QColor>
 #include <QFileInfo>
+#include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 namespace Host {
 
@@ -69,68 +71,170 @@ private:
     std::size_t m_nNext = 0;
 };
 
-/// The materials that a model brings, each once, and their images.
-class ModelMaterials {
+void CheckTriangles(const char* method, const QString& strName, const std::vector<MeshVertex>& vertices,
+                    const std::vector<unsigned int>& indices)
+{
+    const bool isSound =
+        indices.size() % 3 == 0
+        && std::all_of(indices.begin(), indices.end(), [&](unsigned int index) { return index < vertices.size(); });
+    if (!isSound)
+        throw InvalidParameterException(QLatin1String(method), QStringLiteral("indices"),
+                                        QStringLiteral("They are no triangles of the mesh '%1'").arg(strName));
+}
+
+/// \throws LogicException it ended
+Node& StillThere(const QPointer<Node>& pNode)
+{
+    if (!pNode) throw LogicException(QStringLiteral("A node was removed: nothing can be added to it"));
+    return *pNode;
+}
+
+sSceneModifications PlannedAdding(const QString& strName)
+{
+    sSceneModifications planned;
+    planned.strTitle = QStringLiteral("Add '%1'").arg(strName);
+    return planned;
+}
+
+} // namespace
+
+/// The materials that meshes bring, each once, and their images.
+class Scene::ModelMaterials {
 public:
-    ModelMaterials(const Model& model, const QMap<QString, QImage>& files)
-        : m_model(model)
-        , m_files(files)
+    ModelMaterials() = default;
+    ModelMaterials(QMap<QString, QImage> files, QMap<QString, QImage> embedded)
+        : m_files(std::move(files))
+        , m_embedded(std::move(embedded))
     {
     }
 
-    /// \return the material's index in `made`
-    std::size_t IndexOf(const PosedMesh& mesh)
+    /// Null for the default one.
+    SceneMaterial* For(const PosedMesh& mesh)
     {
+        if (mesh.materialName.isEmpty() && mesh.materialParameters.isEmpty()) return nullptr;
         const auto isSame = [&](const Made& known) {
-            return known.material->GetName() == mesh.materialName && known.source == mesh.materialParameters;
+            return known.name == mesh.materialName && known.parameters == mesh.materialParameters;
         };
-        const auto found = std::find_if(made.begin(), made.end(), isSame);
-        if (found != made.end()) return static_cast<std::size_t>(found - made.begin());
+        const auto found = std::find_if(m_made.begin(), m_made.end(), isSame);
+        if (found != m_made.end()) return found->pMaterial;
         auto material = std::make_unique<SceneMaterial>(mesh.materialName);
         material->SetParameters(ParametersFrom(mesh.materialParameters));
         material->SetImage(eMaterialSlotDiffuse, ImageOf(material->GetImageFile(eMaterialSlotDiffuse)));
-        made.push_back({mesh.materialParameters, std::move(material)});
-        return made.size() - 1;
+        m_made.push_back({mesh.materialName, mesh.materialParameters, material.get()});
+        fresh.push_back(std::move(material));
+        return m_made.back().pMaterial;
     }
 
-    struct Made {
-        QMap<QString, QVariant> source;
-        std::unique_ptr<SceneMaterial> material;
-    };
-    std::vector<Made> made;
+    /// Before another model: what its scene has given up is made anew.
+    void ForgetRemoved()
+    {
+        const auto isGone = [](const Made& known) { return !known.pMaterial || !known.pMaterial->GetScene(); };
+        m_made.erase(std::remove_if(m_made.begin(), m_made.end(), isGone), m_made.end());
+    }
+
+    // For the scene to take over.
+    std::vector<std::unique_ptr<SceneMaterial>> fresh;
     std::vector<std::unique_ptr<Image>> images;
 
 private:
+    struct Made {
+        QString name;
+        QMap<QString, QVariant> parameters;
+        QPointer<SceneMaterial> pMaterial;
+    };
+
     Image* ImageOf(const QString& strName)
     {
         const auto known = m_known.constFind(strName);
         if (known != m_known.constEnd()) return *known;
         const bool isFile = m_files.contains(strName);
-        const QImage pixels = isFile ? m_files.value(strName) : m_model.embeddedImages.value(strName);
+        const QImage pixels = isFile ? m_files.value(strName) : m_embedded.value(strName);
         if (pixels.isNull()) return nullptr;
         images.push_back(std::make_unique<Image>(pixels, isFile ? strName : QString()));
         return m_known[strName] = images.back().get();
     }
 
-    const Model& m_model;
-    const QMap<QString, QImage>& m_files;
+    const QMap<QString, QImage> m_files;
+    const QMap<QString, QImage> m_embedded;
     QMap<QString, Image*> m_known;
+    std::vector<Made> m_made;
 };
 
-} // namespace
+/// Gathers the meshes of one model and adds them at its end.
+class Scene::MeshBuilder final : public IMeshNodeBuilder {
+public:
+    explicit MeshBuilder(Node& parent)
+        : m_pParent(&parent)
+    {
+    }
+    ~MeshBuilder() override
+    {
+        try {
+            EndModel();
+        } catch (const LogicException&) { // the parent is gone, and nobody left to be told
+        }
+    }
+
+    void BeginModel(const QString& strName, std::size_t) override
+    {
+        m_strName = strName;
+        m_collector.BeginModel(strName, 0); // a hint that comes from outside is not worth failing for
+    }
+    void EndModel() override
+    {
+        std::vector<PosedMesh> meshes = std::exchange(m_collector.meshes, {});
+        if (meshes.empty()) return;
+        Scene& scene = StillThere(m_pParent).SceneOrThrow();
+        Change change(scene.m_batch, PlannedAdding(m_strName));
+        StillThere(m_pParent).SceneOrThrow(); // a slot may have removed it
+        scene.AddMeshes(meshes, *m_pParent, QString(), m_materials, nullptr, change);
+    }
+    void AddMeshNode(const QString& name, std::vector<MeshVertex>& vertices, std::vector<unsigned int>& indices,
+                     const QString& materialName, const QMap<QString, QVariant>& materialParameters) override
+    {
+        CheckTriangles("IMeshNodeBuilder::AddMeshNode", name, vertices, indices);
+        m_collector.AddMeshNode(name, vertices, indices, materialName, materialParameters);
+    }
+
+private:
+    const QPointer<Node> m_pParent;
+    QString m_strName;
+    MeshCollector m_collector;
+    ModelMaterials m_materials;
+};
 
 // -------------------------------------------------------------------- adding
+
+IMeshNodeBuilder* Scene::CreateMeshBuilder(INode* pParent)
+{
+    return new MeshBuilder(Own(pParent, "IScene::CreateMeshBuilder"));
+}
+
+void Scene::AddMeshes(std::vector<PosedMesh>& meshes, Node& parent, const QString& strSource, ModelMaterials& materials,
+                      PosedModel* pModel, Change& change)
+{
+    materials.ForgetRemoved();
+    MeshNode* pNode = nullptr;
+    for (PosedMesh& mesh : meshes) {
+        if (!pNode || pNode->GetName() != mesh.name)
+            pNode = static_cast<MeshNode*>(
+                &Append(std::make_unique<MeshNode>(++m_nLastId, mesh.name, strSource), parent, change));
+        SceneMaterial* const pMaterial = materials.For(mesh);
+        auto own = std::make_unique<Mesh>(mesh.name, std::move(mesh.vertices), std::move(mesh.indices));
+        if (pModel) pModel->parts.push_back({pNode, own.get()});
+        pNode->AddMesh(std::move(own), pMaterial);
+    }
+    for (std::unique_ptr<SceneMaterial>& material : std::exchange(materials.fresh, {}))
+        AddMaterial(std::move(material), change);
+    for (std::unique_ptr<Image>& image : std::exchange(materials.images, {}))
+        m_images.push_back(std::move(image));
+}
 
 INode* Scene::AddMesh(INode* pParent, const QString& strName, std::vector<MeshVertex> vertices,
                       std::vector<unsigned int> indices)
 {
     Node& parent = Own(pParent, "Scene::AddMesh");
-    const bool isSound =
-        indices.size() % 3 == 0
-        && std::all_of(indices.begin(), indices.end(), [&](unsigned int index) { return index < vertices.size(); });
-    if (!isSound)
-        throw InvalidParameterException(QStringLiteral("Scene::AddMesh"), QStringLiteral("indices"),
-                                        QStringLiteral("They are no triangles of the mesh '%1'").arg(strName));
+    CheckTriangles("Scene::AddMesh", strName, vertices, indices);
     auto node = std::make_unique<MeshNode>(++m_nLastId, strName, QString());
     node->AddMesh(std::make_unique<Mesh>(strName, std::move(vertices), std::move(indices)), nullptr);
     return AddNode(std::move(node), parent);
@@ -151,9 +255,11 @@ INode* Scene::ReadModel(const QString& strName, const QString& strSource, Node* 
 {
     if (!m_reader)
         throw LoadingException(QStringLiteral("'%1' can't be loaded: nothing here reads models").arg(strSource));
+    const QPointer<Node> parent = pParent; // a reader may let events through
     Model model = m_reader(strSource);
     if (!model.scene) throw LoadingException(QStringLiteral("'%1' can't be loaded: it holds no model").arg(strSource));
-    return HangModel(std::move(model), *pParent, strName, strSource, {});
+    StillThere(parent).SceneOrThrow();
+    return HangModel(std::move(model), *parent, strName, strSource, {});
 }
 
 INode* Scene::HangModel(Model&& model, Node& parent, const QString& strName, const QString& strSource,
@@ -163,29 +269,13 @@ INode* Scene::HangModel(Model&& model, Node& parent, const QString& strName, con
     auto posed = std::make_unique<PosedModel>(std::move(model.scene));
     MeshCollector collector;
     posed->Pose(-1, 0.0f, collector);
-    ModelMaterials materials(model, images);
+    ModelMaterials materials(images, model.embeddedImages);
 
-    sSceneModifications planned;
-    planned.strTitle = QStringLiteral("Add '%1'").arg(strName);
-    Change change(m_batch, planned);
+    Change change(m_batch, PlannedAdding(strName));
     parent.SceneOrThrow(); // a slot may have removed it
     posed->pAnchor = &Append(std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, strName), parent, change);
     posed->pAnchor->m_matrix = upright;
-
-    MeshNode* pNode = nullptr;
-    for (PosedMesh& mesh : collector.meshes) {
-        if (!pNode || pNode->GetName() != mesh.name)
-            pNode = static_cast<MeshNode*>(
-                &Append(std::make_unique<MeshNode>(++m_nLastId, mesh.name, strSource), *posed->pAnchor, change));
-        const bool isBare = mesh.materialName.isEmpty() && mesh.materialParameters.isEmpty();
-        SceneMaterial* const pMaterial = isBare ? nullptr : materials.made[materials.IndexOf(mesh)].material.get();
-        auto own = std::make_unique<Mesh>(mesh.name, std::move(mesh.vertices), std::move(mesh.indices));
-        posed->parts.push_back({pNode, own.get()});
-        pNode->AddMesh(std::move(own), pMaterial);
-    }
-    for (ModelMaterials::Made& made : materials.made)
-        AddMaterial(std::move(made.material), change);
-    std::move(materials.images.begin(), materials.images.end(), std::back_inserter(m_images));
+    AddMeshes(collector.meshes, *posed->pAnchor, strSource, materials, posed.get(), change);
 
     Node* const pAnchor = posed->pAnchor;
     if (!posed->GetAnimations().empty()) {
@@ -211,6 +301,15 @@ void Scene::FollowTreeWithModels(Change& change)
         models.push_back(std::move(*std::find_if(
             m_models.begin(), m_models.end(), [&](const auto& model) { return model && model->pAnchor == pAnchor; })));
     m_models = std::move(models);
+    change.InScene(eSceneChangedAnimation);
+}
+
+void Scene::ForgetModels(Change& change)
+{
+    const auto gone =
+        std::remove_if(m_models.begin(), m_models.end(), [](const auto& model) { return !model->pAnchor->GetScene(); });
+    if (gone == m_models.end()) return;
+    m_models.erase(gone, m_models.end());
     const bool isPlaying =
         std::any_of(m_models.begin(), m_models.end(), [this](const auto& model) { return model.get() == m_pPlaying; });
     if (!isPlaying) {
@@ -219,6 +318,11 @@ void Scene::FollowTreeWithModels(Change& change)
         m_time = 0.0f;
     }
     change.InScene(eSceneChangedAnimation);
+}
+
+bool Scene::IsAnchor(const Node& node) const
+{
+    return std::any_of(m_models.begin(), m_models.end(), [&](const auto& model) { return model->pAnchor == &node; });
 }
 
 std::vector<sAnimationInfo> Scene::GetAnimations() const

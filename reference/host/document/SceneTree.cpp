@@ -11,11 +11,14 @@
 #include "reference/host/document/Snapshots.h"
 
 #include <algorithm>
+#include <cmath>
 #include <unordered_set>
 
 namespace Host {
 
 namespace {
+
+constexpr float kRounding = 1e-6f; ///< Of a box's farthest coordinate.
 
 sSceneModifications Planned(const QString& strTitle, std::vector<const INode*> sSceneModifications::*pList = nullptr,
                             const std::vector<Node*>& nodes = {})
@@ -171,16 +174,15 @@ void Scene::ReplaceInParents(const std::vector<Node*>& nodes, const F& replace)
         if (known.insert(pNode->m_pParent).second) parents.push_back(pNode->m_pParent);
 
     const std::unordered_set<const INode*> listed(nodes.begin(), nodes.end());
-    // From below, so that what is replaced has its own final children.
-    for (auto parent = parents.rbegin(); parent != parents.rend(); ++parent) {
+    for (Node* pParent : parents) {
         std::vector<INode*> children;
-        for (INode* pChild : (*parent)->m_children) {
+        for (INode* pChild : pParent->m_children) {
             if (listed.count(pChild))
                 replace(*static_cast<Node*>(pChild), children);
             else
                 children.push_back(pChild);
         }
-        (*parent)->m_children = std::move(children);
+        pParent->m_children = std::move(children);
     }
 }
 
@@ -267,18 +269,40 @@ void Scene::UngroupNodes(const std::vector<INode*>& nodes)
     if (groups.empty()) return;
     Change change(m_batch, Planned(Title("Ungroup", groups.size()), &sSceneModifications::removed, groups));
     groups = listedGroups();
-    ReplaceInParents(groups, [&](Node& group, std::vector<INode*>& children) {
-        for (INode* pChild : group.m_children) {
-            Node& child = *static_cast<Node*>(pChild);
-            SetMatrixOf(child, child.m_matrix * group.m_matrix, change);
-            child.m_pParent = group.m_pParent;
-            change.Moved(child);
-        }
-        children.insert(children.end(), group.m_children.begin(), group.m_children.end());
-        group.m_children.clear();
-    });
+    if (groups.empty()) return;
+    Dissolve(groups, change);
     Forget(groups, change);
     FollowTree(change);
+}
+
+/// Hands the children of groups, which come in tree order, to the nodes around
+/// them. Linear also where groups hang in groups.
+void Scene::Dissolve(const std::vector<Node*>& groups, Change& change)
+{
+    std::unordered_map<const INode*, Matrix> outward; // from within each group to around the outermost one
+    std::vector<Node*> outermost;
+    for (Node* pGroup : groups) {
+        const auto around = outward.find(pGroup->m_pParent);
+        if (around == outward.end()) outermost.push_back(pGroup);
+        outward[pGroup] = around == outward.end() ? pGroup->m_matrix : pGroup->m_matrix * around->second;
+    }
+    ReplaceInParents(outermost, [&](Node& group, std::vector<INode*>& children) {
+        Node* const pParent = group.m_pParent;
+        std::vector<INode*> pending{&group};
+        while (!pending.empty()) {
+            Node& node = *static_cast<Node*>(pending.back());
+            pending.pop_back();
+            if (outward.count(&node)) {
+                pending.insert(pending.end(), node.m_children.rbegin(), node.m_children.rend());
+                node.m_children.clear();
+                continue;
+            }
+            SetMatrixOf(node, node.m_matrix * outward[node.m_pParent], change);
+            node.m_pParent = pParent;
+            change.Moved(node);
+            children.push_back(&node);
+        }
+    });
 }
 
 std::vector<INode*> Scene::DuplicateNodes(const std::vector<INode*>& nodes)
@@ -322,6 +346,7 @@ void Scene::MoveInWorld(const std::vector<INode*>& nodes, const QString& strTitl
 
 void Scene::TransformNodes(const std::vector<INode*>& nodes, const Matrix& world)
 {
+    if (world == Matrix()) return; // rounding would make something of it under turned parents
     MoveInWorld(nodes, QStringLiteral("Transform objects"), [&world](const Node&) { return world; });
 }
 
@@ -330,6 +355,10 @@ void Scene::PlaceOnGround(const std::vector<INode*>& nodes)
     MoveInWorld(nodes, QStringLiteral("Place objects on the ground"), [](const Node& node) -> std::optional<Matrix> {
         const TBBox<float> box = ComputeNodeBBox(&node);
         if (box.IsEmpty()) return std::nullopt;
+        float reach = 0.0f;
+        for (const TVec3<float>& corner : {box.min, box.max})
+            reach = std::max({reach, std::fabs(corner.x), std::fabs(corner.y), std::fabs(corner.z)});
+        if (std::fabs(box.min.z) <= kRounding * reach) return std::nullopt;
         Matrix lift;
         lift.SetTranslation({0.0f, 0.0f, -box.min.z});
         return lift;
@@ -344,21 +373,19 @@ void Scene::RemoveNodes(const std::vector<INode*>& nodes)
     if (tops.empty()) return;
     Change change(m_batch, Planned(Title("Remove", tops.size()), &sSceneModifications::removed, tops));
     tops = InTreeOrder(nodes, eTopsOnly);
+    if (tops.empty()) return;
     ReplaceInParents(tops, [](Node&, std::vector<INode*>&) {});
     Forget(tops, change);
-    FollowTree(change);
 }
 
 /// Ends nodes and all that is under them. Their parents' lists are up to the caller.
 void Scene::Forget(const std::vector<Node*>& tops, Change& change)
 {
-    const std::unordered_set<const INode*> listed(tops.begin(), tops.end());
-    const std::vector<INode*> nodes = CollectAllChildren(AsInterfaces(tops));
-    // What came within this batch was never told of; what it took along was.
-    for (const INode* pNode : nodes)
-        if (!m_batch.IsNew(pNode) && (listed.count(pNode) || m_batch.IsNew(pNode->GetParent()))) change.Removed(*pNode);
-    for (INode* pNode : nodes) {
+    bool hasSelected = false;
+    for (INode* pNode : CollectAllChildren(AsInterfaces(tops))) {
         Node& node = *static_cast<Node*>(pNode);
+        if (!m_batch.IsNew(pNode)) change.Removed(*pNode); // what came within this batch was never told of
+        hasSelected = hasSelected || node.m_bSelected;
         node.m_pParent = nullptr;
         node.m_pScene = nullptr;
         node.m_children.clear();
@@ -366,25 +393,39 @@ void Scene::Forget(const std::vector<Node*>& tops, Change& change)
         m_batch.Keep(std::move(owner->second));
         m_nodes.erase(owner);
     }
+    change.InScene(eSceneChangedHierarchy);
+    if (hasSelected) {
+        m_selection.erase(std::remove_if(m_selection.begin(), m_selection.end(),
+                                         [](const INode* pNode) { return !pNode->GetScene(); }),
+                          m_selection.end());
+        change.Selection();
+    }
+    ForgetModels(change);
 }
 
 void Scene::FollowTree(Change& change)
 {
     change.InScene(eSceneChangedHierarchy);
     std::vector<INode*> selection = AsInterfaces(InTreeOrder(m_selection, eEach));
-    if (selection != m_selection) {
-        m_selection = std::move(selection);
-        change.Selection();
-    }
+    if (m_bSelectionSorted && selection != m_selection) change.Selection();
+    m_selection = std::move(selection);
+    m_bSelectionSorted = true;
     FollowTreeWithModels(change);
 }
 
 // ------------------------------------------------------------------ selection
 
+const std::vector<INode*>& Scene::GetSelection() const
+{
+    if (!m_bSelectionSorted) m_selection = AsInterfaces(InTreeOrder(m_selection, eEach));
+    m_bSelectionSorted = true;
+    return m_selection;
+}
+
 void Scene::SetSelection(const std::vector<INode*>& nodes)
 {
     std::vector<INode*> selection = AsInterfaces(InTreeOrder(nodes, eEach));
-    if (selection == m_selection) return;
+    if (selection == GetSelection()) return;
     for (INode* pNode : m_selection)
         static_cast<Node*>(pNode)->m_bSelected = false;
     m_selection = std::move(selection);
@@ -400,31 +441,15 @@ bool Scene::IsSelected(const INode* pNode) const
 
 void Scene::SetSelected(INode* pNode, bool bSelected)
 {
-    if (IsSelected(pNode) == bSelected) return;
-    std::vector<INode*> nodes = m_selection;
-    if (bSelected)
-        nodes.push_back(pNode);
-    else
-        nodes.erase(std::remove(nodes.begin(), nodes.end(), pNode), nodes.end());
-    SetSelection(nodes);
-}
-
-void Scene::SetNodesVisible(const std::vector<INode*>& nodes, bool bVisible)
-{
-    const auto plan = [&] {
-        std::vector<Node*> others = InTreeOrder(nodes, eEach);
-        const auto isDone = [&](const Node* pNode) { return pNode->m_bVisible == bVisible; };
-        others.erase(std::remove_if(others.begin(), others.end(), isDone), others.end());
-        return others;
-    };
-    const std::vector<Node*> planned = plan();
-    if (planned.empty()) return;
-    Change change(m_batch,
-                  Planned(Title(bVisible ? "Show" : "Hide", planned.size()), &sSceneModifications::changed, planned));
-    for (Node* pNode : plan()) {
-        pNode->m_bVisible = bVisible;
-        change.Changed(*pNode, eNodeChangedVisibility);
+    if (!pNode || pNode->GetScene() != this || IsSelected(pNode) == bSelected) return;
+    if (bSelected) {
+        m_selection.push_back(pNode);
+        m_bSelectionSorted = m_selection.size() == 1;
+    } else {
+        m_selection.erase(std::find(m_selection.begin(), m_selection.end(), pNode));
     }
+    static_cast<Node*>(pNode)->m_bSelected = bSelected;
+    Q_EMIT selectionChanged();
 }
 
 // ------------------------------------------------------------------ snapshots

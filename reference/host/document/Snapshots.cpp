@@ -39,8 +39,8 @@ const ISnapshot* SnapshotManager::Take(const QString& strName)
 {
     auto* const pSnapshot = new Snapshot(strName, m_scene.KeepState());
     m_snapshots.push_back(pSnapshot);
-    m_scene.Announce({});
     Q_EMIT insertSnapshot(pSnapshot, static_cast<int>(m_snapshots.size()) - 1);
+    m_scene.Announce({});
     return pSnapshot;
 }
 
@@ -56,22 +56,24 @@ void SnapshotManager::Rename(const ISnapshot* pSnapshot, const QString& strName)
     auto* const pOwn = static_cast<Snapshot*>(*Find(pSnapshot, "ISnapshotManager::Rename"));
     if (pOwn->m_strName == strName) return;
     pOwn->m_strName = strName;
-    m_scene.Announce({});
     Q_EMIT renameSnapshot(pOwn, strName);
+    m_scene.Announce({});
 }
 
 void SnapshotManager::Move(const ISnapshot* pSnapshot, int nPosition)
 {
     const auto found = Find(pSnapshot, "ISnapshotManager::Move");
     ISnapshot* const pOwn = *found;
-    const auto held = [&](std::size_t nCount) { return std::clamp(nPosition, 0, static_cast<int>(nCount)); };
-    if (held(m_snapshots.size() - 1) == found - m_snapshots.begin()) return;
-    m_snapshots.erase(found);
-    m_scene.Announce({});
+    const auto place = m_snapshots.begin() + std::clamp(nPosition, 0, static_cast<int>(m_snapshots.size()) - 1);
+    if (place == found) return;
+    if (place < found)
+        std::rotate(place, found, found + 1);
+    else
+        std::rotate(found, found + 1, place + 1);
     Q_EMIT removeSnapshot(pOwn);
-    const int nHeld = held(m_snapshots.size()); // slots may have removed others
-    m_snapshots.insert(m_snapshots.begin() + nHeld, pOwn);
-    Q_EMIT insertSnapshot(pOwn, nHeld);
+    const auto now = std::find(m_snapshots.begin(), m_snapshots.end(), pOwn); // slots may have removed some
+    if (now != m_snapshots.end()) Q_EMIT insertSnapshot(pOwn, static_cast<int>(now - m_snapshots.begin()));
+    m_scene.Announce({});
 }
 
 void SnapshotManager::Remove(const ISnapshot* pSnapshot)
@@ -80,8 +82,8 @@ void SnapshotManager::Remove(const ISnapshot* pSnapshot)
     ISnapshot* const pOwn = *found;
     m_snapshots.erase(found);
     m_scene.KeepUntilLater(std::unique_ptr<QObject>(pOwn));
-    m_scene.Announce({});
     Q_EMIT removeSnapshot(pOwn);
+    m_scene.Announce({});
 }
 
 } // namespace Host
