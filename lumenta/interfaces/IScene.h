@@ -195,8 +195,8 @@ public:
     /// AddMeshNode() throws an InvalidParameterException where the indices are no
     /// triangles of the vertices, EndModel() a LogicException where the parent
     /// was removed in the meantime.
-    /// \return the caller's, to be deleted; what it has not ended then, it ends,
-    ///         unless the parent is gone
+    /// \return the caller's, to be deleted. A set that was not ended is dropped,
+    ///         so that whoever fails half-way leaves nothing behind.
     /// \throws InvalidParameterException the parent is null or of another scene
     virtual IMeshNodeBuilder* CreateMeshBuilder(INode* pParent) = 0;
 

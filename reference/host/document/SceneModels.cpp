@@ -167,13 +167,6 @@ public:
         : m_pParent(&parent)
     {
     }
-    ~MeshBuilder() override
-    {
-        try {
-            EndModel();
-        } catch (const LogicException&) { // the parent is gone, and nobody left to be told
-        }
-    }
 
     void BeginModel(const QString& strName, std::size_t) override
     {

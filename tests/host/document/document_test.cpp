@@ -296,7 +296,7 @@ private Q_SLOTS:
         builder->BeginModel("", 0), add("dropped", ""), builder->BeginModel("", 0), add("z", "glass"), add("z", "clay");
         indices.back() = 3;
         QVERIFY_EXCEPTION_THROWN(add("bad", ""), InvalidParameterException);
-        builder.reset();
+        builder->EndModel(), indices.back() = 2, add("not ended", ""), builder.reset();
         QCOMPARE(w.told, (QStringList{"before", "scene 3", "after +x +y materials", "before", "x 10", "scene 2",
                                       "after *x materials", "before", "scene 3", "after +z materials"}));
         QVERIFY(TextOf(w.d) == "d{x y z}" && w.scene.GetMaterials().size() == 4);
