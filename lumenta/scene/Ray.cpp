@@ -16,9 +16,6 @@ using Vec3 = TVec3<float>;
 
 constexpr float kNoHit = 1.0f;
 
-/// Of the diagonal of a mesh's box.
-constexpr float kTolerance = 0.0001f;
-
 Vec3 PointAt(const Vec3& start, const Vec3& end, float t)
 {
     return start + (end - start) * t;
@@ -80,7 +77,7 @@ bool ClipToSlab(float start, float end, float low, float high, float& tMin, floa
 float ToleranceOf(const TBBox<float>& box)
 {
     const bool valid = box.min.x <= box.max.x && box.min.y <= box.max.y && box.min.z <= box.max.z;
-    return kTolerance * (valid ? Length(box.max - box.min) : 0.0f);
+    return Ray::kTolerance * (valid ? Length(box.max - box.min) : 0.0f);
 }
 
 /// Whether `point`, which lies in the plane of `normal`, is not outside the

@@ -15,6 +15,9 @@ class IMesh;
 /// A plain value of fifteen floats; change `end` by Clip(), which keeps the
 /// last three vectors in step. Reentrant. Nothing here allocates or throws.
 struct LUMENTA_EXPORT Ray {
+    /// Of the diagonal of a mesh's box: by how much a triangle may be missed and is hit still.
+    static constexpr float kTolerance = 0.0001f;
+
     TVec3<float> start;
     TVec3<float> end;
     TVec3<float> centre;       ///< Middle of the segment.
@@ -37,7 +40,7 @@ struct LUMENTA_EXPORT Ray {
     /// owner is excluded from tracing, and for triangles without area. Indices
     /// behind the last whole triangle are ignored.
     ///
-    /// Two things follow from the tolerance, a ten-thousandth of the diagonal
+    /// Two things follow from the tolerance, `kTolerance` of the diagonal
     /// of the mesh's box (0 where the box is empty), and callers depend on
     /// them. A point outside an edge by no more is inside. And a triangle is
     /// met where it would lie if moved by that much along the normal of its

@@ -1,6 +1,7 @@
 #include "reference/host/PluginHost.h"
 
 #include <QDir>
+#include <QFile>
 #include <QJsonObject>
 #include <QPluginLoader>
 
@@ -30,11 +31,24 @@ QString CaughtText()
     }
 }
 
+void CheckIsLibrary(const QString& fileName)
+{
+    QFile file(fileName);
+    const bool opened = file.open(QIODevice::ReadOnly);
+    const QByteArray start = opened ? file.read(4) : QByteArray();
+    if (file.error() != QFileDevice::NoError)
+        throw Refused{QStringLiteral("it cannot be read: %1; mend that, or take it out of the folder")
+                          .arg(file.errorString())};
+    if (start != "\177ELF")
+        throw Refused{QStringLiteral("it is no library; take it out of the folder")};
+}
+
 void CheckMetadata(const QJsonObject& file)
 {
     if (file.isEmpty())
-        throw Refused{QStringLiteral("it is no plug-in, or its root class lacks Q_PLUGIN_METADATA; build it with "
-                                     "lumenta_add_plugin(), or take it out of the folder")};
+        throw Refused{QStringLiteral("it is a library without the metadata of a plug-in; build it with "
+                                     "lumenta_add_plugin(), which takes a root class with Q_PLUGIN_METADATA, or "
+                                     "take it out of the folder")};
     const QString iid = file.value(QLatin1String("IID")).toString();
     if (iid != QLatin1String(LUMENTA_PLUGIN_IID))
         throw Refused{QStringLiteral("it is a plug-in for '%1', not for '%2'; take it out of the folder")
@@ -125,6 +139,7 @@ void PluginHost::LoadFolder(const QString& folder)
 
 void PluginHost::LoadFile(const QString& file)
 {
+    CheckIsLibrary(file);
     QPluginLoader loader(file);
     CheckMetadata(loader.metaData());
 

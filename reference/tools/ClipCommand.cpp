@@ -2,6 +2,7 @@
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Pictures.h"
+#include "reference/tools/Stage.h"
 #include "reference/tools/Texts.h"
 #include "reference/tools/Verbs.h"
 
@@ -104,7 +105,7 @@ void Run(const Arguments& arguments)
     RenderOptions pictures = ReadRenderOptions(arguments, QStringLiteral("clip"));
 
     ProgressBar bar;
-    Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, 5));
+    Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, kLoaded));
     const int animation = FindAnimation(model, arguments.Text(QStringLiteral("animation")));
     const int clip = AppendClip(model, animation, cut);
 

@@ -3,6 +3,8 @@
 #include "reference/tools/Failure.h"
 #include "reference/tools/Texts.h"
 
+#include <QRegularExpression>
+
 #include <cmath>
 
 namespace Host {
@@ -60,6 +62,13 @@ QString ExampleTexts(const std::vector<Example>& examples)
     return text;
 }
 
+/// "-5,3": a pair of numbers, though the parser would take it for an option.
+bool IsNegativePair(const QString& word)
+{
+    static const QRegularExpression pair(QStringLiteral("\\A-[0-9]+,-?[0-9]+\\z"));
+    return pair.match(word).hasMatch();
+}
+
 /// The parser's own complaint as the end of a line of ours.
 QString Complaint(QString text)
 {
@@ -92,10 +101,15 @@ Arguments::Arguments(const Manual& manual, const QStringList& words)
     : m_verb(manual.verb)
 {
     const std::vector<Option> options = AllOptions(manual);
-    for (const Option& option : options)
+    for (const Option& option : options) {
         m_parser.addOption(QCommandLineOption(option.names, option.text, option.value));
+        m_known += option.names;
+    }
 
-    const bool parsed = m_parser.parse(QStringList(QStringLiteral("lumenta")) + words);
+    QStringList parsedWords(QStringLiteral("lumenta"));
+    for (const QString& word : words)
+        (IsNegativePair(word) ? m_negativePairs : parsedWords) += word;
+    const bool parsed = m_parser.parse(parsedWords);
     const QStringList unknown = m_parser.unknownOptionNames();
     if (!unknown.isEmpty()) Reject(QStringLiteral("unknown option ") + Quoted(Dashed(unknown.first())));
     if (!parsed) Reject(Complaint(m_parser.errorText()));
@@ -112,12 +126,12 @@ QStringList Arguments::Words(const QString& what) const
 {
     const QStringList words = m_parser.positionalArguments();
     if (words.isEmpty() || words.first().isEmpty()) Reject(QStringLiteral("%1 is missing").arg(what));
-    return words;
+    return words + m_negativePairs;
 }
 
 bool Arguments::Has(const QString& option) const
 {
-    return m_parser.isSet(option);
+    return m_known.contains(option) && m_parser.isSet(option);
 }
 
 QString Arguments::Text(const QString& option) const

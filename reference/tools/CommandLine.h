@@ -46,9 +46,11 @@ public:
     /// The single word that is no option. `what` stands for it in the error.
     QString OnlyWord(const QString& what) const;
 
-    /// The words that are no options, at least one. `what` stands for the first in the error.
+    /// The words that are no options, at least one; pairs like "-5,3" are among
+    /// them, at the end. `what` stands for the first in the error.
     QStringList Words(const QString& what) const;
 
+    /// False too for an option that the manual has not.
     bool Has(const QString& option) const;
 
     /// As given last; empty where it is not there.
@@ -72,6 +74,8 @@ public:
 
 private:
     QString m_verb;
+    QStringList m_negativePairs; ///< Words that the parser must not see.
+    QStringList m_known;         ///< Every name of an option.
     QCommandLineParser m_parser;
 };
 

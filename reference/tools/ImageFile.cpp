@@ -61,9 +61,10 @@ void CheckImageFile(const QString& verb, const QString& fileName)
         throw Failure{fileName, QStringLiteral("the folder %1 may not be written to").arg(Quoted(file.path()))};
 }
 
-QString CanonicalPath(const QString& fileName)
+QString TargetPath(const QString& fileName)
 {
-    return QFileInfo(OnDisk(fileName)).canonicalFilePath();
+    const QFileInfo file = TargetOf(fileName);
+    return QFileInfo(file.path()).canonicalFilePath() + QLatin1Char('/') + file.fileName();
 }
 
 void WriteImageFile(const QString& fileName, const QImage& image)

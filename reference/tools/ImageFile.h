@@ -12,8 +12,8 @@ namespace Host {
 /// \throws Failure    anything else; the subject is `fileName`
 void CheckImageFile(const QString& verb, const QString& fileName);
 
-/// The one name of an existing file that no link hides; empty where there is none.
-QString CanonicalPath(const QString& fileName);
+/// The one name, behind all links, of the file that writing there would make or replace.
+QString TargetPath(const QString& fileName);
 
 /// Writes a PNG file: aside first, then renamed, so that under `fileName`
 /// stands the whole picture, or what stood there before.

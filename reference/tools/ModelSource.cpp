@@ -14,7 +14,6 @@
 #include <QSet>
 
 #include <algorithm>
-#include <limits>
 
 namespace Host {
 
@@ -64,15 +63,13 @@ QImage LoadTexture(const Model& model, const QString& texture, QString& problem)
     return image.isNull() ? model.embeddedImages.value(texture) : image;
 }
 
-/// The number that the word is, as near as an int comes to it.
-std::optional<int> NumberIn(const QString& word)
+/// "0 'walk', 1 'wave'"
+QString NumberedNames(const std::vector<SkinAnimation::Animation*>& animations)
 {
-    static const QRegularExpression pattern(QStringLiteral("\\A-?[0-9]+\\z"));
-    if (!pattern.match(word).hasMatch()) return {};
-    bool fits = false;
-    const int number = word.toInt(&fits);
-    if (fits) return number;
-    return word.startsWith(QLatin1Char('-')) ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+    QStringList names;
+    for (const SkinAnimation::Animation* animation : animations)
+        names += QStringLiteral("%1 %2").arg(QString::number(names.size()), Quoted(animation->name));
+    return names.join(QStringLiteral(", "));
 }
 
 QString TextureOf(const SkinAnimation::Geometry& geometry)
@@ -121,7 +118,14 @@ int FindAnimation(const Model& model, const QString& nameOrNumber)
                                     [&](const SkinAnimation::Animation* each) { return each->name == nameOrNumber; });
     if (found != animations.end()) return static_cast<int>(found - animations.begin());
 
-    if (const auto number = NumberIn(nameOrNumber)) return *number;
+    static const QRegularExpression whole(QStringLiteral("\\A-?[0-9]+\\z"));
+    if (whole.match(nameOrNumber).hasMatch()) {
+        bool fits = false;
+        const int number = nameOrNumber.toInt(&fits);
+        if (fits && number >= 0 && static_cast<std::size_t>(number) < animations.size()) return number;
+        throw Failure{model.fileName, QStringLiteral("no animation has the number %1; there are: %2")
+                                          .arg(nameOrNumber, NumberedNames(animations))};
+    }
 
     QStringList names;
     for (const SkinAnimation::Animation* animation : animations)
@@ -182,7 +186,7 @@ void KeepInputs(const Model& model, const QStringList& outputs)
     }
     inputs.remove(QString());
     for (const QString& output : outputs)
-        if (inputs.contains(CanonicalPath(output)))
+        if (inputs.contains(TargetPath(output)))
             throw Failure{output, QStringLiteral("would overwrite what the picture is drawn from")};
 }
 

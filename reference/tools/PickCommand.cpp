@@ -17,6 +17,8 @@
 
 #include <QRegularExpression>
 
+#include <new>
+
 namespace Host {
 
 namespace {
@@ -33,12 +35,13 @@ struct Request {
 
 QPoint ReadPixel(const Arguments& arguments, const QString& word, QSize size)
 {
-    static const QRegularExpression pattern(QStringLiteral("\\A(-?[0-9]{1,6}),(-?[0-9]{1,6})\\z"));
+    static const QRegularExpression pattern(QStringLiteral("\\A(-?[0-9]+),(-?[0-9]+)\\z"));
     const QRegularExpressionMatch match = pattern.match(word);
     if (!match.hasMatch())
         arguments.Reject(QStringLiteral("%1 is not a pixel X,Y of two whole numbers").arg(Quoted(word)));
-    const QPoint pixel(match.captured(1).toInt(), match.captured(2).toInt());
-    if (!QRect(QPoint(), size).contains(pixel))
+    bool fits[2];
+    const QPoint pixel(match.captured(1).toInt(&fits[0]), match.captured(2).toInt(&fits[1]));
+    if (!fits[0] || !fits[1] || !QRect(QPoint(), size).contains(pixel))
         arguments.Reject(QStringLiteral("pixel %1 is outside of the picture of %2x%3")
                              .arg(word)
                              .arg(size.width())
@@ -53,10 +56,13 @@ void CheckFiles(const Arguments& arguments, const Request& request)
     if (request.pixels.empty() && !request.view.fileName.isEmpty())
         arguments.Reject(QStringLiteral("--overlay marks pixels, but none is given"));
     if (request.legend && request.mapFile.isEmpty()) arguments.Reject(QStringLiteral("--legend needs --map"));
+    if (request.view.fileName.isEmpty())
+        for (const QString& option : {QStringLiteral("renderer"), QStringLiteral("samples"), QStringLiteral("threads")})
+            if (arguments.Has(option)) arguments.Reject(QStringLiteral("--%1 needs --overlay").arg(option));
     const QStringList files = {request.view.fileName, request.mapFile};
     for (const QString& file : files)
         if (!file.isEmpty()) CheckImageFile(QStringLiteral("pick"), file);
-    if (!files[0].isEmpty() && files[0] == files[1])
+    if (!files[0].isEmpty() && !files[1].isEmpty() && TargetPath(files[0]) == TargetPath(files[1]))
         arguments.Reject(QStringLiteral("--overlay and --map name the same file"));
 }
 
@@ -219,11 +225,15 @@ void Run(const Arguments& arguments)
     for (const QPoint pixel : request.pixels)
         hits.push_back(HitAt(stage.GetScene(), pixel, request.view.take.size, request.view.ground));
     const QJsonObject facts = FactsOf(request, hits, stage);
+    const QString file = request.mapFile.isEmpty() ? request.view.fileName : request.mapFile;
     try {
-        if (!request.view.fileName.isEmpty() || !request.mapFile.isEmpty())
-            WritePictures(request, hits, facts[QStringLiteral("pixels")].toArray(), stage, bar);
+        if (!file.isEmpty()) WritePictures(request, hits, facts[QStringLiteral("pixels")].toArray(), stage, bar);
     } catch (const Exception& exception) {
-        throw FailureOf(exception, request.mapFile.isEmpty() ? request.view.fileName : request.mapFile);
+        throw FailureOf(exception, file);
+    } catch (const std::bad_alloc&) {
+        throw Failure{file, QStringLiteral("there is not enough memory for a picture of %1x%2")
+                                .arg(request.view.take.size.width())
+                                .arg(request.view.take.size.height())};
     }
     bar.Clear();
     if (request.json)
@@ -244,7 +254,7 @@ std::vector<Option> PickOptions()
         {{QStringLiteral("overlay")},
          QStringLiteral("OUT"),
          QStringLiteral("Draw the view, as 'lumenta render' does, and mark in it the pixels and the meshes that they "
-                        "hit.")},
+                        "hit. --renderer, --samples and --threads are for this picture alone.")},
         {{QStringLiteral("json")},
          QString(),
          QStringLiteral("Print a JSON object, for programs. Numbers are exact: reading them gives every bit back. "
@@ -274,16 +284,23 @@ Verb PickVerb()
                        "point from the camera. A pixel that meets only the floor says \"ground\", any other "
                        "\"nothing\"."),
         QStringLiteral("Pixels are counted from 0, from the upper left corner. What is picked lies under the upper "
-                       "left corner of the pixel, while pictures show its middle."),
+                       "left corner of the pixel, while pictures show its middle. A mesh may be met a little beside "
+                       "itself, by as much as a "
+                       "ten-thousandth of the diagonal of its box; that shows where triangles are thin and sharp."),
+        QStringLiteral("Without --animation and --time the model is at rest; --time alone means the first animation."),
         ModelSourceText(),
         QStringLiteral(
             "Points are told twice. In the world, z points up, z = 0 is the floor under the lowest point "
             "of the model at that moment, and the front of the model looks along -y. The model keeps its "
             "size and its place on the floor, but for one that is larger than 1000 or smaller than 0.01, "
-            "which is scaled by a power of ten (so that sizes of 1e-10 to 1e9 can be picked), or that stands farther "
+            "which is scaled by a power of ten (so that sizes of 1e-10 to 1e9 can be picked; in a picture "
+            "taller than wide it counts as larger by as much), or that stands farther "
             "than 1000 aside, which is moved "
             "to the middle. In the model, the coordinates are those of the file, as 'lumenta info' has them."),
-        QStringLiteral("A node is named by the way to it from the top of the document. In a name, '/' and '\\' have "
+        QStringLiteral("A node is named by the way to it from the top of the document, where the meshes of the model "
+                       "are the nodes "
+                       "of one group, whatever hierarchy the file has; meshes of one name that follow each other are "
+                       "one node. In a name, '/' and '\\' have "
                        "a '\\' before them, and characters that would upset a terminal are written \\u001b."),
     };
     manual.options = PickOptions();

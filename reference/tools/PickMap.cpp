@@ -21,6 +21,18 @@ constexpr QRgb kBackground = 0xffe4e4e4;
 constexpr QRgb kPalette[] = {0xffe8742c, 0xff2f7fc1, 0xff3f9c46, 0xffc73e5f, 0xff8b62b5, 0xffe3b51e,
                              0xff2aa7a0, 0xff8a5a3c, 0xffe58bb5, 0xff7f9a1f, 0xff4b4f8f, 0xff7cc0e8};
 
+/// Every colour once, neighbours far apart, as `index` runs through 24 bits.
+QRgb ColourAt(unsigned int index)
+{
+    constexpr unsigned int kStep = 0x9e3779; // odd, so it comes round only after all
+    return 0xff000000u | (index * kStep & 0xffffffu);
+}
+
+bool IsTaken(QRgb colour)
+{
+    return colour == kBackground || std::find(std::begin(kPalette), std::end(kPalette), colour) != std::end(kPalette);
+}
+
 /// Mesh nodes of which the map holds a pixel, in tree order.
 std::vector<const INode*> NodesIn(const PickMap& map, const NodeColours& colours)
 {
@@ -45,30 +57,32 @@ PickMap::PickMap(const IScene& scene, QSize size, const Progress& progress)
         tiles.PickRow(row, m_pixels);
         if (progress) progress(100 * (row + 1) / tiles.Rows());
     }
+    m_list = tiles.GetList();
 }
 
 Picked PickMap::At(QPoint pixel) const
 {
     if (!QRect(QPoint(), m_size).contains(pixel)) return {};
-    return m_pixels[static_cast<std::size_t>(pixel.y()) * static_cast<std::size_t>(m_size.width())
-                    + static_cast<std::size_t>(pixel.x())];
+    return m_list[m_pixels[static_cast<std::size_t>(pixel.y()) * static_cast<std::size_t>(m_size.width())
+                           + static_cast<std::size_t>(pixel.x())]];
 }
 
 NodeColours::NodeColours(const IScene& scene)
 {
-    for (const INode* node : CollectAllChildren({scene.GetRoot()}))
-        if (node->GetType() == eNodeTypeMesh) {
-            m_places.insert(node, static_cast<int>(m_nodes.size()));
-            m_nodes.push_back(node);
-        }
+    unsigned int next = 1; // at 0 is black, that of no hue
+    for (const INode* node : CollectAllChildren({scene.GetRoot()})) {
+        if (node->GetType() != eNodeTypeMesh) continue;
+        if (m_nodes.size() >= std::size(kPalette))
+            while (IsTaken(ColourAt(next)))
+                ++next;
+        m_colours.insert(node, m_nodes.size() < std::size(kPalette) ? kPalette[m_nodes.size()] : ColourAt(next++));
+        m_nodes.push_back(node);
+    }
 }
 
 QColor NodeColours::Of(const INode* node) const
 {
-    constexpr int kColours = static_cast<int>(std::size(kPalette));
-    const int place = m_places.value(node);
-    // Where the palette comes round again, it is darker each time.
-    return QColor(kPalette[place % kColours]).darker(100 + 30 * (place / kColours % 5));
+    return QColor(m_colours.value(node));
 }
 
 QImage MapPicture(const PickMap& map, const NodeColours& colours)

@@ -25,10 +25,12 @@ public:
 
 private:
     QSize m_size;
-    std::vector<Picked> m_pixels; ///< Row by row.
+    std::vector<Picked> m_list;
+    std::vector<PickTiles::Place> m_pixels; ///< Places in that list, row by row.
 };
 
-/// A colour for each mesh node of a scene. It depends on the node's place among
+/// A colour for each mesh node of a scene, which no other has and which is not the
+/// map's background. It depends on the node's place among
 /// them only, so it stays when the scene moves or is seen from elsewhere.
 class NodeColours {
 public:
@@ -42,7 +44,7 @@ public:
 
 private:
     std::vector<const INode*> m_nodes;
-    QHash<const INode*, int> m_places; ///< Of each among them.
+    QHash<const INode*, QRgb> m_colours;
 };
 
 /// The map in the colours of the nodes, on a neutral background. Format RGB32.

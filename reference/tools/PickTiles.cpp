@@ -5,6 +5,7 @@
 #include "lumenta/interfaces/IMeshNode.h"
 #include "lumenta/scene/NodeHierarchy.h"
 #include "lumenta/scene/Picking.h"
+#include "lumenta/scene/Ray.h"
 #include "reference/host/Directions.h"
 #include "reference/host/document/Placement.h"
 #include "reference/host/document/Scene.h"
@@ -13,14 +14,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 namespace Host {
 
 namespace {
 
-constexpr int kTile = 16;             ///< Side in pixels.
-constexpr double kTolerance = 0.0001; ///< Of picking: so much of a mesh's diagonal it may miss a triangle by.
+constexpr int kTile = 16; ///< Side in pixels.
+constexpr double kRounding =
+    4.0 * double{std::numeric_limits<float>::epsilon()}; ///< Of a few steps in single precision.
 
 using Vec = TVec3<double>;
 
@@ -34,16 +37,75 @@ double Along(const Vec& a, const Vec& b)
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
 
+Vec Across(const Vec& a, const Vec& b)
+{
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
 Vec Row(const Matrix& matrix, int row)
 {
     return Widened(TVec3<float>{matrix(row, 0), matrix(row, 1), matrix(row, 2)});
 }
 
-/// How far picking may miss a triangle of the mesh by, in the world.
-double ToleranceOf(const IMesh& mesh, const Matrix& world)
+Vec Placed(const Vec& point, const Matrix& world)
 {
-    const double scale = std::max({LengthOf(Row(world, 0)), LengthOf(Row(world, 1)), LengthOf(Row(world, 2))});
-    return kTolerance * scale * LengthOf(Widened(mesh.GetBBox().max) - Widened(mesh.GetBBox().min));
+    return Scaled(Row(world, 0), point.x) + Scaled(Row(world, 1), point.y) + Scaled(Row(world, 2), point.z)
+           + Row(world, 3);
+}
+
+/// No direction grows by more.
+double GrowthOf(const Matrix& world)
+{
+    double squares = 0.0;
+    for (const int row : {0, 1, 2})
+        squares += Along(Row(world, row), Row(world, row));
+    return std::sqrt(squares);
+}
+
+/// A triangle of a mesh, in the mesh's coordinates.
+struct Triangle {
+    TVec3<float> corners[3];
+};
+
+/// Nothing is met of what the library takes to have no area.
+bool IsFlat(const Triangle& triangle)
+{
+    const auto& [a, b, c] = triangle.corners;
+    return Length(Cross(c - b, c - a)) == 0.0f;
+}
+
+/// Every ray that meets a triangle passes no farther than `aside` from this one.
+struct Reach {
+    Vec corners[3];
+    double aside;
+};
+
+/// Nothing for a triangle so thin or so small that its plane is a matter of rounding.
+std::optional<Reach> ReachOf(const Triangle& triangle, double tolerance)
+{
+    constexpr double kLeastArea = 1e-21; // its square has to be a float
+    const Vec corners[3] = {Widened(triangle.corners[0]), Widened(triangle.corners[1]), Widened(triangle.corners[2])};
+    const double a = LengthOf(corners[2] - corners[1]);
+    const double b = LengthOf(corners[0] - corners[2]);
+    const double c = LengthOf(corners[1] - corners[0]);
+    const double area = LengthOf(Across(corners[2] - corners[1], corners[2] - corners[0])); // doubled
+    // By what angle rounding may turn the normal, which comes from these two edges.
+    const double tilt = 2.0 * kRounding * a * b / area;
+    if (!(area > kLeastArea && tilt < 0.5)) return {};
+
+    double farthest = 0.0;
+    for (const Vec& corner : corners)
+        farthest = std::max(farthest, LengthOf(corner));
+    // Points no farther outside of any edge than `slack` are a larger triangle
+    // around the centre of the circle within. Half of it is for the tilt.
+    const double slack = 2.0 * tolerance + kRounding * farthest;
+    const double radius = area / (a + b + c);
+    const double enlargement = 1.0 + slack / radius;
+    const Vec centre = Scaled(Scaled(corners[0], a) + Scaled(corners[1], b) + Scaled(corners[2], c), 1.0 / (a + b + c));
+    Reach reach{{}, slack + 2.0 * tilt * enlargement * std::max({a, b, c})};
+    for (int i = 0; i < 3; ++i)
+        reach.corners[i] = centre + Scaled(corners[i] - centre, enlargement);
+    return reach;
 }
 
 } // namespace
@@ -62,24 +124,15 @@ public:
         m_down = static_cast<double>(projection.m[5]) * size.height() * 0.5;
     }
 
-    /// The pixels through which rays could meet a triangle, if they may miss it
-    /// by `tolerance`: some more, never less. Nothing where it could be all.
-    std::optional<QRectF> PixelsOf(const Vec (&corners)[3], double tolerance) const
+    /// The pixels through which rays could meet a triangle of a mesh that is
+    /// placed so: some more, never less. Nothing where it could be all.
+    std::optional<QRectF> PixelsOf(const Triangle& triangle, double tolerance, const Matrix& world) const
     {
-        const double a = LengthOf(corners[2] - corners[1]);
-        const double b = LengthOf(corners[0] - corners[2]);
-        const double c = LengthOf(corners[1] - corners[0]);
-        const double s = (a + b + c) * 0.5;
-        const double radius = std::sqrt(std::max(s * (s - a) * (s - b) * (s - c), 0.0)) / s;
-        // So thin a triangle has a plane that depends on rounding.
-        if (!(radius > tolerance)) return {};
-        // Points no farther outside of any edge than that are a larger triangle
-        // around the centre of the circle within.
-        const Vec centre = Scaled(Scaled(corners[0], a) + Scaled(corners[1], b) + Scaled(corners[2], c), 0.5 / s);
-        const double margin = 2.0 * tolerance; // once would do, but for rounding
+        const std::optional<Reach> reach = ReachOf(triangle, tolerance);
+        if (!reach) return {};
         QRectF pixels;
-        for (const Vec& corner : corners) {
-            const auto spot = SpotOf(centre + Scaled(corner - centre, 1.0 + margin / radius), margin);
+        for (const Vec& corner : reach->corners) {
+            const auto spot = SpotOf(Placed(corner, world), reach->aside * GrowthOf(world));
             if (!spot) return {};
             pixels = pixels.isNull() ? *spot : pixels.united(*spot);
         }
@@ -126,19 +179,19 @@ PickTiles::PickTiles(const IScene& scene, QSize size)
 
 void PickTiles::AddMesh(const Source& source, const View& view)
 {
-    const std::vector<unsigned int>& indices = source.picked.mesh->GetIndices();
-    const double tolerance = ToleranceOf(*source.picked.mesh, source.world);
+    const IMesh& mesh = *source.picked.mesh;
+    const std::vector<unsigned int>& indices = mesh.GetIndices();
+    const double tolerance =
+        double{Ray::kTolerance} * LengthOf(Widened(mesh.GetBBox().max) - Widened(mesh.GetBBox().min));
+    const auto tile = [](double pixel, int nTiles) {
+        return static_cast<int>(std::floor(std::clamp(pixel / kTile, -1.0, static_cast<double>(nTiles))));
+    };
     for (std::size_t first = 0; first + 3 <= indices.size(); first += 3) {
-        Vec corners[3];
-        for (std::size_t i = 0; i < 3; ++i) {
-            TVec3<float> corner = source.picked.mesh->GetVertices()[indices[first + i]].position;
-            TransformPoint(corner, source.world);
-            corners[i] = Widened(corner);
-        }
-        const auto pixels = view.PixelsOf(corners, tolerance);
-        const auto tile = [](double pixel, int nTiles) {
-            return static_cast<int>(std::floor(std::clamp(pixel / kTile, -1.0, static_cast<double>(nTiles))));
-        };
+        Triangle triangle;
+        for (std::size_t i = 0; i < 3; ++i)
+            triangle.corners[i] = mesh.GetVertices()[indices[first + i]].position;
+        if (IsFlat(triangle)) continue;
+        const auto pixels = view.PixelsOf(triangle, tolerance, source.world);
         const int left = pixels ? std::max(tile(pixels->left(), m_columns), 0) : 0;
         const int right = pixels ? std::min(tile(pixels->right(), m_columns), m_columns - 1) : m_columns - 1;
         const int top = pixels ? std::max(tile(pixels->top(), m_rows), 0) : 0;
@@ -150,7 +203,15 @@ void PickTiles::AddMesh(const Source& source, const View& view)
     m_sources.push_back(source);
 }
 
-void PickTiles::PickRow(int row, std::vector<Picked>& picked) const
+std::vector<Picked> PickTiles::GetList() const
+{
+    std::vector<Picked> list(1);
+    for (const Source& source : m_sources)
+        list.push_back(source.picked);
+    return list;
+}
+
+void PickTiles::PickRow(int row, std::vector<Place>& picked) const
 {
     for (int column = 0; column < m_columns; ++column) {
         const Tile& tile = m_tiles[static_cast<std::size_t>(row * m_columns + column)];
@@ -158,11 +219,11 @@ void PickTiles::PickRow(int row, std::vector<Picked>& picked) const
     }
 }
 
-void PickTiles::PickTile(const Tile& tile, int column, int row, std::vector<Picked>& picked) const
+void PickTiles::PickTile(const Tile& tile, int column, int row, std::vector<Place>& picked) const
 {
     Scene scene;
     scene.GetCamera()->SetState(m_scene.GetCamera()->GetState());
-    std::vector<std::pair<const INode*, Picked>> originals;
+    std::vector<std::pair<const INode*, Place>> originals;
     for (auto candidate = tile.begin(); candidate != tile.end();) {
         const std::size_t source = candidate->source;
         const IMesh& mesh = *m_sources[source].picked.mesh;
@@ -178,7 +239,7 @@ void PickTiles::PickTile(const Tile& tile, int column, int row, std::vector<Pick
             }
         INode* const node = scene.AddMesh(scene.GetRoot(), QString(), std::move(vertices), std::move(indices));
         node->SetMatrix(m_sources[source].world);
-        originals.emplace_back(node, m_sources[source].picked);
+        originals.emplace_back(node, static_cast<Place>(source + 1));
     }
 
     const TVec2<float> viewSize{static_cast<float>(m_size.width()), static_cast<float>(m_size.height())};

@@ -5,6 +5,7 @@
 #include <QSize>
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 class IMesh;
@@ -31,11 +32,18 @@ class PickTiles {
 public:
     PickTiles(const IScene& scene, QSize size);
 
+    /// Where in a list what is picked stands: small, since large pictures have many pixels.
+    using Place = std::uint32_t;
+
     int Rows() const { return m_rows; }
 
-    /// Picks the pixels of a row of tiles, and writes each to its place in the
-    /// whole picture, which is `picked`, row by row.
-    void PickRow(int row, std::vector<Picked>& picked) const;
+    /// Picks the pixels of a row of tiles, and writes for each the place of what
+    /// is there to its own in the whole picture, which is `picked`, row by row.
+    /// Pixels where nothing is stay as they are.
+    void PickRow(int row, std::vector<Place>& picked) const;
+
+    /// All that can be picked, by place; at place 0 is nothing.
+    std::vector<Picked> GetList() const;
 
 private:
     struct Source {
@@ -49,7 +57,7 @@ private:
     using Tile = std::vector<Candidate>; ///< In the order of the scene.
 
     void AddMesh(const Source& source, const View& view);
-    void PickTile(const Tile& tile, int column, int row, std::vector<Picked>& picked) const;
+    void PickTile(const Tile& tile, int column, int row, std::vector<Place>& picked) const;
 
     const IScene& m_scene;
     QSize m_size;

@@ -1,5 +1,6 @@
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Pictures.h"
+#include "reference/tools/Stage.h"
 #include "reference/tools/Verbs.h"
 
 namespace Host {
@@ -13,7 +14,7 @@ void Run(const Arguments& arguments)
     arguments.RequiredText(QStringLiteral("o"));
 
     ProgressBar bar;
-    Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, 5));
+    Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, kLoaded));
     options.take.animation = FindShownAnimation(model, arguments, options.plays);
     MakePictures(std::move(model), options, bar);
 }

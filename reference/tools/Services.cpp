@@ -4,6 +4,7 @@
 #include "reference/host/ApplicationContext.h"
 #include "reference/host/ModelReader.h"
 #include "reference/host/PluginHost.h"
+#include "reference/tools/Failure.h"
 #include "reference/tools/Texts.h"
 
 #include <QDir>
@@ -44,19 +45,23 @@ bool Reads(const IModelLoader& loader, const QString& fileName)
 {
     for (const ModelFormatInfo& format : loader.GetFormats())
         for (const QString& extension : format.extensions)
-            if (fileName.endsWith(QLatin1Char('.') + extension, Qt::CaseInsensitive))
-                return true;
+            if (fileName.endsWith(QLatin1Char('.') + extension, Qt::CaseInsensitive)) return true;
     return false;
 }
 
+struct NamedLoader {
+    QString title;
+    std::unique_ptr<IModelLoader> loader;
+};
+
 /// The loaders that know the file's extension; all where none does, since some
 /// know a file by its content.
-std::vector<std::unique_ptr<IModelLoader>> LoadersFor(const QString& fileName)
+std::vector<NamedLoader> LoadersFor(const QString& fileName)
 {
-    std::vector<std::unique_ptr<IModelLoader>> loaders;
+    std::vector<NamedLoader> loaders;
     for (const PluginService& service : Plugins().ServicesOf<IModelLoader>())
         try {
-            loaders.push_back(Plugins().CreateService<IModelLoader>(service.id));
+            loaders.push_back({service.title, Plugins().CreateService<IModelLoader>(service.id)});
         } catch (const Exception& exception) {
             PrintError(QStringLiteral("warning: ") + exception.GetErrorText());
         }
@@ -64,9 +69,8 @@ std::vector<std::unique_ptr<IModelLoader>> LoadersFor(const QString& fileName)
         throw LoadingException(
             QStringLiteral("no plug-in that reads models is in %1").arg(QuotedList(PluginFolders())));
     const auto others = std::stable_partition(loaders.begin(), loaders.end(),
-                                              [&](const auto& loader) { return Reads(*loader, fileName); });
-    if (others != loaders.begin())
-        loaders.erase(others, loaders.end());
+                                              [&](const auto& loader) { return Reads(*loader.loader, fileName); });
+    if (others != loaders.begin()) loaders.erase(others, loaders.end());
     return loaders;
 }
 
@@ -75,11 +79,14 @@ std::vector<std::unique_ptr<IModelLoader>> LoadersFor(const QString& fileName)
 Model ReadModel(const QString& fileName, const Progress& progress)
 {
     QStringList reasons;
-    for (const auto& loader : LoadersFor(fileName)) {
+    const std::vector<NamedLoader> loaders = LoadersFor(fileName);
+    for (const auto& [title, loader] : loaders) {
         try {
             return ReadModel(*loader, fileName, progress);
         } catch (const LoadingException& exception) {
-            reasons += exception.GetErrorText(); // the next one may make sense of it
+            if (loaders.size() == 1) throw;
+            reasons +=
+                title + QStringLiteral(": ") + FailureOf(exception, fileName).text; // the next may make sense of it
         }
     }
     throw LoadingException(reasons.join(QLatin1Char('\n')));
@@ -90,6 +97,9 @@ QStringList RendererNames()
     QStringList names;
     for (const PluginService& service : Plugins().ServicesOf<IRender>())
         names += service.id;
+    // In whatever order they are met.
+    std::stable_partition(names.begin(), names.end(),
+                          [](const QString& name) { return name == QLatin1String("embree"); });
     return names;
 }
 

@@ -20,7 +20,8 @@ namespace Host {
 /// \throws LoadingException it can't be loaded, or no plug-in reads models
 Model ReadModel(const QString& fileName, const Progress& progress);
 
-/// What can be asked for as a renderer, the usual one first: those of the plug-ins.
+/// What can be asked for as a renderer, the usual one first: those of the
+/// plug-ins. The usual one is "embree" where there is one of that name.
 QStringList RendererNames();
 
 /// \throws FactoryException no plug-in makes one of this name

@@ -18,8 +18,6 @@ Stage::Stage(Model&& model, const RenderOptions& options, ProgressBar& bar)
     if (!options.fileName.isEmpty()) textures = LoadTextures(model, problems);
     model.up = options.up.value_or(model.up);
     try {
-        // Proves the index: to the document −1 is the rest pose.
-        if (options.take.animation) model.scene->CalculateAnimation(*options.take.animation, 0.0f);
         m_model = m_scene.AddModel(std::move(model), m_scene.GetRoot(), textures);
         // Files seldom say it, and picking meets either side.
         for (IMaterial* const material : m_scene.GetMaterials())

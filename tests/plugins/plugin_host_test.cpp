@@ -105,10 +105,7 @@ void PluginHostTest::Refuses_data()
                                                  "'com.quillwright.lumenta.IPlugin'; take it out of the folder";
     QTest::newRow("same-id.so") << "The plug-in '%1' is not used for IExporter 'paper': 'good' offers that already; "
                                    "give one of the two another id";
-    const QString none = refusal
-                         + "it is no plug-in, or its root class lacks Q_PLUGIN_METADATA; build it with "
-                           "lumenta_add_plugin(), or take it out of the folder";
-    QTest::newRow("text.so") << none;
+    QTest::newRow("text.so") << refusal + "it is no library; take it out of the folder";
     QTest::newRow("throwing-later.so") << refusal
                                               + "its root object threw when asked for its services: something of "
                                                 "an unknown class; ask its author for a version that can be loaded";
@@ -121,7 +118,10 @@ void PluginHostTest::Refuses_data()
     QTest::newRow("unresolved.so") << refusal
                                           + "Cannot load library %1: (%1: undefined symbol: _Z13NobodyHasThisv); "
                                             "install what is missing, or build it again";
-    QTest::newRow("without-metadata.so") << none;
+    QTest::newRow("without-metadata.so") << refusal
+                                                + "it is a library without the metadata of a plug-in; build it with "
+                                                  "lumenta_add_plugin(), which takes a root class with "
+                                                  "Q_PLUGIN_METADATA, or take it out of the folder";
 }
 
 void PluginHostTest::Refuses()

@@ -1,11 +1,10 @@
 #include "lumenta/foundation/CameraMatrices.h"
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/SceneRender.h"
 #include "reference/host/document/Image.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/Scene.h"
-#include "reference/plugins/embree-renderer/EmbreeRender.h"
 #include "reference/plugins/embree-renderer/EmbreeRenderer.h"
-#include "reference/plugins/painter-renderer/PainterRender.h"
 #include "reference/plugins/painter-renderer/PainterRenderer.h"
 
 #include <QtTest>
@@ -102,7 +101,7 @@ private Q_SLOTS:
     {
         QFETCH_GLOBAL(bool, traces);
         m_traces = traces;
-        m_render.reset(traces ? static_cast<IRender*>(new EmbreeRender) : new PainterRender);
+        m_render = std::make_unique<SceneRender>(traces ? CreateEmbreeRenderer() : CreatePainterRenderer());
         m_log.clear();
         connect(m_render.get(), &IRender::log, [this](const QString& line) { m_log += line; });
         m_scene = std::make_unique<Scene>();

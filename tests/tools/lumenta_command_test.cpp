@@ -130,12 +130,10 @@ private Q_SLOTS:
         fails("render triangle.obj --time 5 -o a.png", "triangle.obj: the model has no animation");
         fails("render triangle.obj --frames 1 -o a.png", "triangle.obj: the model has no animation");
         for (const QString number : {"-1", "99999999999"})
-            fails("render jump.x --animation " + number + " -o a.png",
-                  "jump.x: Invalid parameter 'animIndex' passed to method 'Scene::CalculateAnimation': "
-                  "Invalid animation index");
+            fails("render :figure --animation " + number + " -o a.png",
+                  ":figure: no animation has the number " + number + "; there are: 0 'walk', 1 'wave'");
         fails("clip jump.x --animation 1 --from 0 --to 1 --name c",
-              "jump.x: Invalid parameter 'animIndex' passed to method 'Scene::AppendClippedAnimation': "
-              "The index is out of range");
+              "jump.x: no animation has the number 1; there are: 0 'Jump'");
         fails("render :figure --animation fly -o a.png",
               ":figure: no animation is named 'fly'; there are: 'walk', 'wave'");
         misuses("clip", "jump.x --animation 0 --from 2 --to 1.5 --name c", "--from 2 lies after --to 1.5");
@@ -160,11 +158,13 @@ private Q_SLOTS:
         misuses("pick", "jump.x --time 5", "neither a pixel X,Y nor --map is given");
         for (const QString pixel : {"7", "1.5,2", "1,2,3"})
             misuses("pick", "jump.x " + pixel, "'" + pixel + "' is not a pixel X,Y of two whole numbers");
-        for (const QString pixel : {"64,0", "0,-1"})
+        for (const QString pixel : {"64,0", "0,-1", "-5,3", "-5,-3", "99999999999,0"})
             misuses("pick", "jump.x --size 64x64 " + pixel, "pixel " + pixel + " is outside of the picture of 64x64");
         misuses("pick", "jump.x --overlay a.png --map b.png", "--overlay marks pixels, but none is given");
         misuses("pick", "jump.x --legend 5,5", "--legend needs --map");
-        misuses("pick", "jump.x --overlay a.png --map a.png 5,5", "--overlay and --map name the same file");
+        misuses("pick", "jump.x --map a.png --samples 4", "--samples needs --overlay");
+        for (const QString other : {"a.png", "./a.png", "folder/../a.png", "new.png"})
+            misuses("pick", "jump.x --overlay a.png --map " + other + " 5,5", "--overlay and --map name the same file");
         misuses("pick", "jump.x --map", "missing value after '--map'");
         misuses("pick", "jump.x --map a.png --frames 2", "unknown option '--frames'");
         fails("pick triangle.obj --time 5 1,1", "triangle.obj: the model has no animation");
@@ -218,7 +218,8 @@ private Q_SLOTS:
         QVERIFY(folder.mkdir("folder") && folder.mkdir("taken.png") && folder.mkdir("locked"));
         QCOMPARE(mkfifo(QFile::encodeName(Path("pipe.png")).constData(), 0600), 0);
         QVERIFY(QFile::copy(kModels + "Testwuson.X", Path("cut.x")) && QFile::resize(Path("cut.x"), 3000));
-        QVERIFY(QFile::link("/none/a.png", Path("broken.png")) && QFile::link("model.png", Path("link.png")));
+        QVERIFY(QFile::link("/none/a.png", Path("broken.png")) && QFile::link("model.png", Path("link.png"))
+                && QFile::link("a.png", Path("new.png")));
         WriteFile(Path("model.png"), kTriangle);
         WriteFile(Path("empty.x"), "");
         WriteFile(Path("text.txt"), "Dear reader,\n");

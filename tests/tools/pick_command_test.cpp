@@ -162,20 +162,58 @@ private Q_SLOTS:
         QCOMPARE(legend.copy(map.rect()), map);
     }
 
+    /// Needles all around, thinner than the tolerance of picking: they are met beside themselves.
+    void MapsNeedles()
+    {
+        QByteArray needles;
+        for (int i = 0; i < 40; ++i) {
+            for (const auto& [radius, angle] : {std::pair(0.1, 0.0), {1.0, 0.0}, {1.0, 1e-4}})
+                needles += "v " + QByteArray::number(radius * std::cos(0.16 * i + angle), 'g', 9) + ' '
+                           + QByteArray::number(radius * std::sin(0.16 * i + angle), 'g', 9) + " 0\n";
+            needles += "f -3 -2 -1\n";
+        }
+        WriteFile(Path("needles.obj"), needles);
+        QString words = "needles.obj --size 96x96 --azimuth 0 --elevation 0 --map map.png";
+        for (int i = 0; i < 96 * 96; ++i)
+            words += QString(" %1,%2").arg(i % 96).arg(i / 96);
+        const QJsonArray pixels = Facts(words)["pixels"].toArray();
+        const QImage map(Path("map.png"));
+        int nPicked = 0;
+        for (int i = 0; i < 96 * 96; ++i) {
+            nPicked += !pixels[i]["node"].isNull();
+            QCOMPARE(map.pixel(i % 96, i / 96) != kBackground, !pixels[i]["node"].isNull());
+        }
+        QVERIFY(nPicked > 50);
+    }
+
+    void GivesEachNodeAColourOfItsOwn()
+    {
+        QByteArray squares;
+        for (int i = 0; i < 100; ++i)
+            squares += Square("s" + QByteArray::number(i), 0.4, i).replace("f 1 2 3\nf 1 3 4", "f -4 -3 -2\nf -4 -2 -1");
+        WriteFile(Path("squares.obj"), squares);
+        QCOMPARE(Run("pick squares.obj --azimuth 0 --elevation 0 --map map.png").errors, QString());
+        const QImage map(Path("map.png"));
+        QSet<QRgb> colours;
+        for (int i = 0; i < 512 * 512; ++i)
+            colours += map.pixel(i % 512, i / 512);
+        QCOMPARE(colours.size(), 101);
+    }
+
     void CoversThePixelsThatAreDrawn_data()
     {
-        QTest::addColumn<QString>("words");
+        QTest::addColumn<QString>("renderer");
         for (const QString renderer : {"embree", "painter"})
-            QTest::newRow(qPrintable(renderer))
-                << " :figure --time 200 --no-ground --size 160x200 --azimuth -50 --renderer " + renderer;
+            QTest::newRow(qPrintable(renderer)) << renderer;
     }
 
     /// Within a pixel: rays go through corners of pixels, pictures show their middles.
     void CoversThePixelsThatAreDrawn()
     {
-        QFETCH(QString, words);
+        QFETCH(QString, renderer);
+        const QString words = " :figure --time 200 --no-ground --size 160x200 --azimuth -50";
         QCOMPARE(Run("pick --map map.png" + words).exitCode, 0);
-        QCOMPARE(Run("render -o picture.png" + words).exitCode, 0);
+        QCOMPARE(Run("render -o picture.png --renderer " + renderer + words).exitCode, 0);
         const QImage map(Path("map.png"));
         const QImage picture(Path("picture.png"));
         const auto isPicked = [&](QPoint pixel) { return map.pixel(pixel) != kBackground; };

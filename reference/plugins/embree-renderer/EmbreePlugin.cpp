@@ -1,6 +1,7 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IPlugin.h"
-#include "reference/plugins/embree-renderer/EmbreeRender.h"
+#include "reference/host/SceneRender.h"
+#include "reference/plugins/embree-renderer/EmbreeRenderer.h"
 
 namespace Host {
 
@@ -17,7 +18,7 @@ public:
     QObject* CreateService(const QString& strContract, const QString& strId, IApplicationContext&) override
     {
         if (strContract == QLatin1String("IRender") && strId == QLatin1String("embree"))
-            return new EmbreeRender;
+            return new SceneRender(CreateEmbreeRenderer());
         throw FactoryException(QStringLiteral("%1 '%2'").arg(strContract, strId));
     }
 };

@@ -1,6 +1,7 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IPlugin.h"
-#include "reference/plugins/painter-renderer/PainterRender.h"
+#include "reference/host/SceneRender.h"
+#include "reference/plugins/painter-renderer/PainterRenderer.h"
 
 namespace Host {
 
@@ -17,7 +18,7 @@ public:
     QObject* CreateService(const QString& strContract, const QString& strId, IApplicationContext&) override
     {
         if (strContract == QLatin1String("IRender") && strId == QLatin1String("painter"))
-            return new PainterRender;
+            return new SceneRender(CreatePainterRenderer());
         throw FactoryException(QStringLiteral("%1 '%2'").arg(strContract, strId));
     }
 };

@@ -13,7 +13,7 @@ namespace Host {
 
 namespace {
 
-constexpr int kMostCanvasPixels = 6'000'000;
+constexpr int kMostCanvasPixels = 1'500'000; ///< Nobody is asked while a canvas is drawn.
 constexpr int kStudioShare = 20; ///< Of the work, in percent.
 
 bool Tints(const Surface& surface)
@@ -22,12 +22,18 @@ bool Tints(const Surface& surface)
 }
 
 /// The request's picture before any mesh is on it.
-void PaintStudio(QImage& image, const Studio& studio, const PictureRequest& request, const SurfaceTable& surfaces)
+/// \return false if the request was stopped before all of it was there
+bool PaintStudio(QImage& image, const Studio& studio, const PictureRequest& request, const SurfaceTable& surfaces,
+                 const Progress& progress)
 {
     std::optional<FloorShadow> shadow;
     if (studio.ground && studio.groundShadow)
         shadow.emplace(request, surfaces, studio);
     for (int y = 0; y < studio.size.height(); ++y) {
+        if (progress)
+            progress(kStudioShare * y / studio.size.height());
+        if (request.MustStop())
+            return false;
         QRgb* const row = reinterpret_cast<QRgb*>(image.scanLine(y));
         const float pixelY = static_cast<float>(y) + 0.5f;
         for (int x = 0; x < studio.size.width(); ++x) {
@@ -40,6 +46,7 @@ void PaintStudio(QImage& image, const Studio& studio, const PictureRequest& requ
             row[x] = PixelFromLinear(colour, DitherAt(x, y));
         }
     }
+    return true;
 }
 
 class PainterRenderer final : public IPictureRenderer {
@@ -76,7 +83,8 @@ public:
             return image;
         const Studio studio(request);
         const SurfaceTable surfaces(request);
-        PaintStudio(image, studio, request, surfaces);
+        if (!PaintStudio(image, studio, request, surfaces, progress))
+            return image;
         const std::vector<Piece> pieces = PiecesInFront(request, surfaces, studio);
 
         const bool tints = surfaces.HasAny(Tints);
@@ -87,7 +95,7 @@ public:
         const int rows = std::max(1, kMostCanvasPixels / (width * Canvas::PixelCount()));
         for (int top = 0; top < height; top += rows) {
             if (progress)
-                progress(std::max(kStudioShare, 100 * top / height));
+                progress(kStudioShare + (100 - kStudioShare) * top / height);
             if (request.MustStop())
                 return image;
             Canvas canvas(studio, top, std::min(rows, height - top));
