@@ -21,7 +21,7 @@ namespace Host {
 
 namespace {
 
-constexpr int kTile = 16; ///< Side in pixels.
+constexpr int kTile = 8; ///< Side in pixels.
 constexpr double kRounding =
     4.0 * double{std::numeric_limits<float>::epsilon()}; ///< Of a few steps in single precision.
 
