@@ -23,7 +23,7 @@ namespace {
 
 constexpr int kTile = 8; ///< Side in pixels.
 constexpr double kRounding =
-    4.0 * double{std::numeric_limits<float>::epsilon()}; ///< Of a few steps in single precision.
+    4.0 * static_cast<double>(std::numeric_limits<float>::epsilon()); ///< Of a few steps in single precision.
 
 using Vec = TVec3<double>;
 
@@ -182,7 +182,7 @@ void PickTiles::AddMesh(const Source& source, const View& view)
     const IMesh& mesh = *source.picked.mesh;
     const std::vector<unsigned int>& indices = mesh.GetIndices();
     const double tolerance =
-        double{Ray::kTolerance} * LengthOf(Widened(mesh.GetBBox().max) - Widened(mesh.GetBBox().min));
+        static_cast<double>(Ray::kTolerance) * LengthOf(Widened(mesh.GetBBox().max) - Widened(mesh.GetBBox().min));
     const auto tile = [](double pixel, int nTiles) {
         return static_cast<int>(std::floor(std::clamp(pixel / kTile, -1.0, static_cast<double>(nTiles))));
     };
