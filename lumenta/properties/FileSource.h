@@ -24,7 +24,8 @@ public:
     /// does not count.
     bool ShowOpenDialog(QObject* pParent, QString& strPath) override;
 
-    /// As CanLoadImage().
+    /// As CanLoadImage(): a file without a suffix only where a format lists the
+    /// empty one.
     bool AcceptsFile(const QString& strFileName) override;
 
 private:

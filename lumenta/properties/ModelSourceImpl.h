@@ -23,7 +23,8 @@ public:
     /// Starts on the present path, before `pParent`, with a filter for every format.
     bool ShowOpenDialog(QObject* pParent, QString& strPath) override;
 
-    /// By the suffix, as CanLoadImage() does it for images.
+    /// By the suffix, as CanLoadImage() does it for images: a file without one only
+    /// where a format lists the empty one.
     bool AcceptsFile(const QString& strFileName) override;
 
 private:

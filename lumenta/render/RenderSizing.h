@@ -26,7 +26,7 @@ LUMENTA_EXPORT QSize AdjustResolution(const QSize& requested, float aspect, bool
 LUMENTA_EXPORT QSize FitSizeToAnother(const QSize& size, const QSize& bounds);
 
 /// The size of a preview `width` wide of a picture of `size`. Computed in double,
-/// rounded down.
+/// cut towards zero. Where both widths are 0 the height is the limit.
 ///
 /// A picture that is not higher than `maxHeight` keeps its own width while its
 /// height may still shrink to that of the preview, which callers depend on.
