@@ -36,8 +36,9 @@ LUMENTA_EXPORT QString ForceNativeSeparators(const QString& path);
 
 /// Where a reference of a document in `baseDir` points, with "/" throughout.
 ///
-/// Dots of `path` are not resolved, those of a base are. Without a base, and for a resource, only separators
-/// change; so they do for an absolute path. An empty path gives an empty one.
+/// Dots of `path` are not resolved, those of a base are. Without a base, and for
+/// a resource, only separators change; so they do for an absolute path. An empty
+/// path gives an empty one.
 LUMENTA_EXPORT QString BuildFullPath(const QString& baseDir, const QString& path);
 
 /// `name` without what file systems and shells take amiss: "..", then / \ " ' ` ~

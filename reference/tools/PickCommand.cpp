@@ -285,8 +285,8 @@ Verb PickVerb()
                        "\"nothing\"."),
         QStringLiteral("Pixels are counted from 0, from the upper left corner. What is picked lies under the upper "
                        "left corner of the pixel, while pictures show its middle. A mesh may be met a little beside "
-                       "itself, by as much as a "
-                       "ten-thousandth of the diagonal of its box; that shows where triangles are thin and sharp."),
+                       "itself, by as much as a ten-thousandth of the diagonal of its box; that shows where "
+                       "triangles are thin and sharp."),
         QStringLiteral("Without --animation and --time the model is at rest; --time alone means the first animation."),
         ModelSourceText(),
         QStringLiteral(
@@ -294,9 +294,8 @@ Verb PickVerb()
             "of the model at that moment, and the front of the model looks along -y. The model keeps its "
             "size and its place on the floor, but for one that is larger than 1000 or smaller than 0.01, "
             "which is scaled by a power of ten (so that sizes of 1e-10 to 1e9 can be picked; in a picture "
-            "taller than wide it counts as larger by as much), or that stands farther "
-            "than 1000 aside, which is moved "
-            "to the middle. In the model, the coordinates are those of the file, as 'lumenta info' has them."),
+            "taller than wide it counts as larger by as much), or that stands farther than 1000 aside, which "
+            "is moved to the middle. In the model, the coordinates are those of the file, as 'lumenta info' has them."),
         QStringLiteral("A node is named by the way to it from the top of the document, where the meshes of the model "
                        "are the nodes "
                        "of one group, whatever hierarchy the file has; meshes of one name that follow each other are "
