@@ -21,6 +21,9 @@ struct sServiceInfo {
     QString strContract; ///< Class name: "IModelLoader", "IRender", ...
     QString strId;       ///< Unique among the plug-in's services of this contract.
     QString strTitle;    ///< Shown to people.
+    /// Of a scene loader or saver: what it handles, without the dot. No other
+    /// contract needs it.
+    QString strExtension = {};
 };
 
 /// The root object of a plug-in.

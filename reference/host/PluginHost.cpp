@@ -155,7 +155,7 @@ void PluginHost::LoadFile(const QString& file)
     const QList<sServiceInfo> services = ServicesOfPlugin(plugin);
     m_loaded.push_back({name, file});
     for (const sServiceInfo& service : services)
-        AddService({{service.strContract, service.strId, service.strTitle, name}, &plugin}, file);
+        AddService({{service.strContract, service.strId, service.strTitle, name, service.strExtension}, &plugin}, file);
 }
 
 void PluginHost::AddService(const Offer& offer, const QString& file)

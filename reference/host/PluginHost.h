@@ -18,7 +18,8 @@ struct PluginService {
     QString contract; ///< Class name, as in sServiceInfo.
     QString id;       ///< Unique among the services of this contract.
     QString title;
-    QString plugin; ///< The plug-in's name.
+    QString plugin;    ///< The plug-in's name.
+    QString extension; ///< As in sServiceInfo.
 };
 
 /// A file that is no plug-in for this host, or a service that it can't use.

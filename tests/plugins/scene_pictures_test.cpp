@@ -1,7 +1,7 @@
 #include "lumenta/foundation/CameraMatrices.h"
 #include "lumenta/foundation/Exceptions.h"
 #include "reference/host/SceneRender.h"
-#include "reference/host/document/Image.h"
+#include "reference/host/images/Image.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/Scene.h"
 #include "reference/plugins/embree-renderer/EmbreeRenderer.h"

@@ -1,11 +1,11 @@
 #include "reference/host/document/Scene.h"
 
 #include "reference/host/Directions.h"
-#include "reference/host/document/Image.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/PosedModel.h"
 #include "reference/host/document/SceneMaterial.h"
 #include "reference/host/document/Snapshots.h"
+#include "reference/host/images/Image.h"
 
 #include <algorithm>
 #include <cmath>

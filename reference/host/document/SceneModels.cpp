@@ -1,7 +1,6 @@
 // What a scene does with models: their meshes, materials and animations.
 
 #include "lumenta/foundation/Exceptions.h"
-#include "reference/host/document/Image.h"
 #include "reference/host/document/Mesh.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/Placement.h"
@@ -9,6 +8,7 @@
 #include "reference/host/document/Scene.h"
 #include "reference/host/document/SceneMaterial.h"
 #include "reference/host/document/Snapshots.h"
+#include "reference/host/images/Image.h"
 #include "reference/host/Picture.h"
 
 #include <QColor>

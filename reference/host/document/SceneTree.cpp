@@ -3,12 +3,12 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/scene/BoundingBoxes.h"
 #include "lumenta/scene/NodeHierarchy.h"
-#include "reference/host/document/Image.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/Placement.h"
 #include "reference/host/document/PosedModel.h"
 #include "reference/host/document/Scene.h"
 #include "reference/host/document/Snapshots.h"
+#include "reference/host/images/Image.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,7 +7,7 @@
 #include "lumenta/scene/NodeHierarchy.h"
 #include "reference/host/Picture.h"
 #include "reference/host/SampleFigure.h"
-#include "reference/host/document/Image.h"
+#include "reference/host/images/Image.h"
 #include "reference/host/document/Navigator.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/Placement.h"

@@ -1,4 +1,4 @@
-#include "reference/host/document/Image.h"
+#include "reference/host/images/Image.h"
 
 #include <QTransform>
 
