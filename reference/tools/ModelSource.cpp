@@ -101,7 +101,7 @@ Model OpenModel(const QString& source, const Progress& progress)
     if (source.startsWith(QLatin1Char(':')) && source != kFigure)
         throw Failure{source, QStringLiteral("no such built-in model; there is ") + kFigure};
     try {
-        Model model = source == kFigure ? MakeSampleFigure() : ReadModel(source, progress);
+        Model model = source == kFigure ? MakeSampleFigure() : TheApplication().ReadModel(source, progress);
         model.fileName = source;
         return model;
     } catch (const Exception& exception) {

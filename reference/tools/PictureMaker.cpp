@@ -12,7 +12,7 @@
 namespace Host {
 
 PictureMaker::PictureMaker(const RenderOptions& options, const QString& source, ProgressBar& bar)
-    : m_renderer(CreateRenderer(options.renderer))
+    : m_renderer(TheApplication().CreateRenderer(options.renderer))
     , m_settings{options.take.size, options.samplesPerPixel, options.threads}
     , m_fileName(options.fileName)
     , m_source(source)

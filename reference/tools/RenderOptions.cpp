@@ -163,7 +163,7 @@ RenderOptions ReadRenderOptions(const Arguments& arguments, const QString& verb)
         arguments.Has(QStringLiteral("time")) || (arguments.Has(QStringLiteral("frames")) && !options.take.turntable);
     options.up = ReadUp(arguments);
     options.ground = !arguments.Has(QStringLiteral("no-ground"));
-    const QStringList renderers = RendererNames();
+    const QStringList renderers = TheApplication().RendererNames();
     if (!renderers.isEmpty()) options.renderer = arguments.OneOf(QStringLiteral("renderer"), renderers);
     options.samplesPerPixel = arguments.Integer(QStringLiteral("samples"), 1, 4096).value_or(options.samplesPerPixel);
     options.threads = arguments.Integer(QStringLiteral("threads"), 0, 256).value_or(options.threads);

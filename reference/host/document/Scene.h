@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lumenta/interfaces/IGenerator.h"
 #include "lumenta/interfaces/IMaterial.h"
 #include "lumenta/interfaces/IScene.h"
 #include "reference/host/document/Batch.h"
@@ -49,6 +50,10 @@ public:
     // What a host needs beyond the contract.
 
     void SetModelReader(ModelReader reader) { m_reader = std::move(reader); }
+
+    /// Makes what generates the meshes of a source; null for one that is a model's.
+    using MeshMaker = std::function<std::unique_ptr<IGenerator>(const QString& strSource)>;
+    void SetMeshMaker(MeshMaker maker) { m_maker = std::move(maker); }
 
     /// Hangs a model under a node, as a group that turns it upright (see
     /// Upright()) and bears the name of its file, or else of its top node. In it
@@ -204,6 +209,7 @@ private:
     class MeshBuilder;
     class ModelMaterials;
     INode* ReadModel(const QString& strName, const QString& strSource, Node* pParent);
+    INode* HangMeshes(IGenerator& generator, const QString& strName, const QString& strSource, const QPointer<Node>& parent);
     INode* HangModel(Model&& model, Node& parent, const QString& strName, const QString& strSource,
                      const QMap<QString, QImage>& images);
     void AddMeshes(std::vector<PosedMesh>& meshes, Node& parent, const QString& strSource, ModelMaterials& materials,
@@ -234,6 +240,7 @@ private:
 
     Batch m_batch;
     ModelReader m_reader;
+    MeshMaker m_maker;
     QString m_strFileName;
     Settings m_settings;
     bool m_bModified = false;

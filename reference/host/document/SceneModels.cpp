@@ -246,13 +246,31 @@ INode* Scene::AddModel(Model&& model, INode* pParent, const QMap<QString, QImage
 
 INode* Scene::ReadModel(const QString& strName, const QString& strSource, Node* pParent)
 {
+    const QPointer<Node> parent = pParent; // a reader may let events through
+    if (const std::unique_ptr<IGenerator> generator = m_maker ? m_maker(strSource) : nullptr)
+        return HangMeshes(*generator, strName, strSource, parent);
     if (!m_reader)
         throw LoadingException(QStringLiteral("'%1' can't be loaded: nothing here reads models").arg(strSource));
-    const QPointer<Node> parent = pParent; // a reader may let events through
     Model model = m_reader(strSource);
     if (!model.scene) throw LoadingException(QStringLiteral("'%1' can't be loaded: it holds no model").arg(strSource));
     StillThere(parent).SceneOrThrow();
     return HangModel(std::move(model), *parent, strName, strSource, {});
+}
+
+/// As a group with all that the generator makes.
+INode* Scene::HangMeshes(IGenerator& generator, const QString& strName, const QString& strSource,
+                         const QPointer<Node>& parent)
+{
+    MeshCollector collector;
+    generator.Generate(collector);
+    for (const PosedMesh& mesh : collector.meshes)
+        CheckTriangles("INode::CreateMesh", mesh.name, mesh.vertices, mesh.indices);
+    Change change(StillThere(parent).SceneOrThrow().m_batch, PlannedAdding(strName));
+    StillThere(parent).SceneOrThrow(); // a slot may have removed it
+    Node& group = Append(std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, strName), *parent, change);
+    ModelMaterials materials;
+    AddMeshes(collector.meshes, group, strSource, materials, nullptr, change);
+    return &group;
 }
 
 INode* Scene::HangModel(Model&& model, Node& parent, const QString& strName, const QString& strSource,

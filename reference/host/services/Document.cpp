@@ -1,0 +1,70 @@
+#include "reference/host/services/Document.h"
+
+#include "lumenta/foundation/Exceptions.h"
+#include "lumenta/interfaces/ISceneSaver.h"
+#include "lumenta/serializers/SceneSerializers.h"
+#include "reference/host/Picture.h"
+#include "reference/host/services/Application.h"
+#include "reference/host/services/SceneSetup.h"
+
+#include <QFileInfo>
+
+namespace Host {
+
+Document::Document(const Application& application, QObject* pParent)
+    : QObject(pParent)
+    , m_application(application)
+    , m_scene(std::make_unique<Host::Scene>())
+{
+    m_scene->SetModelReader([this](const QString& strSource) { return m_application.ReadModel(strSource); });
+    m_scene->SetMeshMaker([this](const QString& strSource) { return m_application.CreateGenerator(strSource); });
+}
+
+QStringList Document::Open(const QString& strSource)
+{
+    const ISerializersRegistry* const registry = m_application.GetSerializers();
+    QStringList warnings;
+    if (strSource.startsWith(QLatin1Char(':')) || !CanLoadScene(registry, strSource)) {
+        warnings = Import(strSource);
+    } else {
+        const QSharedPointer<ISceneLoader> loader = CreateSceneLoader(registry, strSource);
+        loader->Load(strSource, *m_scene);
+        warnings = loader->GetWarnings();
+    }
+    m_scene->GetCamera()->SetHome();
+    m_scene->SetModified(false);
+    return warnings;
+}
+
+/// What no extension tells of: something built in, or a model whose loader has
+/// to look into it.
+QStringList Document::Import(const QString& strSource)
+{
+    if (const std::unique_ptr<IGenerator> generator = m_application.CreateGenerator(strSource)) {
+        MeshCollector trial; // what fails shall fail before anything is lost
+        generator->Generate(trial);
+        sSceneModifications planned;
+        planned.strTitle = QStringLiteral("Open '%1'").arg(strSource);
+        m_scene->BeginUpdate(planned);
+        m_scene->Clear();
+        m_scene->GetRoot()->CreateMesh(strSource.mid(1), strSource);
+        m_scene->EndUpdate();
+        ShowAll(*m_scene);
+        return {};
+    }
+    ModelSceneLoader loader([this](const QString& strFileName) { return m_application.ReadModel(strFileName); },
+                            m_application.GetImageManager());
+    loader.Load(strSource, *m_scene);
+    return loader.GetWarnings();
+}
+
+QStringList Document::Save(const QString& strFileName)
+{
+    const QSharedPointer<ISceneSaver> saver = CreateSceneSaver(m_application.GetSerializers(), strFileName);
+    saver->Save(strFileName, *m_scene);
+    m_scene->SetFileName(QFileInfo(strFileName).absoluteFilePath());
+    m_scene->SetModified(false);
+    return saver->GetWarnings();
+}
+
+} // namespace Host
