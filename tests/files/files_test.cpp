@@ -6,6 +6,8 @@
 #include <csignal>
 #include <functional>
 
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -63,6 +65,14 @@ bool WithShortFiles()
     return std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0;
 }
 
+/// In the folder "tiny", as this process sees it.
+bool WithTinyDisk()
+{
+    return (unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0)
+           && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
+           && mount("tmpfs", "tiny", "tmpfs", 0, "size=4k") == 0;
+}
+
 Deed Saving(const QString& name, void (*save)(const QString&, const QByteArray&) = &SaveDataToFile)
 {
     return [=] { return save(name, QByteArray(10000, 'x')), QString("saved"); };
@@ -98,7 +108,7 @@ private Q_SLOTS:
         m_path = QFileInfo(m_folder.path()).canonicalFilePath();
         QVERIFY(!m_path.isEmpty() && QDir::setCurrent(m_path));
         for (const char* name : {"doc/tex/wood.png", "doc/wood.png", "doc/beside.png", "doc/locked/wood.png",
-                                 "doc/locked/alone.png", "other/away.png", "closed"})
+                                 "doc/locked/alone.png", "other/away.png", "closed", "tiny/x"})
             TrySaveDataToFile(name, name);
         QVERIFY(QFile::link("tex/../tex/wood.png", "doc/link.png") && QFile::link("nowhere", "doc/broken.png"));
         QVERIFY(chmod("doc/locked", 0) == 0 && chmod("closed", 0) == 0);
@@ -180,6 +190,11 @@ private Q_SLOTS:
         Row("on a device that takes nothing", Outcome(Saving("/dev/full")), kNotWritten.arg("/dev/full"));
         Row("longer than files may be", Hard(&WithShortFiles, Saving("long")), kNotWritten.arg("long"));
         Row("so what fits is kept", QString::number(QFileInfo("long").size()), "4000");
+        const QString onTinyDisk = Hard(&WithTinyDisk, Saving("tiny/a"));
+        if (onTinyDisk == "not possible here")
+            qWarning("no file system may be mounted here: a full disk is not tried");
+        else
+            Row("on a disk that is too small", onTinyDisk, kNotWritten.arg("tiny/a"));
     }
     void Errors() { CompareAnswer(); }
 
