@@ -1,0 +1,140 @@
+#include "lumenta/foundation/Exceptions.h"
+#include "lumenta/interfaces/IMaterial.h"
+#include "lumenta/interfaces/INode.h"
+#include "reference/host/services/Application.h"
+#include "reference/host/services/Document.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QtTest>
+
+using namespace Host;
+
+namespace {
+
+/// Keeps the lines; leaves, or talks back, when told to.
+class Ear final : public ILogWriter {
+public:
+    void Write(eLogLevel level, const QString& text) override
+    {
+        lines += LevelName(level) + ' ' + text;
+        if (text == "leave") log->RemoveWriter(leaver);
+        if (text == "echo") log->Write(eLogInfo, "echo");
+    }
+
+    ILog* log = nullptr;
+    ILogWriter* leaver = nullptr;
+    QStringList lines;
+};
+
+QString FailureOf(Document& document, const QString& source)
+{
+    try {
+        document.Open(source);
+        return "opened";
+    } catch (const Exception& exception) {
+        return exception.GetErrorText();
+    }
+}
+
+} // namespace
+
+class ServicesTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+    const Application m_application{QStringList(LUMENTA_PLUGINS)};
+
+private Q_SLOTS:
+    void SettingsStayAndTell()
+    {
+        const QString file = m_folder.filePath("new/\u00fc.ini");
+        {
+            Settings settings(file);
+            QSignalSpy told(&settings, &ISettings::onValueChanged);
+            QCOMPARE(settings.GetValue("a/b", 7), QVariant(7));
+            settings.SetValue("a/b", 7); // equal to the default of whoever asks, but not yet kept
+            settings.SetValue("a/b", 7);
+            settings.SetValue("a/text", "\u00e4;=%\n");
+            settings.SetValue("never", QVariant());
+            settings.SetValue("gone", 1);
+            settings.SetValue("gone", QVariant());
+            QCOMPARE(told.size(), 4);
+            QCOMPARE(told.last(), (QVariantList{"gone", QVariant::fromValue(QVariant())}));
+        }
+        const Settings again(file);
+        QCOMPARE(again.GetValue("a/b", 0).toInt(), 7);
+        QCOMPARE(again.GetValue("a/text", 0).toString(), QString("\u00e4;=%\n"));
+        QCOMPARE(again.GetValue("gone", "default").toString(), QString("default"));
+    }
+
+    void LogReachesEveryWriterOnce()
+    {
+        Log log;
+        Ear first, second;
+        first.log = second.log = &log;
+        first.leaver = &second;
+        for (ILogWriter* writer : {&first, &second, &first})
+            log.AddWriter(writer);
+        log.Write(eLogWarning, "one");
+        log.Write(eLogError, "echo"); // would go on for ever
+        log.Write(eLogDebug, "leave");
+        QCOMPARE(first.lines, QStringList({"warning one", "error echo", "debug leave"}));
+        QCOMPARE(second.lines, QStringList({"warning one", "error echo"}));
+    }
+
+    void LogFileTakesWholeLines()
+    {
+        const QString name = m_folder.filePath("a.log");
+        LogFile file(name);
+        Log log;
+        log.AddWriter(&file);
+        std::vector<std::unique_ptr<QThread>> threads;
+        for (int i = 0; i < 4; ++i)
+            threads.emplace_back(QThread::create([&] {
+                for (int n = 0; n < 50; ++n)
+                    log.Write(eLogInfo, "a\nb");
+            }))->start();
+        for (const auto& thread : threads)
+            QVERIFY(thread->wait(10000));
+        QFile written(name);
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QString text = written.readAll();
+        text.remove(QRegularExpression("\\d{4}-\\d\\d-\\d\\dT[0-9:.]{12}Z info a\n    b\n"));
+        QCOMPARE(text, QString());
+        QVERIFY_EXCEPTION_THROWN(LogFile(m_folder.path()), FileException);
+    }
+
+    void ModelsAreOpenedAsDocuments()
+    {
+        const QList<QString> extensions = m_application.GetSerializers()->GetOpenableExtensions();
+        QCOMPARE(QStringList(extensions).removeDuplicates(), 0);
+        QVERIFY(extensions.contains("x") && !extensions.contains(""));
+        QCOMPARE(m_application.GetSerializers()->CreateLoader("model:"), nullptr);
+
+        Document document(m_application);
+        Scene& scene = *document.GetScene();
+        QSignalSpy updates(&scene, &IScene::afterSceneUpdate);
+        document.Open("/usr/share/assimp/models/X/Testwuson.X");
+        QCOMPARE(updates.size(), 1);
+        QCOMPARE(scene.GetFileName(), QString("/usr/share/assimp/models/X/Testwuson.X"));
+        QVERIFY(!scene.IsModified() && !scene.GetAnimations().empty());
+
+        const std::vector<INode*> before = scene.GetRoot()->GetChildren();
+        QVERIFY(FailureOf(document, "/none.x").contains("/none.x"));
+        QVERIFY(FailureOf(document, ":none").contains(":none"));
+        QVERIFY(FailureOf(document, m_folder.path()).contains(m_folder.path()));
+        QCOMPARE(scene.GetRoot()->GetChildren(), before);
+        QVERIFY_EXCEPTION_THROWN(document.Save(m_folder.filePath("a.x")), LoadingException);
+        QVERIFY(!QFile::exists(m_folder.filePath("a.x")));
+
+        document.Open(":figure");
+        QCOMPARE(scene.GetFileName(), QString());
+        QCOMPARE(scene.GetRoot()->GetChildren().size(), std::size_t(1));
+        QVERIFY(scene.GetRoot()->GetChildren().front() != before.front());
+    }
+};
+
+QTEST_GUILESS_MAIN(ServicesTest)
+#include "services_test.moc"
