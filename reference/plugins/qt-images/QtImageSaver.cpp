@@ -30,6 +30,28 @@ QImage OverWhite(const QImage& image)
     return result;
 }
 
+/// Empty where the format can't hold it.
+QByteArray Encoded(const QImage& image, const QByteArray& format, int nQuality)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, format);
+    if (format != "png") // there Qt takes it for the compression
+        writer.setQuality(nQuality);
+    return writer.write(image) ? buffer.data() : QByteArray();
+}
+
+/// Of what was written, which some formats make smaller without a word.
+QSize SizeOf(const QByteArray& bytes, const QByteArray& format)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, format);
+    const QSize size = reader.size();
+    return bytes.isEmpty() || size.isValid() ? size : reader.read().size();
+}
+
 [[noreturn]] void Fail(const QString& fileName, const QString& reason)
 {
     throw FileException(fileName, QStringLiteral("The image can't be saved: ") + reason);
@@ -48,20 +70,11 @@ void QtImageSaver::Save(const IImage& image, const QString& strFileName, int nQu
     if (picture.isNull()) Fail(strFileName, QStringLiteral("it has no pixels"));
     if (picture.hasAlphaChannel() && !HoldsAlpha(m_format)) picture = OverWhite(picture);
 
-    QBuffer buffer;
-    buffer.open(QIODevice::ReadWrite);
-    QImageWriter writer(&buffer, m_format);
-    if (m_format != "png") // there Qt takes it for the compression
-        writer.setQuality(std::clamp(nQuality, -1, 100));
-    if (!writer.write(picture)) Fail(strFileName, writer.errorString());
-
-    buffer.seek(0);
-    const QSize written = QImageReader(&buffer, m_format).size();
-    if (written.isValid() && written != picture.size())
+    const QByteArray bytes = Encoded(picture, m_format, std::clamp(nQuality, -1, 100));
+    if (SizeOf(bytes, m_format) != picture.size())
         Fail(strFileName,
              QStringLiteral("this format does not hold %1 by %2 pixels").arg(picture.width()).arg(picture.height()));
-
-    const QString problem = ReplaceFile(strFileName, buffer.data());
+    const QString problem = ReplaceFile(strFileName, bytes);
     if (!problem.isEmpty()) Fail(strFileName, problem);
 }
 
