@@ -1,12 +1,12 @@
 #include "reference/tools/ImageFile.h"
 
+#include "reference/host/images/ReplaceFile.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/Texts.h"
 
 #include <QBuffer>
 #include <QFileInfo>
 #include <QImageWriter>
-#include <QSaveFile>
 
 namespace Host {
 
@@ -70,19 +70,9 @@ QString TargetPath(const QString& fileName)
 void WriteImageFile(const QString& fileName, const QImage& image)
 {
     const QByteArray bytes = Encoded(fileName, image);
-    QSaveFile file(OnDisk(fileName));
-    const auto fail = [&fileName](const QString& reason) {
-        throw Failure{fileName, QStringLiteral("could not be written: ") + reason};
-    };
-    // Unbuffered, or the last bytes would meet the disk in commit(), which puts
-    // the file in place even when they did not fit.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        fail(file.errorString());
-    // The toolkit has no words for a file that is cut short; the system has.
-    if (file.write(bytes) != bytes.size())
-        fail(SystemErrorText());
-    if (!file.commit())
-        fail(file.errorString());
+    const QString problem = ReplaceFile(OnDisk(fileName), bytes);
+    if (!problem.isEmpty())
+        throw Failure{fileName, QStringLiteral("could not be written: ") + problem};
 }
 
 } // namespace Host
