@@ -1,6 +1,8 @@
 #include "reference/plugins/scene-file/CborInput.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace Host {
 
@@ -107,10 +109,18 @@ bool CborInput::ReadBool()
 
 float CborInput::ReadFloat()
 {
-    Expect(m_reader.isFloat(), "a number of single precision");
-    const float value = m_reader.toFloat();
+    const bool isNumber = m_reader.isFloat16() || m_reader.isFloat() || m_reader.isDouble();
+    Expect(isNumber, "a floating-point number");
+    if (m_reader.isFloat()) { // as it is, bit by bit
+        const float value = m_reader.toFloat();
+        Advance();
+        return value;
+    }
+    const double value = m_reader.isDouble() ? m_reader.toDouble() : static_cast<double>(float(m_reader.toFloat16()));
+    if (std::isfinite(value) && std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max()))
+        throw Flaw{QStringLiteral("expected a number of single precision")};
     Advance();
-    return value;
+    return static_cast<float>(value);
 }
 
 qint64 CborInput::ReadInteger(qint64 least, qint64 most)

@@ -38,6 +38,7 @@ public:
     void ReadArray(const std::function<void()>& readItem);
 
     bool ReadBool();
+    /// Of any width: programs that read and write CBOR choose it as they like.
     float ReadFloat();
     qint64 ReadInteger(qint64 least, qint64 most);
     std::size_t ReadIndex() { return static_cast<std::size_t>(ReadInteger(0, 0x7fffffff)); }

@@ -109,7 +109,8 @@ QByteArray ReadDocumentFile(const QString& fileName)
 void WriteDocumentFile(const QString& fileName, const QByteArray& body)
 {
     QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) throw CannotOpen(fileName);
+    // QSaveFile doesn't notice where what its buffer still holds finds no room on the disk.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) throw CannotOpen(fileName);
     const QByteArray header = HeaderOf(body);
     const bool isWritten = file.write(header) == header.size() && file.write(body) == body.size();
     if (!isWritten || !file.commit()) throw FileException(fileName, QStringLiteral("Can't write the data"));
