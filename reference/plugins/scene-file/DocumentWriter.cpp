@@ -270,6 +270,13 @@ private:
         m_writer.endMap();
     }
 
+    /// That of the default one for what is none of the scene's.
+    std::size_t PlaceOf(const IMaterial* pMaterial) const
+    {
+        const auto known = m_materialPlaces.find(pMaterial);
+        return known == m_materialPlaces.end() ? 0 : known->second;
+    }
+
     /// As the texts that are stored.
     Parameters ParametersOf(const IMaterial& material)
     {
@@ -320,7 +327,7 @@ private:
             const IMesh& mesh = *node.GetMeshes()[i];
             StartMap(4);
             WriteField("name", mesh.GetName());
-            WriteField("material", m_materialPlaces.at(node.GetMaterial(i)));
+            WriteField("material", PlaceOf(node.GetMaterial(i)));
             WriteField("vertices", mesh.GetVertices());
             WriteField("indices", mesh.GetIndices());
             m_writer.endMap();

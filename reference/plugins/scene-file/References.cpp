@@ -22,7 +22,7 @@ bool IsForeign(const QString& path)
 FileReference Rebased(const QString& text, const QString& oldFolder, const QString& newFolder)
 {
     const QString full = TryToFindFileOptimistic(text, oldFolder);
-    if (QFileInfo(full).isFile()) return {GetRelativePath(newFolder, QFileInfo(full).canonicalFilePath()), true};
+    if (QFileInfo(full).isFile()) return {GetRelativePath(newFolder, full), true};
     const bool hasNoPlace = IsForeign(text) || (oldFolder.isEmpty() && QDir::isRelativePath(text));
     return {hasNoPlace ? text : GetRelativePath(newFolder, full), false};
 }

@@ -234,27 +234,35 @@ private:
     INode* AddMeshNode(StoredNode& stored, INode& parent)
     {
         std::vector<StoredMesh>& meshes = stored.mesh->meshes;
-        const QString name = meshes.front().name; // those of one name come into one node
-        const bool hasNames =
-            std::all_of(meshes.begin(), meshes.end(), [&](const StoredMesh& mesh) { return mesh.name == name; });
-        if (!hasNames)
-            m_warnings += QStringLiteral("'%1': all of its meshes are now called '%2'").arg(stored.name, name);
-
+        const std::size_t nBefore = parent.GetChildren().size();
         const std::unique_ptr<IMeshNodeBuilder> builder(m_scene.CreateMeshBuilder(&parent));
         builder->BeginModel(stored.name, meshes.size());
         for (StoredMesh& mesh : meshes) {
-            builder->AddMeshNode(name, mesh.vertices, mesh.indices, QString(), {});
+            // Those of one name come into one node.
+            builder->AddMeshNode(meshes.front().name, mesh.vertices, mesh.indices, QString(), {});
             mesh.vertices = {}; // large, and no longer needed
             mesh.indices = {};
         }
         builder->EndModel();
-        INode* const pNode = parent.GetChildren().back();
+        WarnOfNames(stored);
+        // A host may have no use for meshes without triangles.
+        INode* const pNode =
+            parent.GetChildren().size() > nBefore ? parent.GetChildren().back() : parent.CreateGroup(stored.name);
         if (auto* const pMeshNode = qobject_cast<IMeshNode*>(pNode)) {
             pMeshNode->SetExcludedFromTracing(stored.mesh->isExcluded);
-            for (std::size_t i = 0; i < meshes.size(); ++i)
+            const std::size_t nMeshes = std::min(meshes.size(), pMeshNode->GetMeshes().size());
+            for (std::size_t i = 0; i < nMeshes; ++i)
                 pMeshNode->SetMaterial(i, m_materials[meshes[i].material]);
         }
         return pNode;
+    }
+
+    void WarnOfNames(const StoredNode& stored)
+    {
+        const std::vector<StoredMesh>& meshes = stored.mesh->meshes;
+        const QString name = meshes.front().name;
+        if (std::any_of(meshes.begin(), meshes.end(), [&](const StoredMesh& mesh) { return mesh.name != name; }))
+            m_warnings += QStringLiteral("'%1': all of its meshes are now called '%2'").arg(stored.name, name);
     }
 
     // What is neither.
