@@ -16,6 +16,7 @@
 #include <QBuffer>
 #include <QCborStreamWriter>
 
+#include <new>
 #include <unordered_map>
 
 namespace Host {
@@ -393,13 +394,16 @@ private:
 
 QByteArray WriteDocument(const IScene& scene, const QString& folder, QStringList& warnings)
 {
-    const QByteArray body = DocumentWriter(scene, folder, warnings).Write();
     try {
+        QByteArray body = DocumentWriter(scene, folder, warnings).Write();
+        if (static_cast<quint64>(body.size()) > kLargestBody) throw Flaw{QStringLiteral("it is too large")};
         ParseDocument(body); // what can't be opened again is noticed while it is still here
+        return body;
     } catch (const Flaw& flaw) {
         throw SavingException(QStringLiteral("The scene can't be saved: %1").arg(flaw.GetText()));
+    } catch (const std::bad_alloc&) {
+        throw SavingException(QStringLiteral("The scene can't be saved: it does not fit in memory as a document"));
     }
-    return body;
 }
 
 } // namespace Host
