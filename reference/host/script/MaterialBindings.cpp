@@ -52,6 +52,13 @@ QScriptValue GetParameters(ScriptCall& call)
     return answer;
 }
 
+/// Throws nothing: the engine asks for it while it makes an Error.
+QScriptValue ToString(ScriptCall& call)
+{
+    const auto* const pMaterial = qobject_cast<IMaterial*>(call.ThisObject());
+    return pMaterial ? pMaterial->GetName() : QStringLiteral("[no material]");
+}
+
 const ScriptMember kMembers[] = {
     {"material.name", false, [](ScriptCall& call) -> QScriptValue { return call.ThisMaterial().GetName(); },
      [](ScriptCall& call) {
@@ -66,7 +73,7 @@ const ScriptMember kMembers[] = {
      }},
     {"material.get", true, Get},
     {"material.set", true, Set},
-    {"material.toString", true, [](ScriptCall& call) -> QScriptValue { return call.ThisMaterial().GetName(); }},
+    {"material.toString", true, ToString},
 };
 
 } // namespace

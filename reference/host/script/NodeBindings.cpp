@@ -112,6 +112,13 @@ QScriptValue CreateMesh(ScriptCall& call)
     return call.Wrapped(call.ThisNode().CreateMesh(name, call.Text(1, "source")));
 }
 
+/// Throws nothing: the engine asks for it while it makes an Error.
+QScriptValue ToString(ScriptCall& call)
+{
+    const auto* const pNode = qobject_cast<INode*>(call.ThisObject());
+    return pNode ? pNode->GetName() : QStringLiteral("[no node]");
+}
+
 /// What only lights have: undefined for any other node.
 template <typename Of>
 QScriptValue OfLight(const ScriptCall& call, const Of& of)
@@ -178,7 +185,7 @@ const ScriptMember kMembers[] = {
     {"node.createLight", true,
      [](ScriptCall& call) { return call.Wrapped(call.ThisNode().CreateLight(call.Text(0, "name"))); }},
     {"node.createMesh", true, CreateMesh},
-    {"node.toString", true, [](ScriptCall& call) -> QScriptValue { return call.ThisNode().GetName(); }},
+    {"node.toString", true, ToString},
 };
 
 } // namespace

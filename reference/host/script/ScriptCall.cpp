@@ -42,9 +42,16 @@ QScriptValue CallMember(QScriptContext* pContext, QScriptEngine* pEngine, void* 
     return Guarded(MemberOf(pMember), MemberOf(pMember).call, *pContext, *pEngine);
 }
 
+/// Without this the engine would make a property of the same name that hides the real one.
+QScriptValue RefuseAssignment(ScriptCall& call)
+{
+    throw LogicException(call.Label() + QStringLiteral(" can't be assigned to"));
+}
+
 QScriptValue AssignMember(QScriptContext* pContext, QScriptEngine* pEngine, void* pMember)
 {
-    return Guarded(MemberOf(pMember), MemberOf(pMember).assign, *pContext, *pEngine);
+    const ScriptFunction assign = MemberOf(pMember).assign;
+    return Guarded(MemberOf(pMember), assign ? assign : RefuseAssignment, *pContext, *pEngine);
 }
 
 } // namespace
@@ -56,8 +63,7 @@ void AddMember(QScriptEngine& engine, QScriptValue& object, const ScriptMember& 
     const QScriptValue call = engine.newFunction(CallMember, pMember);
     if (member.isFunction) return object.setProperty(name, call, QScriptValue::SkipInEnumeration);
     object.setProperty(name, call, QScriptValue::PropertyGetter);
-    if (member.assign)
-        object.setProperty(name, engine.newFunction(AssignMember, pMember), QScriptValue::PropertySetter);
+    object.setProperty(name, engine.newFunction(AssignMember, pMember), QScriptValue::PropertySetter);
 }
 
 ScriptCall::ScriptCall(const ScriptMember& member, QScriptContext& context, QScriptEngine& engine)
@@ -159,22 +165,42 @@ std::vector<INode*> ScriptCall::Nodes(int n, const char* name) const
     return nodes;
 }
 
+template <typename T>
+T& ScriptCall::Owned(T& object, const QString& label, const char* kind) const
+{
+    if (object.GetScene() == &Scene()) return object;
+    throw LogicException(
+        QStringLiteral("%1: the %2 '%3' was removed").arg(label, QLatin1String(kind), object.GetName()));
+}
+
 INode& ScriptCall::ToNode(const QScriptValue& value, const QString& label) const
 {
     auto* const pNode = qobject_cast<INode*>(value.toQObject());
     if (!pNode) Reject(value, label, QStringLiteral("node"));
-    if (pNode->GetScene() != &Scene())
-        throw LogicException(QStringLiteral("%1: the node '%2' was removed").arg(label, pNode->GetName()));
-    return *pNode;
+    return Owned(*pNode, label, "node");
 }
 
-IMaterial& ScriptCall::ToMaterial(const QScriptValue& value, const QString& label) const
+IMaterial& ScriptCall::Material(int n, const char* name) const
 {
-    auto* const pMaterial = qobject_cast<IMaterial*>(value.toQObject());
-    if (!pMaterial) Reject(value, label, QStringLiteral("material"));
-    if (pMaterial->GetScene() != &Scene())
-        throw LogicException(QStringLiteral("%1: the material '%2' was removed").arg(label, pMaterial->GetName()));
-    return *pMaterial;
+    auto* const pMaterial = qobject_cast<IMaterial*>(Argument(n).toQObject());
+    if (!pMaterial) Reject(Argument(n), Label(name), QStringLiteral("material"));
+    return Owned(*pMaterial, Label(name), "material");
+}
+
+// These don't show what they were called on: its toString() may be what is running.
+
+INode& ScriptCall::ThisNode() const
+{
+    auto* const pNode = qobject_cast<INode*>(ThisObject());
+    if (!pNode) throw LogicException(m_member + QStringLiteral(": called on what is no node"));
+    return Owned(*pNode, m_member, "node");
+}
+
+IMaterial& ScriptCall::ThisMaterial() const
+{
+    auto* const pMaterial = qobject_cast<IMaterial*>(ThisObject());
+    if (!pMaterial) throw LogicException(m_member + QStringLiteral(": called on what is no material"));
+    return Owned(*pMaterial, m_member, "material");
 }
 
 QScriptValue ScriptCall::Wrapped(QObject* pObject) const

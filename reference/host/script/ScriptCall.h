@@ -48,8 +48,10 @@ public:
     IDocumentContext& Document() const;
     IScene& Scene() const;
     /// The object whose function was called.
-    INode& ThisNode() const { return ToNode(m_context.thisObject(), m_member); }
-    IMaterial& ThisMaterial() const { return ToMaterial(m_context.thisObject(), m_member); }
+    INode& ThisNode() const;
+    IMaterial& ThisMaterial() const;
+    /// As one of the few functions for which it need not be good any more.
+    QObject* ThisObject() const { return m_context.thisObject().toQObject(); }
 
     // Arguments. A property that is assigned to has one without a name.
 
@@ -67,7 +69,7 @@ public:
     ColorF Color(int n, const char* name = "") const;
     INode& Node(int n, const char* name = "") const { return ToNode(Argument(n), Label(name)); }
     std::vector<INode*> Nodes(int n, const char* name = "") const;
-    IMaterial& Material(int n, const char* name = "") const { return ToMaterial(Argument(n), Label(name)); }
+    IMaterial& Material(int n, const char* name = "") const;
 
     /// The Error that an argument is of another type.
     [[noreturn]] void Reject(const QScriptValue& value, const QString& label, const QString& expected) const;
@@ -96,7 +98,8 @@ public:
 
 private:
     INode& ToNode(const QScriptValue& value, const QString& label) const;
-    IMaterial& ToMaterial(const QScriptValue& value, const QString& label) const;
+    template <typename T>
+    T& Owned(T& object, const QString& label, const char* kind) const;
     void Require(bool bFits) const;
 
     const QString m_member;

@@ -98,7 +98,9 @@ bool ScriptRunner::Run(const QString& strProgram, const QString& strFileName)
 {
     const QScriptSyntaxCheckResult syntax = QScriptEngine::checkSyntax(strProgram);
     if (syntax.state() != QScriptSyntaxCheckResult::Valid) {
-        TellError(QStringLiteral("SyntaxError: ") + syntax.errorMessage(), strFileName, syntax.errorLineNumber());
+        const QString message = syntax.errorMessage();
+        TellError(QStringLiteral("SyntaxError: ") + (message.isEmpty() ? QStringLiteral("Parse error") : message),
+                  strFileName, syntax.errorLineNumber());
         return false;
     }
     Execution execution;
