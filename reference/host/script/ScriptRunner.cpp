@@ -17,6 +17,8 @@ namespace Host {
 
 namespace {
 
+const QString kStopped = QStringLiteral("the script was stopped");
+
 /// Of the script that has called what runs now.
 int CurrentLine(const QScriptEngine& engine)
 {
@@ -71,18 +73,23 @@ QScriptValue ScriptRunner::Print(QScriptContext* pContext, QScriptEngine* pEngin
         texts += pContext->argument(i).toString();
         if (pEngine->hasUncaughtException()) return {}; // of a toString() of the script's
     }
-    const QString line = texts.join(QLatin1Char(' ')) + QLatin1Char('\n');
-    QString failure;
-    try {
-        runner.TellOutputs([&line](IScriptRunnerOutput& output) { output.OnOutput(line); });
-    } catch (const Exception& exception) {
-        failure = exception.GetErrorText();
-    } catch (...) {
-        failure = QStringLiteral("print: a receiver has failed");
-    }
-    // The engine looks seldom whether it has been stopped.
-    if (runner.m_pExecution->stoppedAt) failure = QStringLiteral("the script was stopped");
+    const QString failure = runner.TellOutput(texts.join(QLatin1Char(' ')) + QLatin1Char('\n'));
     return failure.isEmpty() ? QScriptValue(QScriptValue::UndefinedValue) : pContext->throwError(failure);
+}
+
+/// \return what has gone wrong; empty for nothing
+QString ScriptRunner::TellOutput(const QString& strText)
+{
+    const std::optional<int>& stoppedAt = m_pExecution->stoppedAt;
+    try {
+        if (!stoppedAt) TellOutputs([&strText](IScriptRunnerOutput& output) { output.OnOutput(strText); });
+    } catch (const Exception& exception) {
+        return exception.GetErrorText();
+    } catch (...) {
+        return QStringLiteral("print: a receiver has failed");
+    }
+    // The engine itself looks seldom whether it has been stopped.
+    return stoppedAt ? kStopped : QString();
 }
 
 void ScriptRunner::Prepare(QScriptEngine& engine)
@@ -114,7 +121,7 @@ bool ScriptRunner::TellEnd(const Execution& execution, const QString& strFileNam
 {
     const QScriptEngine& engine = execution.engine;
     if (execution.stoppedAt) {
-        TellError(QStringLiteral("the script was stopped"), strFileName, *execution.stoppedAt);
+        TellError(kStopped, strFileName, *execution.stoppedAt);
         return false;
     }
     if (!engine.hasUncaughtException()) return true;

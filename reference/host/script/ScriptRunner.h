@@ -49,6 +49,7 @@ private:
     bool TellEnd(const Execution& execution, const QString& strFileName);
     template <typename Tell>
     void TellOutputs(const Tell& tell);
+    QString TellOutput(const QString& strText);
     void TellError(const QString& strText, const QString& strFileName, int nLine);
 
     QObject& m_document;
