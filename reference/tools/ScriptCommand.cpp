@@ -1,6 +1,8 @@
 #include "lumenta/files/WholeFile.h"
+#include "lumenta/interfaces/ISceneSaver.h"
 #include "lumenta/platform/IScriptRunnerOutput.h"
 #include "lumenta/script/OutputHandlerHolder.h"
+#include "lumenta/serializers/SceneSerializers.h"
 #include "reference/host/services/Document.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
@@ -75,6 +77,16 @@ void OpenDocument(Document& document, const QString& source)
     }
 }
 
+/// Before long work.
+void CheckSaver(const QString& fileName)
+{
+    try {
+        CreateSceneSaver(TheApplication().GetSerializers(), fileName);
+    } catch (const Exception& exception) {
+        throw FailureOf(exception, fileName);
+    }
+}
+
 void SaveDocument(Document& document, const QString& fileName)
 {
     try {
@@ -91,6 +103,7 @@ void Run(const Arguments& arguments)
     if (words.size() < 2 || words[1].isEmpty()) arguments.Reject(QStringLiteral("MODEL is missing"));
     const bool save = arguments.Has(QStringLiteral("save"));
     const QString saved = save ? arguments.RequiredText(QStringLiteral("save")) : QString();
+    if (save) CheckSaver(saved);
     const QString program = ReadProgram(words[0]);
 
     PrepareToolkit();
@@ -123,7 +136,7 @@ Verb ScriptVerb()
         QStringLiteral("An error of the script that it does not catch ends it; the line on standard error begins with "
                        "the file and the line of the script. The document is saved only where --save asks for it, or "
                        "the script."),
-        ModelSourceText() + QStringLiteral(" It may also be a scene file."),
+        ModelSourceText() + QStringLiteral(" MODEL may also be a scene file."),
     };
     manual.options = {{{QStringLiteral("save")},
                        QStringLiteral("OUT"),

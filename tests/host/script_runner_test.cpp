@@ -91,10 +91,10 @@ private Q_SLOTS:
         const QString at = "s.js:1: Error: ";
         row("the line of a nested call", "\nfunction f() {\n  scene.find(1) }\nf()",
             "s.js:3: Error: scene.find(name): invalid parameter '1', string expected");
-        row("caught", "try { scene.save('a.b') } catch (e) { print(e) }", "Error: Can't find scene saver for file 'a.b'");
+        row("caught", "try { scene.save('a') } catch (e) { print(e) }", "Error: Can't find scene saver for file 'a'");
         row("NaN", "scene.pose(0, NaN)", at + "scene.pose(time) should be in range [-3.40282e+38, 3.40282e+38]");
         row("beside the view", "scene.pick(30, 0, 30, 40)", at + "scene.pick(x) should be in range [0, 29]");
-        row("an array", "scene.root.move([0, '1', 0])", at + "node.move(offset)[1]: invalid parameter '1', float expected");
+        row("array", "scene.root.move([0, '1', 0])", at + "node.move(offset)[1]: invalid parameter '1', float expected");
         row("read-only", "scene.root.id = 7", at + "node.id can't be assigned to");
         row("a removed node", removed + "n.name", at + "node.name: the node 'jumper' was removed");
         row("after its end", removed + "print('bury'); (function (shown) { shown.name })(n)",

@@ -19,10 +19,10 @@ private Q_SLOTS:
             QTest::newRow(name) << words << told << pictures;
         };
         row("arguments as they are", "args.js :figure -- a --save -5,3 -x -- b", "0 /6: a|--save|-5,3|-x|--|b\n/ ");
-        row("an error in line 3", "bad.js :figure --save never.none",
+        row("an error in line 3", "bad.js :figure",
             "1 /begun\n/ lumenta: bad.js:3: Error: scene.find(name): invalid parameter '7', string expected\n");
         row("no script", "gone.js :figure", "1 // lumenta: gone.js: Can't open the file\n");
-        row("no saver", "args.js :figure --save a.b", "/ lumenta: a.b: Can't find scene saver for file 'a.b'\n");
+        row("no saver", "args.js :figure --save a.b", "1 // lumenta: a.b: Can't find scene saver for file 'a.b'\n");
         row("no word for the model", "args.js", "2 // lumenta: MODEL is missing; see 'lumenta help script'\n");
         row("nowhere to print", "endless.js :figure", "1 // lumenta: standard output: No space left on device\n");
         row("the page", "page.js :figure", "0 /jumper wears wool\n/ ", {"step.png"});

@@ -75,9 +75,11 @@ QStringList Document::SavePicture(const QString& strFileName, const sRenderSetti
     CheckPictureFile(strFileName);
     const QString name = strRenderer.isEmpty() ? m_application.RendererNames().value(0) : strRenderer;
     const std::unique_ptr<IRender> renderer = m_application.CreateRenderer(name);
+    QStringList missing; // what was named since the document was opened
+    if (IImageManager* const pImages = m_application.GetImageManager()) missing = LoadSceneImages(*m_scene, *pImages);
     QStringList leftOut;
     WritePictureFile(strFileName, DrawPicture(*renderer, *m_scene, settings, leftOut));
-    return leftOut;
+    return missing + leftOut;
 }
 
 } // namespace Host
