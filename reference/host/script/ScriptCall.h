@@ -50,7 +50,7 @@ public:
     /// The object whose function was called.
     INode& ThisNode() const;
     IMaterial& ThisMaterial() const;
-    /// As one of the few functions for which it need not be good any more.
+    /// Whatever that is; null for what is no object of the host, or is gone.
     QObject* ThisObject() const { return m_context.thisObject().toQObject(); }
 
     // Arguments. A property that is assigned to has one without a name.
