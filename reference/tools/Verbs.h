@@ -17,5 +17,6 @@ Verb InfoVerb();
 Verb RenderVerb();
 Verb PickVerb();
 Verb ClipVerb();
+Verb ScriptVerb();
 
 } // namespace Host
