@@ -41,11 +41,13 @@ QRgb BallAt(const IMaterial& material, float x, float y)
     const float mirrored = std::max(0.0f, 2.0f * facing * z - 0.64f); // of the light, towards the eye
     const float shine = material.GetSpecularLevel() * std::pow(mirrored, material.GetShininess());
     const float light = 0.25f + 0.75f * facing;
-    const TVec3<float> colour = ColourAt(material, x, y);
-    const ColorF own = material.GetEmissionColor();
     const float glow = material.GetEmissionLevel();
-    return PixelFromLinear({colour.x * light + shine + own.r * glow, colour.y * light + shine + own.g * glow,
-                            colour.z * light + shine + own.b * glow});
+    const TVec3<float> colour = ColourAt(material, x, y);
+    const ColorF gloss = material.GetSpecularColor();
+    const ColorF own = material.GetEmissionColor();
+    return PixelFromLinear({colour.x * light + gloss.r * shine + own.r * glow,
+                            colour.y * light + gloss.g * shine + own.g * glow,
+                            colour.z * light + gloss.b * shine + own.b * glow});
 }
 
 } // namespace
@@ -112,7 +114,7 @@ void MaterialList::Show(int nRow)
     if (nRow == count()) addItem(new QListWidgetItem);
     const IMaterial& material = *m_document.GetScene()->GetMaterials()[static_cast<std::size_t>(nRow)];
     item(nRow)->setIcon(MaterialSwatch(material, kSwatch));
-    item(nRow)->setText(material.GetName());
+    item(nRow)->setText(material.GetName().isEmpty() ? QStringLiteral("(no name)") : material.GetName());
 }
 
 void MaterialList::startDrag(Qt::DropActions)
