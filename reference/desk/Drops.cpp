@@ -8,7 +8,6 @@
 #include "lumenta/interfaces/IMeshNode.h"
 #include "lumenta/interfaces/IScene.h"
 #include "lumenta/interfaces/IUserInterface.h"
-#include "lumenta/materials/MaterialMimeData.h"
 #include "lumenta/materials/MaterialXml.h"
 #include "lumenta/platform/IApplicationContext.h"
 #include "lumenta/platform/IDocumentContext.h"

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "lumenta/foundation/Vector.h"
-#include "lumenta/interfaces/SignalArguments.h"
+#include "lumenta/materials/MaterialMimeData.h"
 
-#include <QMap>
 #include <QPoint>
 #include <QString>
-#include <QVariant>
 
 #include <memory>
 
@@ -14,8 +12,6 @@ class IApplicationContext;
 class IDocumentContext;
 class IMaterial;
 class IUserInterface;
-class MaterialMimeData;
-class QMimeData;
 
 namespace Host {
 

@@ -2,7 +2,6 @@
 
 #include "lumenta/interfaces/IMaterial.h"
 #include "lumenta/interfaces/IScene.h"
-#include "lumenta/materials/MaterialMimeData.h"
 #include "lumenta/platform/IDocumentContext.h"
 #include "reference/desk/Drops.h"
 #include "reference/desk/Guarded.h"
