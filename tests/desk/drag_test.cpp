@@ -21,26 +21,22 @@ class Target final : public QWidget {
         if (path.endsWith(".mtl")) ReadMaterial(ReadAllFile(path), name, parameters);
         QTextStream(stdout) << event->mimeData()->text() << '|' << path << '|' << QFile::exists(path) << '|' << name
                             << '|' << parameters.size() << parameters["opacity"].toString();
-        event->acceptProposedAction();
-        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        event->acceptProposedAction(), QTimer::singleShot(0, qApp, &QCoreApplication::quit);
     }
 };
 
 class DragTest : public QObject {
     Q_OBJECT
 
-private:
     /// What is said of a drag from a row of the list to the right, where the other program stands.
     static QString Dragged(const QListWidget& list, int row)
     {
         QProcess receiver, hand;
-        receiver.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         receiver.start(QCoreApplication::applicationFilePath(), {"receive"});
-        if (!receiver.waitForReadyRead() || receiver.readLine() != "ready\n") return "nobody is there";
+        if (!receiver.waitForReadyRead() || receiver.readLine() != "ready\n") return receiver.readAllStandardError();
         const QPoint from = list.viewport()->mapToGlobal(list.visualItemRect(list.item(row)).center());
         QStringList steps{"mousemove", QString::number(from.x()), QString::number(from.y()), "mousedown", "1"};
-        for (const char* x : {"150", "300", "450", "500", "501"})
-            steps << "sleep" << "0.1" << "mousemove" << x << "100";
+        for (const char* x : {"150", "300", "450", "500", "501"}) steps << "sleep" << "0.1" << "mousemove" << x << "100";
         hand.start("xdotool", steps << "sleep" << "0.2" << "mouseup" << "1");
         (void)QTest::qWaitFor([&] { return receiver.state() + hand.state() == QProcess::NotRunning; }, 20000);
         return receiver.readAll();
@@ -53,14 +49,11 @@ private Q_SLOTS:
         Host::Application application({});
         Host::SilentUserInterface ui(*application.GetLog());
         Host::Document document(application);
-        document.SetUserInterface(&ui);
-        document.GetScene()->SetFileName(folder.filePath("scene.xml"));
+        document.SetUserInterface(&ui), document.GetScene()->SetFileName(folder.filePath("scene.xml"));
         document.GetScene()->CreateMaterial("Dark oak")->SetOpacity(0.25f);
         document.GetScene()->CreateMaterial("bark")->SetImageFile(eMaterialSlotDiffuse, "bark.png");
         Host::MaterialList list(document);
         list.setGeometry(0, 0, 200, 200), list.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&list));
-
         const QString file = QDir::tempPath() + "/lumenta/Dark oak.mtl", image = folder.filePath("bark.png");
         QCOMPARE(Dragged(list, 1), "Dark oak|" + file + "|1|Dark oak|10.25");
         QTRY_VERIFY(!QFile::exists(file));
@@ -76,8 +69,7 @@ int main(int argc, char* argv[])
     if (argc > 1 && qstrcmp(argv[1], "receive") == 0) {
         QApplication application(argc, argv);
         Target target;
-        target.setAcceptDrops(true);
-        target.setGeometry(400, 0, 200, 200), target.show();
+        target.setAcceptDrops(true), target.setGeometry(400, 0, 200, 200), target.show();
         QTextStream(stdout) << (QTest::qWaitForWindowExposed(&target) ? "ready\n" : "");
         return QApplication::exec();
     }
