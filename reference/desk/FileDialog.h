@@ -6,7 +6,10 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <vector>
+
 class ISettings;
+class QFileDialog;
 
 namespace Host {
 
@@ -34,6 +37,8 @@ private:
         QStringList patterns;
         QString suffix;
     };
+
+    void Prepare(QFileDialog& dialog) const;
 
     const int m_nKind;
     const QPointer<QWidget> m_pParent;

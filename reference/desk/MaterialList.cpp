@@ -112,7 +112,10 @@ void MaterialList::Show(int nRow)
 {
     if (nRow == count()) addItem(new QListWidgetItem);
     const IMaterial& material = *m_document.GetScene()->GetMaterials()[static_cast<std::size_t>(nRow)];
-    item(nRow)->setIcon(MaterialSwatch(material, kSwatch));
+    const QPixmap swatch = MaterialSwatch(material, kSwatch);
+    QIcon icon(swatch);
+    icon.addPixmap(swatch, QIcon::Selected); // untinted
+    item(nRow)->setIcon(icon);
     item(nRow)->setText(material.GetName().isEmpty() ? QStringLiteral("(no name)") : material.GetName());
 }
 

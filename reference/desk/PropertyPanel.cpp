@@ -85,6 +85,42 @@ PropertyForm::Value<T> ValueOf(Subject& subject, const Get& get, const Set& set)
             }};
 }
 
+template <typename T>
+PropertyForm::Value<T> ParameterOf(IGenerator& generator, const QString& name)
+{
+    return ValueOf<T>(
+        generator, [name](const IGenerator& from) { return from.GetValue(name).value<T>(); },
+        [name](IGenerator& into, const T& value) {
+            QVariant given = QVariant::fromValue(value);
+            given.convert(into.GetValue(name).userType());
+            into.SetValue(name, given);
+        });
+}
+
+/// Its type says what it is edited with. A limit that is not given is none.
+void AddParameter(PropertyForm& form, IGenerator& generator, const sGeneratorParameter& parameter)
+{
+    const QString& title = parameter.strTitle;
+    const QString& name = parameter.strName;
+    const auto limit = [](const QVariant& given, auto otherwise) {
+        return given.isValid() ? given.value<decltype(otherwise)>() : otherwise;
+    };
+    switch (parameter.value.userType()) {
+    case QMetaType::Bool:
+        return form.AddSwitch(title, ParameterOf<bool>(generator, name));
+    case QMetaType::Int:
+        return form.AddNumber(title, limit(parameter.least, std::numeric_limits<int>::min()),
+                              limit(parameter.most, std::numeric_limits<int>::max()),
+                              ParameterOf<int>(generator, name));
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return form.AddAmount(title, limit(parameter.least, -1e6), limit(parameter.most, 1e6),
+                              ParameterOf<double>(generator, name));
+    default:
+        return form.AddText(title, ParameterOf<QString>(generator, name));
+    }
+}
+
 QString SourceOf(INode& node)
 {
     const IMeshNode* const mesh = qobject_cast<IMeshNode*>(&node);
@@ -256,43 +292,14 @@ void PropertyPanel::AddParameters(PropertyForm& form, IGenerator& generator)
     QStringList titles;
     for (const sGeneratorPreset& preset : presets)
         titles += preset.strTitle;
-    if (!titles.isEmpty())
-        form.AddChoice(QStringLiteral("Preset"), titles, [pGenerator, presets](int nPreset) {
-            const QMap<QString, QVariant>& values = presets[nPreset].values;
-            for (auto each = values.begin(); pGenerator && each != values.end(); ++each)
-                pGenerator->SetValue(each.key(), each.value());
-        });
-    for (const sGeneratorParameter& parameter : generator.GetParameters()) {
-        const QString name = parameter.strName;
-        const auto add = [&](auto sample, const auto& addRow) {
-            using T = decltype(sample);
-            addRow(ValueOf<T>(
-                generator, [name](const IGenerator& from) { return from.GetValue(name).value<T>(); },
-                [name](IGenerator& into, const T& value) { into.SetValue(name, QVariant::fromValue(value)); }));
-        };
-        const auto limit = [](const QVariant& given, auto otherwise) {
-            return given.isValid() ? given.value<decltype(otherwise)>() : otherwise;
-        };
-        switch (parameter.value.userType()) {
-        case QMetaType::Bool:
-            add(bool(), [&](const auto& value) { form.AddSwitch(parameter.strTitle, value); });
-            break;
-        case QMetaType::Int:
-            add(int(), [&](const auto& value) {
-                form.AddNumber(parameter.strTitle, limit(parameter.least, std::numeric_limits<int>::min()),
-                               limit(parameter.most, std::numeric_limits<int>::max()), value);
-            });
-            break;
-        case QMetaType::Float:
-        case QMetaType::Double:
-            add(double(), [&](const auto& value) {
-                form.AddAmount(parameter.strTitle, limit(parameter.least, -1e6), limit(parameter.most, 1e6), value);
-            });
-            break;
-        default:
-            add(QString(), [&](const auto& value) { form.AddText(parameter.strTitle, value); });
-        }
-    }
+    const auto choose = [pGenerator, presets](int nPreset) {
+        const QMap<QString, QVariant>& values = presets[nPreset].values;
+        for (auto each = values.begin(); pGenerator && each != values.end(); ++each)
+            pGenerator->SetValue(each.key(), each.value());
+    };
+    if (!titles.isEmpty()) form.AddChoice(QStringLiteral("Preset"), titles, choose);
+    for (const sGeneratorParameter& parameter : generator.GetParameters())
+        AddParameter(form, generator, parameter);
 }
 
 } // namespace Host

@@ -1,4 +1,5 @@
-// Dialogs, panels and drops, answered as a hand would, on a display that nobody sees.
+// Dialogs, panels and drops, answered as a hand would, and materials dragged with a
+// real pointer into another process. All of it on a display that nobody sees.
 
 #include "lumenta/files/WholeFile.h"
 #include "lumenta/interfaces/IMeshNode.h"
@@ -6,8 +7,8 @@
 #include "reference/desk/DeskWindow.h"
 #include "reference/desk/Drops.h"
 #include "reference/desk/FileField.h"
+#include "reference/desk/MaterialList.h"
 #include "reference/desk/PropertyPanel.h"
-#include "reference/desk/SceneView.h"
 #include "reference/host/images/Image.h"
 #include "reference/host/services/Application.h"
 #include "tests/foundation/Exact.h"
@@ -26,16 +27,11 @@ const QString kCube = QStringLiteral("/usr/share/assimp/models/X/test_cube_text.
 
 /// What the next dialog is told. Another dialog, or none, ends the program.
 template <typename Dialog, typename F>
-void OnNext(const F& answer)
-{
-    QTimer::singleShot(0, qApp, [answer] { answer(dynamic_cast<Dialog&>(*QApplication::activeModalWidget())); });
-}
+void OnNext(const F& answer) { QTimer::singleShot(0, qApp, [=] { answer(dynamic_cast<Dialog&>(*QApplication::activeModalWidget())); }); }
 
 void Confirm(QMessageBox& box) { box.accept(); }
 
-struct FileData final : QMimeData {
-    explicit FileData(const QString& path) { setUrls({QUrl::fromLocalFile(path)}); }
-};
+struct FileData final : QMimeData { explicit FileData(const QString& path) { setUrls({QUrl::fromLocalFile(path)}); } };
 
 /// An application with images, and a document whose scene is stored in a folder.
 struct Desk final : IApplicationContext {
@@ -49,11 +45,7 @@ struct Desk final : IApplicationContext {
     mutable StandIn::ImageManager images;
     PropertyPanel panel{*this, document};
 
-    Desk()
-    {
-        images.loaders = {{"t", "Pictures", {"png"}}}, images.image = &image;
-        document.SetUserInterface(&ui), scene.SetFileName(Path("scene.xml"));
-    }
+    Desk() { images.loaders = {{"t", "", {"png"}}}, images.image = &image, document.SetUserInterface(&ui), scene.SetFileName(Path("s.xml")); }
     QString Path(const QString& name) const { return folder.filePath(name); }
     template <typename Widget> Widget& Row(const char* title) { return *panel.widget()->findChild<Widget*>(title); }
     // clang-format off: nothing to be read here
@@ -64,12 +56,11 @@ struct Desk final : IApplicationContext {
 };
 
 struct Generator final : IGenerator {
-    QMap<QString, QVariant> values{{"height", 0.5}, {"sides", 3}};
-
+    QVariant sides = 3;
     void Generate(IMeshNodeBuilder&) override {}
-    QList<sGeneratorParameter> GetParameters() const override { return {{"sides", "Sides", 3, 3, 9}, {"height", "Height", 0.5, 0.0, 1.0}}; }
-    QVariant GetValue(const QString& name) const override { return values[name]; }
-    void SetValue(const QString& name, const QVariant& value) override { value == 7 ? throw FactoryException(name) : values[name] = value; }
+    QList<sGeneratorParameter> GetParameters() const override { return {{"sides", "Sides", 3, 3, 9}}; }
+    QVariant GetValue(const QString&) const override { return sides; }
+    void SetValue(const QString& name, const QVariant& value) override { value == 7 ? throw FactoryException(name) : sides = value; }
 };
 
 /// What is chosen where "a.one" and "sub/b.two" are, and what can be read in the dialog.
@@ -82,8 +73,7 @@ QString Chosen(int kind, const QString& start, const QString& typed, QMessageBox
     dialog->AddFilter("Ones", {"one", "uno"}), dialog->AddFilter("Twos", {"two"});
     QString read;
     OnNext<QFileDialog>([&](QFileDialog& shown) {
-        for (const QLabel* label : shown.findChildren<QLabel*>()) read += label->text() == "Why" ? "|" : "";
-        read += shown.nameFilters().join('|');
+        read = '|' + shown.findChild<QLabel*>("explanation")->text() + '|' + shown.nameFilters().join('|');
         if (!typed.isEmpty()) shown.findChild<QLineEdit*>("fileNameEdit")->setText(typed);
         if (confirmed) OnNext<QMessageBox>([=](QMessageBox& box) { box.button(confirmed)->click(); });
         if (typed != "!") QMetaObject::invokeMethod(&shown, "accept");
@@ -92,20 +82,56 @@ QString Chosen(int kind, const QString& start, const QString& typed, QMessageBox
     return dialog->Show("Title", "Why", desk.Path(start)).mid(desk.folder.path().size()) + read;
 }
 
+/// Another program's, which knows of a drop only what it can read of it, and says so.
+struct Target final : QWidget {
+    int Wait()
+    {
+        setAcceptDrops(true), setGeometry(400, 0, 200, 200), show();
+        QTextStream(stdout) << (QTest::qWaitForWindowExposed(this) ? "ready\n" : "");
+        return QApplication::exec();
+    }
+    void dragEnterEvent(QDragEnterEvent* event) override { event->acceptProposedAction(); }
+    void dropEvent(QDropEvent* event) override
+    {
+        const QString path = event->mimeData()->urls().value(0).toLocalFile();
+        QString name;
+        QMap<QString, QVariant> parameters;
+        if (path.endsWith(".mtl")) ReadMaterial(ReadAllFile(path), name, parameters);
+        QTextStream(stdout) << event->mimeData()->text() << '|' << path << '|' << QFile::exists(path) << '|' << name
+                            << '|' << parameters.size() << parameters["opacity"].toString();
+        event->acceptProposedAction(), QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    }
+};
+
 } // namespace
 
 class DeskTest : public QObject {
     Q_OBJECT
 
+private:
+    /// What is said of a drag from a row of the list to the right, where the other program stands.
+    static QString Dragged(const QListWidget& list, int row)
+    {
+        QProcess receiver, hand;
+        receiver.start(QCoreApplication::applicationFilePath(), {"receiver"});
+        if (!receiver.waitForReadyRead() || receiver.readLine() != "ready\n") return receiver.readAllStandardError();
+        const QPoint from = list.viewport()->mapToGlobal(list.visualItemRect(list.item(row)).center());
+        QStringList steps{"mousemove", QString::number(from.x()), QString::number(from.y()), "mousedown", "1"};
+        for (const char* x : {"150", "300", "450", "500", "501"}) steps << "sleep" << "0.1" << "mousemove" << x << "100";
+        hand.start("xdotool", steps << "sleep" << "0.2" << "mouseup" << "1");
+        (void)QTest::qWaitFor([&] { return receiver.state() + hand.state() == QProcess::NotRunning; }, 20000);
+        return receiver.readAll();
+    }
+
 private Q_SLOTS:
     void FileDialogs_data()
     {
         AnswerColumns();
-        const QString own = "|Ones (*.one *.uno)|Twos (*.two)", all = "|All of these (*.one *.uno *.two)" + own;
+        const QString own = "|Why|Ones (*.one *.uno)|Twos (*.two)", all = "|Why|All of these (*.one *.uno *.two)" + own.mid(4);
         Row("the file it started on", Chosen(eFileDialogOpenImage, "sub/b.two", ""), "/sub/b.two" + all);
         Row("a model is cancelled", Chosen(eFileDialogOpenModel, "a.one", "!"), all);
         Row("an unknown kind opens a file, not what is not there", Chosen(99, "", "c.one", QMessageBox::Ok), all);
-        Row("a folder", Chosen(eFileDialogFolder, "", "sub"), "/sub|All Files (*)");
+        Row("a folder", Chosen(eFileDialogFolder, "", "sub"), "/sub|Why|All Files (*)");
         Row("a file is proposed", Chosen(eFileDialogSave, "sub/new.two", ""), "/sub/new.two" + own);
         Row("saved over another, with a suffix added", Chosen(eFileDialogSave, "", "a", QMessageBox::Yes), "/a.one" + own);
         Row("not saved over another", Chosen(eFileDialogSave, "", "a.one", QMessageBox::No), own);
@@ -118,13 +144,9 @@ private Q_SLOTS:
         Desk desk;
         const auto step = [&](int percent) { return desk.ui.SetProgress(percent) ? desk.window.findChild<QProgressDialog*>()->value() : -1; };
         desk.ui.EndProgress(), desk.ui.BeginProgress("outer");
-        QCOMPARE(step(50), 50);
-        desk.ui.BeginProgress("inner");
-        QVERIFY(step(50) == 75 && step(20) == 75 && step(80) == 90);
-        desk.ui.EndProgress();
-        QCOMPARE(step(70), 90); // never falls
-        desk.window.findChild<QProgressDialog*>()->cancel();
-        QCOMPARE(step(95), -1);
+        QVERIFY(step(50) == 50 && (desk.ui.BeginProgress("inner"), step(50)) == 75 && step(20) == 75 && step(80) == 90);
+        QVERIFY((desk.ui.EndProgress(), step(70)) == 90); // never falls
+        QVERIFY((desk.window.findChild<QProgressDialog*>()->cancel(), step(95)) == -1);
     }
 
     void PanelOfAMaterial()
@@ -146,10 +168,7 @@ private Q_SLOTS:
         }
         QVERIFY(oak.GetImageFile(eMaterialSlotBump) == "sub/bark.png" && oak.GetImage(eMaterialSlotBump) == &desk.image);
         QVERIFY(field.findChild<QLineEdit*>()->text() == "sub/bark.png" && desk.Row<QDoubleSpinBox>("Opacity").value() == 0.5);
-        OnNext<QFileDialog>([&](QFileDialog& shown) { shown.reject(); });
-        field.findChild<QToolButton*>()->click();
-        desk.scene.RemoveMaterial(&oak);
-        QVERIFY(!desk.panel.widget());
+        QVERIFY((desk.scene.RemoveMaterial(&oak), !desk.panel.widget()));
     }
 
     void PanelsOfGeneratorsAndNodes()
@@ -157,18 +176,14 @@ private Q_SLOTS:
         Desk desk;
         QScopedPointer<Generator> prism(new Generator);
         desk.panel.ShowGenerator(prism.data());
-        desk.Row<QSpinBox>("Sides").setValue(12), desk.Row<QDoubleSpinBox>("Height").setValue(0.75);
         OnNext<QMessageBox>(Confirm);
-        desk.Row<QSpinBox>("Sides").setValue(7); // throws
-        QVERIFY(prism->values.values() == (QVariantList{0.75, 9}) && desk.Row<QSpinBox>("Sides").value() == 9);
-        prism.reset();
-        QVERIFY(!desk.panel.widget());
+        desk.Row<QSpinBox>("Sides").setValue(12), desk.Row<QSpinBox>("Sides").setValue(7); // which throws
+        QVERIFY(prism->sides == 9 && desk.Row<QSpinBox>("Sides").value() == 9 && (prism.reset(), !desk.panel.widget()));
 
         INode& group = *desk.scene.GetRoot()->CreateGroup("group");
         const QPointer<INode> first = desk.scene.AddMesh(&group, "first", {}, {});
         desk.scene.AddMesh(&group, "second", {}, {}), desk.panel.ShowNode(first);
-        TrySaveDataToFile(desk.Path("bad.obj"), "f 1 2 3");
-        OnNext<QMessageBox>(Confirm);
+        TrySaveDataToFile(desk.Path("bad.obj"), "f 1 2 3"), OnNext<QMessageBox>(Confirm);
         Q_EMIT desk.Row<FileField>("Model").fileChosen("bad.obj");
         QVERIFY(first->GetScene() && group.GetChildren().size() == 2); // nothing is lost
         Q_EMIT desk.Row<FileField>("Model").fileChosen(kCube);
@@ -198,7 +213,7 @@ private Q_SLOTS:
         drop(FileData(desk.Path("ash.mtl"))), drop(FileData(desk.Path("other.png")));
         QVERIFY(worn()->GetName() == "ash" && worn()->GetOpacity() == 0.25f && worn()->GetImageFile(eMaterialSlotDiffuse) == "other.png");
         QCOMPARE(drop(FileData(kCube)), kCube); // left to the window
-        QVERIFY(MakeMimeData(*desk.scene.CreateMaterial("a/b"), desk.ui)->urls().isEmpty()); // nothing is thrown
+        QVERIFY(MakeMimeData(*desk.scene.CreateMaterial("a/b"), desk.ui)->urls().isEmpty()); // but nothing is thrown
     }
 
     void TheWindow()
@@ -206,12 +221,11 @@ private Q_SLOTS:
         Desk desk;
         DeskWindow window(desk.application);
         window.show();
-        SceneView& view = *window.findChild<SceneView*>();
-        QSignalSpy shown(&view, &SceneView::shown);
+        QWidget& view = *window.centralWidget();
+        QSignalSpy shown(&view, SIGNAL(shown()));
         QVERIFY(shown.wait());
         const QImage empty = view.grab().toImage();
-        OnNext<QMessageBox>(Confirm);
-        window.Open("/not/there.obj"), window.Open(":figure");
+        OnNext<QMessageBox>(Confirm), window.Open("/not/there.obj"), window.Open(":figure");
         QVERIFY(shown.wait() && view.grab().toImage() != empty);
         QTest::mouseClick(&view, Qt::LeftButton, {}, view.rect().center()), QTest::keyClick(&view, Qt::Key_Delete);
         OnNext<QInputDialog>([](QInputDialog& box) { box.reject(); });
@@ -219,7 +233,38 @@ private Q_SLOTS:
         OnNext<QInputDialog>([](QInputDialog& box) { box.setTextValue("Discard them"), box.accept(); });
         QVERIFY(window.close() && desk.application.GetSettings()->GetValue("window/geometry", {}).isValid());
     }
+
+    void DragsIntoAnotherProgram()
+    {
+        Desk desk;
+        desk.scene.CreateMaterial("Dark oak")->SetOpacity(0.25f);
+        desk.scene.CreateMaterial("bark")->SetImageFile(eMaterialSlotDiffuse, "bark.png");
+        MaterialList list(desk.document);
+        list.setGeometry(0, 0, 200, 200), list.show();
+        const QString file = QDir::tempPath() + "/lumenta/Dark oak.mtl", image = desk.Path("bark.png");
+        QCOMPARE(Dragged(list, 1), "Dark oak|" + file + "|1|Dark oak|10.25");
+        QTRY_VERIFY(!QFile::exists(file));
+        SaveDataToFile(image, "pixels");
+        QCOMPARE(Dragged(list, 2), "bark|" + image + "|1||0");
+        QTRY_VERIFY(!list.findChild<QDrag*>()); // nor what it carried, which has not taken the image along
+        QVERIFY(QFile::exists(image));
+    }
 };
 
-QTEST_MAIN(DeskTest)
+int main(int argc, char* argv[])
+{
+    QProcess screen;
+    const QTemporaryDir temporary;
+    if (argc == 1) {
+        screen.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1200x900x24"});
+        if (!screen.waitForReadyRead() || QStandardPaths::findExecutable("xdotool").isEmpty())
+            qFatal("a screen and a hand are needed: apt-get install xvfb xdotool");
+        qputenv("DISPLAY", ':' + screen.readLine().trimmed()), qputenv("QT_QPA_PLATFORM", "xcb");
+        qputenv("TMPDIR", QFile::encodeName(temporary.path()));
+    }
+    const QApplication application(argc, argv); // ends before its screen
+    DeskTest test;
+    return argc == 1 ? QTest::qExec(&test, argc, argv) : Target().Wait();
+}
+
 #include "desk_test.moc"
