@@ -3,8 +3,8 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/ISnapshotManager.h"
 #include "lumenta/platform/IFileDialog.h"
-#include "lumenta/platform/IFileSource.h"
 #include "lumenta/platform/IMeshNodeBuilder.h"
+#include "lumenta/properties/ModelSourceImpl.h"
 #include "lumenta/serializers/SceneSerializers.h"
 #include "reference/desk/Guarded.h"
 #include "reference/desk/MaterialList.h"
@@ -82,10 +82,9 @@ DeskWindow::DeskWindow(Application& application)
     Dock(*this, Qt::RightDockWidgetArea, QStringLiteral("Properties"), m_pProperties)->setMinimumWidth(260);
     connect(m_pMaterials, &MaterialList::chosen, m_pProperties, &PropertyPanel::ShowMaterial);
     connect(m_pView, &SceneView::fileDropped, this, [this](const QString& path) {
-        Guarded(m_ui, [&] {
-            if (m_document.GetScene()->GetRoot()->GetChildren().empty()) return Open(path);
-            AddModel(path);
-        });
+        const bool isModel = ModelSourceImpl(m_application.GetModelFormats(), &m_ui).AcceptsFile(path);
+        if (!isModel || m_document.GetScene()->GetRoot()->GetChildren().empty()) return Open(path);
+        Guarded(m_ui, [&] { AddModel(path); });
     });
     connect(m_document.GetScene(), &IScene::selectionChanged, this, &DeskWindow::ShowSelected);
     connect(m_document.GetScene(), &IScene::sceneChanged, this, [this](eSceneChangedFlags what) {

@@ -76,8 +76,14 @@ struct Dropped {
     Parameters parameters;
 };
 
+Dropped ReadDropped(const QString& file)
+{
+    const QFileInfo info(file);
+    return {info.completeBaseName(), Absolute(GetDefaultMaterial(file), info.absolutePath())};
+}
+
 /// The scene's own material where it has just that one, or a new one.
-IMaterial* MaterialFor(const Dropped& dropped, IScene& scene, IImageManager* pImages)
+IMaterial* MaterialFor(const Dropped& dropped, IScene& scene)
 {
     const QString folder = FolderOf(&scene);
     for (IMaterial* const pMaterial : scene.GetMaterials())
@@ -88,7 +94,6 @@ IMaterial* MaterialFor(const Dropped& dropped, IScene& scene, IImageManager* pIm
     for (const QString& name : kImageFiles)
         if (parameters.contains(name)) parameters[name] = GetRelativePath(folder, parameters[name].toString());
     pMaterial->SetParameters(parameters);
-    if (pImages) LoadSceneImages(scene, *pImages);
     return pMaterial;
 }
 
@@ -100,10 +105,10 @@ sSceneModifications Planned(const QString& title)
     return planned;
 }
 
-void Dress(INode& node, const Dropped& dropped, IScene& scene, IImageManager* pImages)
+void Dress(INode& node, const Dropped& dropped, IScene& scene)
 {
     scene.BeginUpdate(Planned(QStringLiteral("Assign '%1'").arg(dropped.name)));
-    scene.AssignMaterial({&node}, MaterialFor(dropped, scene, pImages));
+    scene.AssignMaterial({&node}, MaterialFor(dropped, scene));
     scene.EndUpdate();
 }
 
@@ -113,7 +118,7 @@ std::size_t PlaceOf(const IMesh* pMesh, const IMeshNode& node)
     return static_cast<std::size_t>(std::find(meshes.begin(), meshes.end(), pMesh) - meshes.begin());
 }
 
-void Paper(INode& node, const IMesh* pMesh, const QString& file, IScene& scene, IImageManager& images)
+void Paper(INode& node, const IMesh* pMesh, const QString& file, IScene& scene)
 {
     IMeshNode& meshes = *qobject_cast<IMeshNode*>(&node);
     const std::size_t nMesh = PlaceOf(pMesh, meshes);
@@ -126,7 +131,6 @@ void Paper(INode& node, const IMesh* pMesh, const QString& file, IScene& scene, 
         meshes.SetMaterial(nMesh, pMaterial);
     }
     pMaterial->SetImageFile(eMaterialSlotDiffuse, GetRelativePath(FolderOf(&scene), file));
-    LoadSceneImages(scene, images);
     scene.EndUpdate();
 }
 
@@ -167,17 +171,16 @@ QString DropIntoScene(const QMimeData& mime, const Fall& fall, const IApplicatio
     INode* pNode = nullptr;
     const IMesh* pMesh = nullptr;
     FindNodeByScreenPoint(fall.point, fall.viewSize, scene, pNode, pMesh);
+    IUserInterface& ui = *document.GetUserInterface();
     if (!pMesh) {
-        document.GetUserInterface()->ShowStatus(QStringLiteral("There is no mesh to put it on"));
-    } else if (isImage) {
-        Paper(*pNode, pMesh, file, scene, *pImages);
-    } else {
-        const QFileInfo info(file);
-        Dress(*pNode,
-              pOwn ? Dropped{pOwn->GetName(), pOwn->GetParameters()}
-                   : Dropped{info.completeBaseName(), Absolute(GetDefaultMaterial(file), info.absolutePath())},
-              scene, pImages);
+        ui.ShowStatus(QStringLiteral("There is no mesh to put it on"));
+        return {};
     }
+    if (isImage)
+        Paper(*pNode, pMesh, file, scene);
+    else
+        Dress(*pNode, pOwn ? Dropped{pOwn->GetName(), pOwn->GetParameters()} : ReadDropped(file), scene);
+    ui.ShowStatus(pImages ? LoadSceneImages(scene, *pImages).join(QStringLiteral("; ")) : QString());
     return {};
 }
 

@@ -34,7 +34,9 @@ void PropertyForm::AddText(const QString& title, const Value<QString>& value)
     auto* const pLine = new QLineEdit;
     AddRow<QLineEdit>(title, pLine, [value](QLineEdit& line) { line.setText(value.get()); });
     connect(pLine, &QLineEdit::editingFinished, this, [this, pLine, value] {
-        if (pLine->text() != value.get()) Apply([&] { value.set(pLine->text()); });
+        const QString typed = pLine->text();
+        pLine->setText(value.get()); // a message would end the editing once more
+        if (typed != value.get()) Apply([&] { value.set(typed); });
     });
 }
 

@@ -62,6 +62,8 @@ int main(int argc, char* argv[])
         return Run(desk);
     } catch (const Exception& exception) {
         QMessageBox::critical(nullptr, QStringLiteral("Lumenta"), exception.GetErrorText());
-        return 1;
+    } catch (const std::exception& exception) {
+        QMessageBox::critical(nullptr, QStringLiteral("Lumenta"), QString::fromLocal8Bit(exception.what()));
     }
+    return 1;
 }
