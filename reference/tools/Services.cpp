@@ -1,11 +1,9 @@
 #include "reference/tools/Services.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/services/PluginFolders.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/Texts.h"
-
-#include <QDir>
-#include <QFileInfo>
 
 namespace Host {
 
@@ -19,16 +17,6 @@ public:
         if (level >= eLogWarning) PrintError(LevelName(level) + QStringLiteral(": ") + strText);
     }
 };
-
-/// Those of the environment first; the command's own lie beside it, wherever
-/// it was installed or moved to.
-QStringList PluginFolders()
-{
-    QStringList folders = qEnvironmentVariable("LUMENTA_PLUGIN_PATH").split(QDir::listSeparator(), Qt::SkipEmptyParts);
-    const QString ownFolder = QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath();
-    folders += QDir::cleanPath(ownFolder + QStringLiteral("/../" LUMENTA_PLUGIN_FOLDER));
-    return folders;
-}
 
 /// Lives until the process ends: it is told of by services that nobody orders.
 Application& MakeApplication()
