@@ -1,3 +1,4 @@
+#include "reference/tools/DocumentSource.h"
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Pictures.h"
 #include "reference/tools/Stage.h"
@@ -7,9 +8,20 @@ namespace Host {
 
 namespace {
 
+void RenderDocument(const Arguments& arguments, const QString& source)
+{
+    RefuseModelOptions(arguments, source);
+    arguments.RequiredText(QStringLiteral("o"));
+    ProgressBar bar;
+    std::unique_ptr<Document> document = OpenDocument(source, bar);
+    const RenderOptions options = ReadRenderOptions(arguments, QStringLiteral("render"), document->GetScene());
+    MakePictures(std::move(document), source, options, bar);
+}
+
 void Run(const Arguments& arguments)
 {
     const QString source = arguments.OnlyWord(QStringLiteral("MODEL"));
+    if (IsDocument(source)) return RenderDocument(arguments, source);
     RenderOptions options = ReadRenderOptions(arguments, QStringLiteral("render"));
     arguments.RequiredText(QStringLiteral("o"));
 
