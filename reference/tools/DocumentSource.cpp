@@ -13,6 +13,12 @@
 
 namespace Host {
 
+QString DocumentSourceText()
+{
+    return QStringLiteral("In place of a model a document (.lumenta) will do, or what a generator makes, such as "
+                          ":bottle.");
+}
+
 bool IsDocument(const QString& source)
 {
     if (!source.startsWith(QLatin1Char(':'))) return TheApplication().IsSceneFile(source);
@@ -22,15 +28,22 @@ bool IsDocument(const QString& source)
 
 std::unique_ptr<Document> OpenDocument(const QString& source, ProgressBar& bar)
 {
+    QStringList warnings;
+    std::unique_ptr<Document> document = OpenDocument(source, bar, warnings);
+    for (const QString& warning : qAsConst(warnings))
+        PrintWarning(source, warning);
+    return document;
+}
+
+std::unique_ptr<Document> OpenDocument(const QString& source, ProgressBar& bar, QStringList& warnings)
+{
     RequireBuiltIn(source);
     auto document = std::make_unique<Document>(TheApplication());
     try {
         const Progress progress = bar.Part(QStringLiteral("reading"), 0, kLoaded);
         if (progress) progress(0);
-        const QStringList warnings = document->Open(source);
+        warnings = document->Open(source);
         bar.Clear();
-        for (const QString& warning : warnings)
-            PrintWarning(source, warning);
     } catch (const Exception& exception) {
         throw FailureOf(exception, source);
     }
@@ -39,6 +52,7 @@ std::unique_ptr<Document> OpenDocument(const QString& source, ProgressBar& bar)
 
 void RefuseModelOptions(const Arguments& arguments, const QString& source)
 {
+    if (!IsDocument(source)) return;
     for (const QString& option : {QStringLiteral("animation"), QStringLiteral("time"), QStringLiteral("up"),
                                   QStringLiteral("hide-mesh"), QStringLiteral("hide-material")})
         if (arguments.Has(option))

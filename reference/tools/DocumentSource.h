@@ -8,6 +8,9 @@
 
 namespace Host {
 
+/// How documents are explained in the manuals that take them.
+QString DocumentSourceText();
+
 /// Whether the source is a document rather than a model: a scene file, or
 /// something built in that a generator makes. Its beginning and its end decide;
 /// it need not exist.
@@ -18,7 +21,11 @@ bool IsDocument(const QString& source);
 /// \throws Failure the subject is `source`
 std::unique_ptr<Document> OpenDocument(const QString& source, ProgressBar& bar);
 
-/// Refuses options that are there but make sense for models alone.
+/// The same, with the warnings for the caller.
+std::unique_ptr<Document> OpenDocument(const QString& source, ProgressBar& bar, QStringList& warnings);
+
+/// Refuses options that are there but make sense for models alone, where the
+/// source is a document.
 /// \throws UsageError
 void RefuseModelOptions(const Arguments& arguments, const QString& source);
 

@@ -22,7 +22,7 @@ public:
 
 private:
     int m_nFrames;
-    int m_nFrame = 0; ///< Counted from 1.
+    int m_nFrame = 0;                  ///< Counted from 1.
     unsigned long long m_finished = 0; ///< Milliseconds of the frames before.
     QElapsedTimer m_frame;
 };

@@ -56,8 +56,7 @@ void KeepInputs(const QStringList& inputs, const QStringList& outputs, const QSt
         kept += QFileInfo(input).canonicalFilePath();
     kept.remove(QString());
     for (const QString& output : outputs)
-        if (kept.contains(TargetPath(output)))
-            throw Failure{output, QStringLiteral("would overwrite ") + inputText};
+        if (kept.contains(TargetPath(output))) throw Failure{output, QStringLiteral("would overwrite ") + inputText};
 }
 
 void WriteOutputFile(const QString& fileName, const QByteArray& bytes)

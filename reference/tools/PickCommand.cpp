@@ -314,6 +314,7 @@ Verb PickVerb()
                        "triangles are thin and sharp."),
         QStringLiteral("Without --animation and --time the model is at rest; --time alone means the first animation."),
         ModelSourceText(),
+        DocumentSourceText(),
         QStringLiteral(
             "Points are told twice. In the world, z points up, z = 0 is the floor under the lowest point "
             "of the model at that moment, and the front of the model looks along -y. The model keeps its "

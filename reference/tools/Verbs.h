@@ -17,5 +17,7 @@ Verb InfoVerb();
 Verb RenderVerb();
 Verb PickVerb();
 Verb ClipVerb();
+Verb ConvertVerb();
+Verb MaterialVerb();
 
 } // namespace Host

@@ -22,7 +22,7 @@ using namespace Host;
 
 std::vector<Verb> Verbs()
 {
-    return {InfoVerb(), RenderVerb(), PickVerb(), ClipVerb()};
+    return {InfoVerb(), RenderVerb(), PickVerb(), ClipVerb(), ConvertVerb(), MaterialVerb()};
 }
 
 Manual CommandManual()
