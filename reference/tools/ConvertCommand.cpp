@@ -1,5 +1,6 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/serializers/SceneSerializers.h"
+#include "reference/host/services/SceneSetup.h"
 #include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
@@ -50,7 +51,8 @@ void CheckTarget(const Arguments& arguments, const QString& fileName)
         throw Failure{fileName, QStringLiteral("exists; --force would replace it")};
 }
 
-/// Brings the model to the moment that the options name.
+/// Brings the model to the moment that the options name, and stands it on the
+/// floor and in the frame as it is then.
 void Pose(const Arguments& arguments, const QString& source, Scene& scene)
 {
     const auto time = arguments.Number(QStringLiteral("time"), 0.0, kLongestTime);
@@ -61,6 +63,8 @@ void Pose(const Arguments& arguments, const QString& source, Scene& scene)
         names += animation.strName;
     const QString name = isNamed ? arguments.Text(QStringLiteral("animation")) : QStringLiteral("0");
     scene.SetAnimation(FindAnimation(names, source, name), static_cast<float>(time.value_or(0.0)));
+    scene.PlaceOnGround(scene.GetRoot()->GetChildren());
+    ShowAll(scene);
 }
 
 void Run(const Arguments& arguments)
