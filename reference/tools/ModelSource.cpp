@@ -1,6 +1,7 @@
 #include "reference/tools/ModelSource.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/images/ImageReading.h"
 #include "reference/host/SampleFigure.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/Services.h"
@@ -8,7 +9,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -29,23 +29,6 @@ QString TextureFile(const Model& model, const QString& texture)
     for (const QString& place : {texture, path, QFileInfo(path).fileName()})
         if (QFileInfo(folder, place).isFile()) return folder.filePath(place);
     return {};
-}
-
-QImage ReadImage(const QString& file, QString& problem)
-{
-    QImageReader reader(file);
-    // By suffix first: TGA, for one, has no mark that its content is known by,
-    // and looks like another format.
-    QImage image = reader.read();
-    if (!image.isNull()) return image;
-    const QByteArray suffix = QFileInfo(file).suffix().toLower().toLatin1();
-    const bool known = reader.error() != QImageReader::UnsupportedFormatError
-                       && QImageReader::supportedImageFormats().contains(suffix);
-    problem = known ? reader.errorString() : QStringLiteral("its format is unknown");
-
-    reader.setFileName(file);
-    reader.setDecideFormatFromContent(true);
-    return reader.read();
 }
 
 QImage LoadTexture(const Model& model, const QString& texture, QString& problem)

@@ -1,10 +1,10 @@
 #include "reference/tools/OutputFile.h"
 
+#include "reference/host/images/ReplaceFile.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/Texts.h"
 
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QSet>
 
 namespace Host {
@@ -61,16 +61,8 @@ void KeepInputs(const QStringList& inputs, const QStringList& outputs, const QSt
 
 void WriteOutputFile(const QString& fileName, const QByteArray& bytes)
 {
-    QSaveFile file(OnDisk(fileName));
-    const auto fail = [&fileName](const QString& reason) {
-        throw Failure{fileName, QStringLiteral("could not be written: ") + reason};
-    };
-    // Unbuffered, or the last bytes would meet the disk in commit(), which puts
-    // the file in place even when they did not fit.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) fail(file.errorString());
-    // The toolkit has no words for a file that is cut short; the system has.
-    if (file.write(bytes) != bytes.size()) fail(SystemErrorText());
-    if (!file.commit()) fail(file.errorString());
+    const QString problem = ReplaceFile(OnDisk(fileName), bytes);
+    if (!problem.isEmpty()) throw Failure{fileName, QStringLiteral("could not be written: ") + problem};
 }
 
 } // namespace Host

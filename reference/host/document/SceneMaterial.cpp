@@ -276,7 +276,10 @@ SceneMaterial::SceneMaterial(const QString& strName, Scene* pScene)
 {
 }
 
-SceneMaterial::~SceneMaterial() = default;
+SceneMaterial::~SceneMaterial()
+{
+    m_state.images = {}; // nobody is told any more
+}
 
 std::unique_ptr<Change> SceneMaterial::BeginChange()
 {
@@ -333,6 +336,21 @@ void SceneMaterial::Edit(const F& edit)
         if (pImage && pImage == wanted.images[i] && before[i] != pImage)
             Q_EMIT imageLoad(static_cast<eMaterialSlot>(i), pImage);
     }
+    ReturnLoans();
+}
+
+/// Of images that have left their slots.
+void SceneMaterial::ReturnLoans()
+{
+    std::array<ImageLoan, eMaterialSlotCount> returned; // at the end, when the slots can be asked again
+    for (std::size_t i = 0; i < returned.size(); ++i)
+        if (m_loans[i].Image() != m_state.images[i]) returned[i] = std::move(m_loans[i]);
+}
+
+/// Returns it where slots have put something else there meanwhile.
+void SceneMaterial::KeepLoan(std::size_t nSlot, ImageLoan loan)
+{
+    if (loan.Image() && loan.Image() == m_state.images[nSlot]) std::swap(m_loans[nSlot], loan);
 }
 
 ColorF SceneMaterial::Color(int nIndex) const
@@ -398,7 +416,9 @@ void SceneMaterial::LoadImages(IImageManager& manager, const QString& strBaseFol
         const auto slot = static_cast<eMaterialSlot>(i);
         if (GetImage(slot) || GetImageFile(slot).isEmpty()) continue;
         try {
-            SetImage(slot, manager.LoadImageFile(TryToFindFileOptimistic(GetImageFile(slot), strBaseFolder)));
+            ImageLoan loan(manager, TryToFindFileOptimistic(GetImageFile(slot), strBaseFolder));
+            SetImage(slot, loan.Image());
+            KeepLoan(static_cast<std::size_t>(i), std::move(loan));
         } catch (const Exception&) {
             failure = failure ? failure : std::current_exception();
         }
@@ -480,7 +500,13 @@ bool SceneMaterial::SetParameter(const QString& strName, const QVariant& value)
 
 void SceneMaterial::CopyFrom(const IMaterial& other)
 {
+    std::array<ImageLoan, eMaterialSlotCount> loans;
+    if (const auto* const pOther = dynamic_cast<const SceneMaterial*>(&other))
+        std::transform(pOther->m_loans.begin(), pOther->m_loans.end(), loans.begin(),
+                       [](const ImageLoan& loan) { return loan.Again(); });
     Edit([&](State& state) { state = StateOf(other); });
+    for (std::size_t i = 0; i < loans.size(); ++i)
+        KeepLoan(i, std::move(loans[i]));
 }
 
 void SceneMaterial::Reset()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lumenta/interfaces/IMaterial.h"
+#include "reference/host/document/ImageLoan.h"
 
 #include <array>
 #include <memory>
@@ -14,6 +15,10 @@ class Scene;
 /// broad highlight.
 ///
 /// Rectangles are held in floats. What is infinite counts as the greatest float.
+///
+/// An image that LoadImages() got goes back to its manager when the slot lets go
+/// of it, or the material ends. A copy asks for it, too, so that neither takes it
+/// from the other; whoever else takes it from the slot only borrows it.
 class SceneMaterial final : public IMaterial {
     Q_OBJECT
 
@@ -164,6 +169,8 @@ private:
     /// In the scene's batch, which holds as long as it lives; null without a scene.
     std::unique_ptr<Change> BeginChange();
     void CloseUpdate();
+    void ReturnLoans();
+    void KeepLoan(std::size_t nSlot, ImageLoan loan);
     void OnImageDestroyed(QObject* pObject);
     /// The scene lets go of it.
     void Leave() { m_pScene = nullptr; }
@@ -171,6 +178,7 @@ private:
     QString m_strName;
     Scene* m_pScene;
     State m_state;
+    std::array<ImageLoan, eMaterialSlotCount> m_loans; ///< Of what is in the slots.
     int m_nUpdates = 0;  ///< Of callers' brackets and running operations.
     int m_nExplicit = 0; ///< Of callers' brackets.
     bool m_bChanged = false;
