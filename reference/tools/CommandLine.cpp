@@ -107,8 +107,10 @@ Arguments::Arguments(const Manual& manual, const QStringList& words)
     }
 
     QStringList parsedWords(QStringLiteral("lumenta"));
-    for (const QString& word : words)
-        (IsNegativePair(word) ? m_negativePairs : parsedWords) += word;
+    for (const QString& word : words) {
+        const bool isBehind = parsedWords.contains(QStringLiteral("--")); // where nothing is an option
+        (!isBehind && IsNegativePair(word) ? m_negativePairs : parsedWords) += word;
+    }
     const bool parsed = m_parser.parse(parsedWords);
     const QStringList unknown = m_parser.unknownOptionNames();
     if (!unknown.isEmpty()) Reject(QStringLiteral("unknown option ") + Quoted(Dashed(unknown.first())));

@@ -19,5 +19,6 @@ Verb PickVerb();
 Verb ClipVerb();
 Verb ConvertVerb();
 Verb MaterialVerb();
+Verb ScriptVerb();
 
 } // namespace Host

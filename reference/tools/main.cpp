@@ -22,7 +22,7 @@ using namespace Host;
 
 std::vector<Verb> Verbs()
 {
-    return {InfoVerb(), RenderVerb(), PickVerb(), ClipVerb(), ConvertVerb(), MaterialVerb()};
+    return {InfoVerb(), RenderVerb(), PickVerb(), ClipVerb(), ConvertVerb(), MaterialVerb(), ScriptVerb()};
 }
 
 Manual CommandManual()

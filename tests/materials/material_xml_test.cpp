@@ -1,10 +1,8 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/materials/MaterialXml.h"
-
-#include <QtTest>
+#include "tests/foundation/DecimalComma.h"
 
 #include <arpa/inet.h>
-#include <clocale>
 #include <poll.h>
 #include <sys/inotify.h>
 #include <sys/resource.h>
@@ -52,13 +50,7 @@ private:
 
 private Q_SLOTS:
     /// Everything here must hold where a decimal comma reigns, in a locale that really exists.
-    void initTestCase()
-    {
-        const QString german = m_folder.filePath("de_DE.UTF-8");
-        QCOMPARE(QProcess::execute("localedef", {"-c", "-i", "de_DE", "-f", "UTF-8", german}), 0);
-        QVERIFY(qputenv("LOCPATH", QFile::encodeName(m_folder.path())) && std::setlocale(LC_ALL, "de_DE.UTF-8"));
-        QLocale::setDefault(QLocale(QLocale::German));
-    }
+    void initTestCase() { QVERIFY(LetDecimalCommaReign(m_folder)); }
 
     void Documents_data()
     {

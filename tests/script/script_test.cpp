@@ -4,6 +4,7 @@
 #include "lumenta/script/OutputHandlerHolder.h"
 #include "lumenta/script/ScriptArguments.h"
 #include "lumenta/script/ScriptDocument.h"
+#include "tests/foundation/DecimalComma.h"
 #include "tests/foundation/Exact.h"
 
 #include <QScriptContext>
@@ -65,10 +66,14 @@ class ScriptTest : public QObject, public IDocumentContext {
     IUserInterface* GetUserInterface() const override { No(); }
     IScriptRunner* GetScriptRunner() const override { No(); }
 
+    QTemporaryDir m_folder;
+
 private Q_SLOTS:
+    /// Its comma must show nowhere.
+    void initTestCase() { QVERIFY(LetDecimalCommaReign(m_folder)); }
+
     void Arguments_data()
     {
-        QLocale::setDefault(QLocale(QLocale::German)); // whose decimal comma must show nowhere
         AnswerColumns();
         const QString range = "opacity should be in range [%1, %2]; %3";
         const QString wrong = "opacity: invalid parameter '%1', %2 expected; %3";
@@ -78,6 +83,9 @@ private Q_SLOTS:
         Row("NaN is in no range", Called(Float, "0/0", -7.0f, -kInfinity, kInfinity), range.arg("-inf", "inf", "nan"));
         Row("beyond any float", Called(Float, "1e300", -7.0f, 0.0f, 1.0f), range.arg("0", "1", "inf"));
         Row("six digits", Called(Float, "0", -7.0f, 1234567.0f, 0.1f), range.arg("1.23457e+06", "0.1", "0"));
+        Row("a text made a number", Called(Float, "Number('0.5') + parseFloat('0.25')", -7.0f, 0.0f, 1.0f), "taken; 0.75");
+        Row("no decimal comma", Called(Float, "Number('0,5')", -7.0f, 0.0f, 1.0f), range.arg("0", "1", "nan"));
+        Row("a number made a text", Called(String, "0.5 + ' ' + (2.5).toFixed(1)", QString()), "taken; 0.5 2.5");
         Row("an object", Called(Float, "new Number(0.5)", -7.0f, 0.0f, 1.0f), wrong.arg("0.5", "float", "-7"));
         const char* const unshowable = "{toString: function() { throw 'no text' }}";
         Row("can't be shown", Called(Float, unshowable, -7.0f, 0.0f, 1.0f), wrong.arg("no text", "float", "-7"));
@@ -88,6 +96,7 @@ private Q_SLOTS:
         Row("wraps out of it", Called(Int, "2147483648", -7, 0, INT_MAX), range.arg("0", "2147483647", "-2147483648"));
         Row("NaN as an integer", Called(Int, "NaN", -7, 0, 9), "taken; 0");
         Row("text as an integer", Called(Int, "'3'", -7, 0, 9), wrong.arg("3", "integer", "-7"));
+        Row("a fraction as text", Called(Int, "'' + 1.5", -7, 0, 9), wrong.arg("1.5", "integer", "-7"));
 
         Row("a string", Called(String, "'a\\u00e4%1'", QString()), QString::fromUtf8("taken; a\u00e4%1"));
         Row("a number is none", Called(String, "1.5", QString("old")), wrong.arg("1.5", "string", "old"));

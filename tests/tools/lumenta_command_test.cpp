@@ -124,7 +124,7 @@ private Q_SLOTS:
         fails("info cut.x", "cut.x: Line 157: Unexpected end of file while parsing unknown segment.");
         fails("info text.txt", "text.txt: its format is unknown");
         fails("info points.obj", "points.obj: it holds no usable triangles");
-        fails("info :cow", ":cow: no such built-in model; there is :figure");
+        fails("info :cow", ":cow: no such built-in model; there are :figure, :box, :sphere, :bottle");
         fails("info \x1b[31m.x", "\\u001b[31m.x: The model file does not exist");
         // Animations.
         fails("render triangle.obj --time 5 -o a.png", "triangle.obj: the model has no animation");
@@ -200,8 +200,8 @@ private Q_SLOTS:
                   Limited(RLIMIT_AS, 300u << 20));
         // Words.
         misuses("", "", "no verb is given");
-        misuses("", "help paint", "there is no verb 'paint', but 'info', 'render', 'pick', 'clip', 'convert', 'material'");
-        misuses("", "sing", "there is no verb 'sing', but 'info', 'render', 'pick', 'clip', 'convert', 'material'");
+        misuses("", "help paint", "there is no verb 'paint', but 'info', 'render', 'pick', 'clip', 'convert', 'material', 'script'");
+        misuses("", "sing", "there is no verb 'sing', but 'info', 'render', 'pick', 'clip', 'convert', 'material', 'script'");
         misuses("info", "jump.x --colour", "unknown option '--colour'");
         misuses("", "-platform xcb", "unknown option '-p'"); // the toolkit would know it
         misuses("info", "", "MODEL is missing");
@@ -499,7 +499,7 @@ private Q_SLOTS:
 
     void ExplainsEveryOption_data()
     {
-        const QString verbs = "info render pick clip convert material --version";
+        const QString verbs = "info render pick clip convert material script --version";
         const QString view = "--time --size --keep-aspect --renderer --samples --threads --azimuth --elevation --up --no-ground "
                              "--hide-mesh --hide-material --animation ";
         const QString picture = view + "--frames --turntable --output";

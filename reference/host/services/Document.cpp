@@ -5,6 +5,7 @@
 #include "lumenta/serializers/SceneSerializers.h"
 #include "reference/host/Picture.h"
 #include "reference/host/services/Application.h"
+#include "reference/host/services/PictureFile.h"
 #include "reference/host/services/SceneSetup.h"
 
 #include <QFileInfo>
@@ -15,6 +16,7 @@ Document::Document(const Application& application, QObject* pParent)
     : QObject(pParent)
     , m_application(application)
     , m_scene(std::make_unique<Host::Scene>())
+    , m_scriptRunner(std::make_unique<ScriptRunner>(*this))
 {
     m_scene->SetModelReader([this](const QString& strSource) { return m_application.ReadModel(strSource); });
     m_scene->SetMeshMaker([this](const QString& strSource) { return m_application.CreateGenerator(strSource); });
@@ -65,6 +67,19 @@ QStringList Document::Save(const QString& strFileName)
     m_scene->SetFileName(QFileInfo(strFileName).absoluteFilePath());
     m_scene->SetModified(false);
     return saver->GetWarnings();
+}
+
+QStringList Document::SavePicture(const QString& strFileName, const sRenderSettings& settings,
+                                  const QString& strRenderer)
+{
+    CheckPictureFile(strFileName);
+    const QString name = strRenderer.isEmpty() ? m_application.RendererNames().value(0) : strRenderer;
+    const std::unique_ptr<IRender> renderer = m_application.CreateRenderer(name);
+    QStringList missing; // what was named since the document was opened
+    if (IImageManager* const pImages = m_application.GetImageManager()) missing = LoadSceneImages(*m_scene, *pImages);
+    QStringList leftOut;
+    WritePictureFile(strFileName, DrawPicture(*renderer, *m_scene, settings, leftOut));
+    return missing + leftOut;
 }
 
 } // namespace Host

@@ -2,6 +2,8 @@
 
 #include "lumenta/platform/IDocumentContext.h"
 #include "reference/host/document/Scene.h"
+#include "reference/host/script/IScriptServices.h"
+#include "reference/host/script/ScriptRunner.h"
 
 #include <QObject>
 #include <QStringList>
@@ -13,7 +15,7 @@ class Application;
 /// One open document: a scene, and what belongs to it.
 ///
 /// The application's thread.
-class Document final : public QObject, public IDocumentContext {
+class Document final : public QObject, public IDocumentContext, public IScriptServices {
     Q_OBJECT
     Q_INTERFACES(IDocumentContext)
 
@@ -23,7 +25,7 @@ public:
 
     Host::Scene* GetScene() const override { return m_scene.get(); }
     IUserInterface* GetUserInterface() const override { return m_pUserInterface; }
-    IScriptRunner* GetScriptRunner() const override { return nullptr; }
+    ScriptRunner* GetScriptRunner() const override { return m_scriptRunner.get(); }
 
     /// \param pUserInterface stays the caller's and outlives the document; null for none
     void SetUserInterface(IUserInterface* pUserInterface) { m_pUserInterface = pUserInterface; }
@@ -42,7 +44,13 @@ public:
     /// \return what was left out, in words for a person
     /// \throws FileException, SavingException
     /// \throws LoadingException no saver fits
-    QStringList Save(const QString& strFileName);
+    QStringList Save(const QString& strFileName) override;
+
+    /// \throws FileException, SavingException
+    /// \throws LoadingException no plug-in draws
+    /// \throws FactoryException none of this name does
+    QStringList SavePicture(const QString& strFileName, const sRenderSettings& settings,
+                            const QString& strRenderer) override;
 
 private:
     QStringList Import(const QString& strSource);
@@ -50,6 +58,7 @@ private:
     const Application& m_application;
     std::unique_ptr<Host::Scene> m_scene;
     IUserInterface* m_pUserInterface = nullptr;
+    std::unique_ptr<ScriptRunner> m_scriptRunner;
 };
 
 } // namespace Host
