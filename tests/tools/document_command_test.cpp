@@ -166,7 +166,7 @@ private Q_SLOTS:
         fails("convert here/wall.obj here/wall.glb --force",
               "here/wall.glb: files beside it might replace 'wall.png', which is read; another name helps");
         fails("convert :box a.xyz", "a.xyz: no plug-in writes such files; what can be written: .lumenta, .glb, .gltf, "
-                                    ".fbx, .dae, .obj, .stl, .ply, .x");
+                                    ".fbx, .dae, .obj, .stl, .ply");
     }
 
     void RefusesInOneLine()

@@ -200,8 +200,9 @@ private Q_SLOTS:
                   Limited(RLIMIT_AS, 300u << 20));
         // Words.
         misuses("", "", "no verb is given");
-        misuses("", "help paint", "there is no verb 'paint', but 'info', 'render', 'pick', 'clip', 'convert', 'material', 'script'");
-        misuses("", "sing", "there is no verb 'sing', but 'info', 'render', 'pick', 'clip', 'convert', 'material', 'script'");
+        const QString verbs = "'info', 'render', 'pick', 'clip', 'convert', 'material', 'script'";
+        misuses("", "help paint", "there is no verb 'paint', but " + verbs);
+        misuses("", "sing", "there is no verb 'sing', but " + verbs);
         misuses("info", "jump.x --colour", "unknown option '--colour'");
         misuses("", "-platform xcb", "unknown option '-p'"); // the toolkit would know it
         misuses("info", "", "MODEL is missing");
@@ -500,8 +501,8 @@ private Q_SLOTS:
     void ExplainsEveryOption_data()
     {
         const QString verbs = "info render pick clip convert material script --version";
-        const QString view = "--time --size --keep-aspect --renderer --samples --threads --azimuth --elevation --up --no-ground "
-                             "--hide-mesh --hide-material --animation ";
+        const QString view = "--time --size --keep-aspect --renderer --samples --threads --azimuth --elevation --up "
+                             "--no-ground --hide-mesh --hide-material --animation ";
         const QString picture = view + "--frames --turntable --output";
         AddTexts({"words", "options"}, {{"the command", "--help", verbs},
                                         {"the command, as a verb", "help", verbs},
