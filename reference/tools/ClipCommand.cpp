@@ -1,4 +1,5 @@
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Pictures.h"
@@ -104,6 +105,7 @@ void Run(const Arguments& arguments)
     const Cut cut = ReadCut(arguments);
     RenderOptions pictures = ReadRenderOptions(arguments, QStringLiteral("clip"));
 
+    if (IsDocument(source)) throw Failure{source, QStringLiteral("a document has no animation")};
     ProgressBar bar;
     Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, kLoaded));
     const int animation = FindAnimation(model, arguments.Text(QStringLiteral("animation")));

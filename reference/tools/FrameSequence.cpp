@@ -98,11 +98,15 @@ void FrameSequence::ForEachPose(const Progress& progress, const Visitor& visit)
     }
 }
 
-FrameSequence::FrameSequence(IScene& scene, INode& model, const Take& take, const Progress& progress)
+FrameSequence::FrameSequence(IScene& scene, INode* pModel, const Take& take, const Progress& progress)
     : m_scene(scene)
     , m_animation(take.animation.value_or(-1))
     , m_frames(PlanFrames(take, DurationOf(scene, m_animation)))
 {
+    if (take.ownCamera) {
+        m_frames.front().camera = scene.GetCamera()->GetState();
+        return;
+    }
     const auto half = [&progress](int first) {
         return [&progress, first](int percent) {
             if (progress) progress(first + percent / 2);
@@ -110,8 +114,8 @@ FrameSequence::FrameSequence(IScene& scene, INode& model, const Take& take, cons
     };
     const TBBox<float> box = MeasureBox(half(0));
     if (box.IsEmpty()) throw LoadingException(QStringLiteral("no frame holds a triangle that could be drawn"));
-    const Matrix placement = PlacementOf(box, AspectOf(take.size));
-    model.SetMatrix(model.GetMatrix() * placement);
+    const Matrix placement = pModel ? PlacementOf(box, AspectOf(take.size)) : Matrix();
+    if (pModel) pModel->SetMatrix(pModel->GetMatrix() * placement);
     PlaceCameras(Moved(box, placement), take, half(50));
 }
 

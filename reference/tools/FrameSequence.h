@@ -24,6 +24,7 @@ struct Take {
     float azimuth = 0.0f;   ///< Degrees, as FrameBox() takes them; where a turn begins.
     float elevation = 0.0f;
     QSize size; ///< Of one frame.
+    bool ownCamera = false; ///< The scene's camera stays where it is; of one frame.
 };
 
 struct Frame {
@@ -46,10 +47,12 @@ public:
     /// 1,000 units large, or less than 0.01, is scaled by a power of ten, in
     /// pictures taller than wide as if it were as much larger; and what would stand more than 1,000 units from the z axis is moved there.
     /// Anything else keeps its size and its x and y.
-    /// \param model an upright node under the root, which all meshes hang under
+    /// \param pModel an upright node under the root, which all meshes hang under;
+    ///               or null: then nothing moves, and the scene may be empty for
+    ///               its own camera
     /// \throws InvalidParameterException the index names no animation
     /// \throws LoadingException nothing finite is to be seen in any frame
-    FrameSequence(IScene& scene, INode& model, const Take& take, const Progress& progress);
+    FrameSequence(IScene& scene, INode* pModel, const Take& take, const Progress& progress);
 
     const std::vector<Frame>& GetFrames() const { return m_frames; }
 

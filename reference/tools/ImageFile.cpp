@@ -1,8 +1,7 @@
 #include "reference/tools/ImageFile.h"
 
-#include "reference/host/images/ReplaceFile.h"
 #include "reference/tools/Failure.h"
-#include "reference/tools/Texts.h"
+#include "reference/tools/OutputFile.h"
 
 #include <QBuffer>
 #include <QFileInfo>
@@ -11,22 +10,6 @@
 namespace Host {
 
 namespace {
-
-/// A leading colon would mean a file inside this program.
-QString OnDisk(const QString& fileName)
-{
-    return fileName.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + fileName : fileName;
-}
-
-/// Where writing ends up: behind all links, even where that does not exist yet.
-QFileInfo TargetOf(const QString& fileName)
-{
-    constexpr int kMostLinks = 40; // as the system has it; they may go round in circles
-    QFileInfo file(OnDisk(fileName));
-    for (int i = 0; i < kMostLinks && file.isSymLink(); ++i)
-        file.setFile(file.symLinkTarget());
-    return file;
-}
 
 QByteArray Encoded(const QString& fileName, const QImage& image)
 {
@@ -45,34 +28,12 @@ void CheckImageFile(const QString& verb, const QString& fileName)
 {
     if (QFileInfo(fileName).suffix().compare(QLatin1String("png"), Qt::CaseInsensitive) != 0)
         throw UsageError{verb, fileName + QStringLiteral(": only pictures that end in .png can be written")};
-
-    const QFileInfo file = TargetOf(fileName);
-    const QFileInfo folder(file.path());
-    if (!folder.exists())
-        throw Failure{fileName, QStringLiteral("the folder %1 does not exist").arg(Quoted(file.path()))};
-    if (!folder.isDir())
-        throw Failure{fileName, QStringLiteral("%1 is not a folder").arg(Quoted(file.path()))};
-    if (file.isDir())
-        throw Failure{fileName, QStringLiteral("is a folder")};
-    // Renaming would put the picture in the place of the device.
-    if (file.exists() && !file.isFile())
-        throw Failure{fileName, QStringLiteral("is not a regular file")};
-    if (!folder.isWritable())
-        throw Failure{fileName, QStringLiteral("the folder %1 may not be written to").arg(Quoted(file.path()))};
-}
-
-QString TargetPath(const QString& fileName)
-{
-    const QFileInfo file = TargetOf(fileName);
-    return QFileInfo(file.path()).canonicalFilePath() + QLatin1Char('/') + file.fileName();
+    CheckOutputFile(fileName);
 }
 
 void WriteImageFile(const QString& fileName, const QImage& image)
 {
-    const QByteArray bytes = Encoded(fileName, image);
-    const QString problem = ReplaceFile(OnDisk(fileName), bytes);
-    if (!problem.isEmpty())
-        throw Failure{fileName, QStringLiteral("could not be written: ") + problem};
+    WriteOutputFile(fileName, Encoded(fileName, image));
 }
 
 } // namespace Host

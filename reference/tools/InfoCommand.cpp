@@ -1,11 +1,13 @@
 #include "reference/host/Picture.h"
+#include "reference/tools/DocumentFacts.h"
+#include "reference/tools/DocumentSource.h"
+#include "reference/tools/InfoTexts.h"
 #include "reference/tools/Json.h"
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/ProgressBar.h"
 #include "reference/tools/Texts.h"
 #include "reference/tools/Verbs.h"
 
-#include <QColor>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -60,19 +62,11 @@ QJsonArray Meshes(const SkinAnimation::Scene& scene)
     return meshes;
 }
 
-QJsonValue ParameterValue(const QVariant& value)
-{
-    return value.userType() == QMetaType::QColor ? value.value<QColor>().name() : QJsonValue::fromVariant(value);
-}
-
 QJsonArray Materials(const Model& model)
 {
     QJsonArray materials;
     for (const Material& material : model.materials) {
-        QJsonObject parameters;
-        for (auto each = material.parameters.begin(); each != material.parameters.end(); ++each)
-            parameters.insert(each.key(), ParameterValue(each.value()));
-        materials += QJsonObject{{QStringLiteral("name"), material.name}, {QStringLiteral("parameters"), parameters}};
+        materials += MaterialFacts(material.name, material.parameters);
     }
     return materials;
 }
@@ -110,10 +104,7 @@ QJsonValue RestBox(const SkinAnimation::Scene& scene)
     collector.BeginModel(QString(), scene.nodes.size());
     scene.CreateMeshes(collector);
     collector.EndModel();
-    const TBBox<float> box = BoxOf(collector.meshes);
-    if (box.IsEmpty())
-        return QJsonValue::Null;
-    return QJsonObject{{QStringLiteral("min"), Coordinates(box.min)}, {QStringLiteral("max"), Coordinates(box.max)}};
+    return BoxFacts(BoxOf(collector.meshes));
 }
 
 QJsonObject Facts(const Model& model)
@@ -130,31 +121,6 @@ QJsonObject Facts(const Model& model)
     };
 }
 
-QStringList Cells(const QJsonObject& row, const QStringList& keys)
-{
-    QStringList cells;
-    for (const QString& key : keys) {
-        const QJsonValue value = row.value(key);
-        if (value.isBool())
-            cells += value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
-        else
-            cells += value.isDouble() ? NumberText(value.toDouble()) : value.toString();
-    }
-    return cells;
-}
-
-/// Rows of facts under a heading that counts them. A column that holds numbers
-/// is called ">key".
-QString ListText(const QString& heading, const QJsonArray& rows, const QStringList& columns)
-{
-    QStringList keys = columns;
-    keys.replaceInStrings(QStringLiteral(">"), QString());
-    Table table(columns);
-    for (const QJsonValue& row : rows)
-        table.AddRow(Cells(row.toObject(), keys));
-    return QStringLiteral("\n%1 (%2)\n").arg(heading).arg(rows.size()) + (rows.isEmpty() ? QString() : table.Text());
-}
-
 /// "y" or "-z"; the vector itself where it is no axis.
 QString AxisText(const QJsonValue& up)
 {
@@ -163,13 +129,6 @@ QString AxisText(const QJsonValue& up)
             if (up == QJsonArray{axis == 0 ? sign : 0.0, axis == 1 ? sign : 0.0, axis == 2 ? sign : 0.0})
                 return (sign < 0.0 ? QStringLiteral("-") : QString()) + QLatin1Char("xyz"[axis]);
     return PointText(up);
-}
-
-QString BoxText(const QJsonValue& box)
-{
-    return box.isNull()
-               ? QStringLiteral("empty")
-               : PointText(box[QStringLiteral("min")]) + QStringLiteral(" to ") + PointText(box[QStringLiteral("max")]);
 }
 
 /// The tree of nodes, two spaces for each level, bones with a mark.
@@ -187,28 +146,6 @@ QString NodesText(const QJsonArray& nodes)
                 + (bone ? QStringLiteral(" *\n") : QStringLiteral("\n"));
     }
     return QStringLiteral("\nNodes (%1, of them %2 bones, marked *)\n").arg(nodes.size()).arg(nBones) + text;
-}
-
-QString MaterialsText(const QJsonArray& materials)
-{
-    QString text = QStringLiteral("\nMaterials (%1)\n").arg(materials.size());
-    for (const QJsonValue& material : materials) {
-        const QString name = material[QStringLiteral("name")].toString();
-        text += QStringLiteral("  %1\n").arg(name.isEmpty() ? QStringLiteral("(unnamed)") : Printable(name));
-        const QJsonObject parameters = material[QStringLiteral("parameters")].toObject();
-        const QStringList keys = parameters.keys();
-        for (const QString& key : keys)
-            text += QStringLiteral("    %1: %2\n").arg(Printable(key), Printable(Cells(parameters, {key}).first()));
-    }
-    return text;
-}
-
-QString WarningsText(const QJsonArray& warnings)
-{
-    QString text = QStringLiteral("\nWarnings (%1)\n").arg(warnings.size());
-    for (const QJsonValue& warning : warnings)
-        text += QStringLiteral("  %1\n").arg(Printable(warning.toString()));
-    return text;
 }
 
 QString FactsText(const QJsonObject& facts)
@@ -230,12 +167,19 @@ QString FactsText(const QJsonObject& facts)
 void Run(const Arguments& arguments)
 {
     const QString source = arguments.OnlyWord(QStringLiteral("MODEL"));
+    const bool json = arguments.Has(QStringLiteral("json"));
     ProgressBar bar;
+    if (IsDocument(source)) {
+        QStringList warnings;
+        const std::unique_ptr<Document> document = OpenDocument(source, bar, warnings);
+        const QJsonObject facts = DocumentFacts(*document->GetScene(), source, warnings);
+        return Print(json ? JsonText(facts) : DocumentText(facts));
+    }
     const Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, 100));
     bar.Clear();
 
     const QJsonObject facts = Facts(model);
-    Print(arguments.Has(QStringLiteral("json")) ? JsonText(facts) : FactsText(facts));
+    Print(json ? JsonText(facts) : FactsText(facts));
 }
 
 } // namespace
@@ -244,13 +188,16 @@ Verb InfoVerb()
 {
     Manual manual;
     manual.verb = QStringLiteral("info");
-    manual.summary = QStringLiteral("tell what a model holds");
+    manual.summary = QStringLiteral("tell what a model or a document holds");
     manual.synopsis = QStringList(QStringLiteral("lumenta info MODEL [--json]"));
     manual.description = QStringList{
         QStringLiteral("Lists meshes, materials with their parameters, animations, nodes, the up axis, the bounding "
                        "box of the rest pose, and warnings: what could not be taken over from the file. A bone is a "
                        "node that some vertex follows. Positions are in the unit of the file."),
+        QStringLiteral("Of a document it lists the camera, the nodes with their kinds, triangles and materials, and "
+                       "the textures: where each was found, or that it is missing."),
         ModelSourceText(),
+        DocumentSourceText(),
     };
     manual.options = {
         {QStringList(QStringLiteral("json")), QString(),

@@ -4,14 +4,12 @@
 #include "reference/host/images/ImageReading.h"
 #include "reference/host/SampleFigure.h"
 #include "reference/tools/Failure.h"
-#include "reference/tools/ImageFile.h"
 #include "reference/tools/Services.h"
 #include "reference/tools/Texts.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSet>
 
 #include <algorithm>
 
@@ -47,12 +45,12 @@ QImage LoadTexture(const Model& model, const QString& texture, QString& problem)
 }
 
 /// "0 'walk', 1 'wave'"
-QString NumberedNames(const std::vector<SkinAnimation::Animation*>& animations)
+QString NumberedNames(const QStringList& names)
 {
-    QStringList names;
-    for (const SkinAnimation::Animation* animation : animations)
-        names += QStringLiteral("%1 %2").arg(QString::number(names.size()), Quoted(animation->name));
-    return names.join(QStringLiteral(", "));
+    QStringList numbered;
+    for (const QString& name : names)
+        numbered += QStringLiteral("%1 %2").arg(QString::number(numbered.size()), Quoted(name));
+    return numbered.join(QStringLiteral(", "));
 }
 
 QString TextureOf(const SkinAnimation::Geometry& geometry)
@@ -79,10 +77,19 @@ QString ModelSourceText()
                           "that is built in. A file of that name is ./:figure.");
 }
 
+void RequireBuiltIn(const QString& source)
+{
+    if (!source.startsWith(QLatin1Char(':'))) return;
+    const QStringList names = TheApplication().BuiltInNames();
+    if (names.contains(source.mid(1))) return;
+    throw Failure{source, QStringLiteral("no such built-in model; there %1 :%2")
+                              .arg(names.size() == 1 ? QStringLiteral("is") : QStringLiteral("are"),
+                                   names.join(QStringLiteral(", :")))};
+}
+
 Model OpenModel(const QString& source, const Progress& progress)
 {
-    if (source.startsWith(QLatin1Char(':')) && source != kFigure)
-        throw Failure{source, QStringLiteral("no such built-in model; there is ") + kFigure};
+    RequireBuiltIn(source);
     try {
         Model model = source == kFigure ? MakeSampleFigure() : TheApplication().ReadModel(source, progress);
         model.fileName = source;
@@ -92,30 +99,30 @@ Model OpenModel(const QString& source, const Progress& progress)
     }
 }
 
-int FindAnimation(const Model& model, const QString& nameOrNumber)
+int FindAnimation(const QStringList& names, const QString& source, const QString& nameOrNumber)
 {
-    const auto& animations = model.scene->animations;
-    if (animations.empty()) throw Failure{model.fileName, QStringLiteral("the model has no animation")};
-
-    const auto found = std::find_if(animations.begin(), animations.end(),
-                                    [&](const SkinAnimation::Animation* each) { return each->name == nameOrNumber; });
-    if (found != animations.end()) return static_cast<int>(found - animations.begin());
+    if (names.isEmpty()) throw Failure{source, QStringLiteral("the model has no animation")};
+    const int named = names.indexOf(nameOrNumber);
+    if (named >= 0) return named;
 
     static const QRegularExpression whole(QStringLiteral("\\A-?[0-9]+\\z"));
     if (whole.match(nameOrNumber).hasMatch()) {
         bool fits = false;
         const int number = nameOrNumber.toInt(&fits);
-        if (fits && number >= 0 && static_cast<std::size_t>(number) < animations.size()) return number;
-        throw Failure{model.fileName, QStringLiteral("no animation has the number %1; there are: %2")
-                                          .arg(nameOrNumber, NumberedNames(animations))};
+        if (fits && number >= 0 && number < names.size()) return number;
+        throw Failure{source, QStringLiteral("no animation has the number %1; there are: %2")
+                                  .arg(nameOrNumber, NumberedNames(names))};
     }
+    throw Failure{source, QStringLiteral("no animation is named %1; there are: %2")
+                              .arg(Quoted(nameOrNumber), QuotedList(names))};
+}
 
+int FindAnimation(const Model& model, const QString& nameOrNumber)
+{
     QStringList names;
-    for (const SkinAnimation::Animation* animation : animations)
+    for (const SkinAnimation::Animation* animation : model.scene->animations)
         names += animation->name;
-    throw Failure{
-        model.fileName,
-        QStringLiteral("no animation is named %1; there are: %2").arg(Quoted(nameOrNumber), QuotedList(names))};
+    return FindAnimation(names, model.fileName, nameOrNumber);
 }
 
 std::optional<int> FindShownAnimation(const Model& model, const Arguments& arguments, bool plays)
@@ -160,17 +167,12 @@ QMap<QString, QImage> LoadTextures(const Model& model, QStringList& missing)
     return textures;
 }
 
-void KeepInputs(const Model& model, const QStringList& outputs)
+QStringList InputFiles(const Model& model)
 {
-    QSet<QString> inputs{QFileInfo(model.fileName).canonicalFilePath()};
-    for (const SkinAnimation::Geometry* geometry : GeometriesOf(*model.scene)) {
-        const QString texture = TextureOf(*geometry);
-        if (!texture.isEmpty()) inputs += QFileInfo(TextureFile(model, texture)).canonicalFilePath();
-    }
-    inputs.remove(QString());
-    for (const QString& output : outputs)
-        if (inputs.contains(TargetPath(output)))
-            throw Failure{output, QStringLiteral("would overwrite what the picture is drawn from")};
+    QStringList files(model.fileName);
+    for (const SkinAnimation::Geometry* geometry : GeometriesOf(*model.scene))
+        files += TextureFile(model, TextureOf(*geometry));
+    return files;
 }
 
 std::vector<const SkinAnimation::Geometry*> GeometriesOf(const SkinAnimation::Scene& scene)

@@ -3,10 +3,12 @@
 #include "lumenta/scene/Picking.h"
 #include "reference/host/Directions.h"
 #include "reference/host/document/Placement.h"
+#include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ImageFile.h"
 #include "reference/tools/Json.h"
 #include "reference/tools/ModelSource.h"
+#include "reference/tools/OutputFile.h"
 #include "reference/tools/PickMap.h"
 #include "reference/tools/PickOverlay.h"
 #include "reference/tools/PictureMaker.h"
@@ -66,12 +68,13 @@ void CheckFiles(const Arguments& arguments, const Request& request)
         arguments.Reject(QStringLiteral("--overlay and --map name the same file"));
 }
 
-Request ReadRequest(const Arguments& arguments)
+/// \param pDocument is looked at; null for a model
+Request ReadRequest(const Arguments& arguments, const IScene* pDocument)
 {
     Request request;
     const QStringList words = arguments.Words(QStringLiteral("MODEL"));
     request.source = words.first();
-    request.view = ReadRenderOptions(arguments, QStringLiteral("pick"));
+    request.view = ReadRenderOptions(arguments, QStringLiteral("pick"), pDocument);
     for (const QString& word : words.mid(1))
         request.pixels.push_back(ReadPixel(arguments, word, request.view.take.size));
     const auto file = [&arguments](const QString& option) {
@@ -92,8 +95,9 @@ struct Hit {
     std::optional<TVec3<float>> world; ///< On the node, or else on the ground.
 };
 
-Hit HitAt(Scene& scene, QPoint pixel, QSize size, bool ground)
+Hit HitAt(Scene& scene, QPoint pixel, QSize size)
 {
+    const bool ground = scene.IsGroundPlaneEnabled();
     Hit hit{pixel, {}, {}};
     const TVec2<float> viewSize{static_cast<float>(size.width()), static_cast<float>(size.height())};
     FindNodeByScreenPoint(pixel, viewSize, scene, hit.picked.node, hit.picked.mesh);
@@ -123,7 +127,8 @@ QJsonObject FactsOf(const Hit& hit, Stage& stage)
     const TVec3<float> eye = stage.GetScene().GetCamera()->GetMatrix().GetTranslation();
     facts[QStringLiteral("world")] = Coordinates(*hit.world);
     facts[QStringLiteral("distance")] = LengthOf(Widened(*hit.world) - Widened(eye));
-    if (const auto toModel = LocalFor(Matrix(), stage.GetPlacement())) {
+    const INode* const model = stage.GetModel();
+    if (const auto toModel = model ? LocalFor(Matrix(), model->GetMatrix()) : std::nullopt) {
         TVec3<float> inModel = *hit.world;
         TransformPoint(inModel, *toModel);
         facts[QStringLiteral("model")] = Coordinates(inModel);
@@ -134,7 +139,6 @@ QJsonObject FactsOf(const Hit& hit, Stage& stage)
 QJsonObject FactsOf(const Request& request, const std::vector<Hit>& hits, Stage& stage)
 {
     const Take& take = request.view.take;
-    const Matrix& placement = stage.GetPlacement();
     QJsonArray pixels;
     for (const Hit& hit : hits)
         pixels += FactsOf(hit, stage);
@@ -143,9 +147,14 @@ QJsonObject FactsOf(const Request& request, const std::vector<Hit>& hits, Stage&
         {QStringLiteral("animation"), QJsonValue::Null},
         {QStringLiteral("time"), QJsonValue::Null},
         {QStringLiteral("size"), QJsonArray{take.size.width(), take.size.height()}},
-        {QStringLiteral("scale"), LengthOf(Widened(TVec3<float>{placement(0, 0), placement(0, 1), placement(0, 2)}))},
+        {QStringLiteral("scale"), QJsonValue::Null},
         {QStringLiteral("pixels"), pixels},
     };
+    if (stage.GetModel()) {
+        const Matrix& placement = stage.GetModel()->GetMatrix();
+        const TVec3<float> unit{placement(0, 0), placement(0, 1), placement(0, 2)};
+        facts[QStringLiteral("scale")] = LengthOf(Widened(unit));
+    }
     if (take.animation) {
         facts[QStringLiteral("animation")] = *take.animation;
         facts[QStringLiteral("time")] = static_cast<double>(take.time.value_or(0.0f));
@@ -211,19 +220,13 @@ void WritePictures(const Request& request, const std::vector<Hit>& hits, const Q
     }
 }
 
-void Run(const Arguments& arguments)
+void Answer(const Request& request, Stage&& stage, ProgressBar& bar)
 {
-    Request request = ReadRequest(arguments);
-    ProgressBar bar;
-    Model model = OpenModel(request.source, bar.Part(QStringLiteral("reading"), 0, kLoaded));
-    request.view.take.animation = FindShownAnimation(model, arguments, request.view.plays);
-    KeepInputs(model, {request.view.fileName, request.mapFile});
-    Stage stage(std::move(model), request.view, bar);
     stage.GetSequence().Show(stage.GetSequence().GetFrames().front());
 
     std::vector<Hit> hits;
     for (const QPoint pixel : request.pixels)
-        hits.push_back(HitAt(stage.GetScene(), pixel, request.view.take.size, request.view.ground));
+        hits.push_back(HitAt(stage.GetScene(), pixel, request.view.take.size));
     const QJsonObject facts = FactsOf(request, hits, stage);
     const QString file = request.mapFile.isEmpty() ? request.view.fileName : request.mapFile;
     try {
@@ -240,6 +243,28 @@ void Run(const Arguments& arguments)
         Print(JsonText(facts));
     else if (!hits.empty())
         Print(TableText(facts));
+}
+
+void PickInDocument(const Arguments& arguments, const QString& source)
+{
+    RefuseModelOptions(arguments, source);
+    ProgressBar bar;
+    std::unique_ptr<Document> document = OpenDocument(source, bar);
+    const Request request = ReadRequest(arguments, document->GetScene());
+    KeepInputs(InputFiles(*document->GetScene(), source), {request.view.fileName, request.mapFile}, kDrawnFrom);
+    Answer(request, Stage(std::move(document), source, request.view, bar), bar);
+}
+
+void Run(const Arguments& arguments)
+{
+    const QString source = arguments.Words(QStringLiteral("MODEL")).first();
+    if (IsDocument(source)) return PickInDocument(arguments, source);
+    Request request = ReadRequest(arguments, nullptr);
+    ProgressBar bar;
+    Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, kLoaded));
+    request.view.take.animation = FindShownAnimation(model, arguments, request.view.plays);
+    KeepInputs(InputFiles(model), {request.view.fileName, request.mapFile}, kDrawnFrom);
+    Answer(request, Stage(std::move(model), request.view, bar), bar);
 }
 
 std::vector<Option> PickOptions()
@@ -289,6 +314,7 @@ Verb PickVerb()
                        "triangles are thin and sharp."),
         QStringLiteral("Without --animation and --time the model is at rest; --time alone means the first animation."),
         ModelSourceText(),
+        DocumentSourceText(),
         QStringLiteral(
             "Points are told twice. In the world, z points up, z = 0 is the floor under the lowest point "
             "of the model at that moment, and the front of the model looks along -y. The model keeps its "

@@ -3,8 +3,11 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "reference/host/ContactSheet.h"
 #include "reference/tools/Failure.h"
+#include "reference/tools/FrameClock.h"
 #include "reference/tools/ImageFile.h"
+#include "reference/tools/DocumentSource.h"
 #include "reference/tools/ModelSource.h"
+#include "reference/tools/OutputFile.h"
 #include "reference/tools/PictureMaker.h"
 #include "reference/tools/Stage.h"
 #include "reference/tools/Texts.h"
@@ -43,11 +46,41 @@ void Draw(Stage& stage, PictureMaker& maker, ProgressBar& bar, const Store& stor
 {
     const std::vector<Frame>& frames = stage.GetSequence().GetFrames();
     const double share = (100.0 - kPlanned) / static_cast<double>(frames.size());
+    FrameClock clock(static_cast<int>(frames.size()));
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const double first = kPlanned + share * static_cast<double>(i);
-        const QString label = QStringLiteral("frame %1 of %2").arg(i + 1).arg(frames.size());
+        const auto label = [&clock](int nPercent) { return clock.Text(nPercent); };
+        clock.NextFrame();
         stage.GetSequence().Show(frames[i]);
         store(static_cast<int>(i), maker.Draw(stage.GetScene(), bar.Part(label, first, first + share)));
+    }
+}
+
+/// Draws and writes what the options ask for.
+void WritePictures(Stage& stage, const QString& source, const RenderOptions& options, ProgressBar& bar)
+{
+    PictureMaker maker(options, source, bar);
+    if (IsSeries(options.fileName) || options.take.nFrames == 1) {
+        Draw(stage, maker, bar, [&](int number, const QImage& picture) {
+            WriteImageFile(NumberedFileName(options.fileName, number), picture);
+        });
+        return;
+    }
+    PrepareToolkit();
+    std::vector<SheetPicture> pictures;
+    Draw(stage, maker, bar, [&](int number, const QImage& picture) {
+        const Frame& frame = stage.GetSequence().GetFrames()[static_cast<std::size_t>(number)];
+        pictures.push_back({picture, Caption(frame, options.take)});
+    });
+    WriteImageFile(options.fileName, MakeContactSheet(pictures, TitleOf(source, stage.GetScene(), options.take)));
+}
+
+void MakePictures(Stage&& stage, const QString& source, const RenderOptions& options, ProgressBar& bar)
+{
+    try {
+        WritePictures(stage, source, options, bar);
+    } catch (const Exception& exception) {
+        throw FailureOf(exception, options.fileName);
     }
 }
 
@@ -56,27 +89,15 @@ void Draw(Stage& stage, PictureMaker& maker, ProgressBar& bar, const Store& stor
 void MakePictures(Model&& model, const RenderOptions& options, ProgressBar& bar)
 {
     const QString source = model.fileName;
-    const Take& take = options.take;
-    KeepInputs(model, OutputFiles(options));
-    Stage stage(std::move(model), options, bar);
-    try {
-        PictureMaker maker(options, source, bar);
-        if (IsSeries(options.fileName) || take.nFrames == 1) {
-            Draw(stage, maker, bar, [&](int number, const QImage& picture) {
-                WriteImageFile(NumberedFileName(options.fileName, number), picture);
-            });
-            return;
-        }
-        PrepareToolkit();
-        std::vector<SheetPicture> pictures;
-        Draw(stage, maker, bar, [&](int number, const QImage& picture) {
-            const Frame& frame = stage.GetSequence().GetFrames()[static_cast<std::size_t>(number)];
-            pictures.push_back({picture, Caption(frame, take)});
-        });
-        WriteImageFile(options.fileName, MakeContactSheet(pictures, TitleOf(source, stage.GetScene(), take)));
-    } catch (const Exception& exception) {
-        throw FailureOf(exception, options.fileName);
-    }
+    KeepInputs(InputFiles(model), OutputFiles(options), kDrawnFrom);
+    MakePictures(Stage(std::move(model), options, bar), source, options, bar);
+}
+
+void MakePictures(std::unique_ptr<Document> document, const QString& source, const RenderOptions& options,
+                  ProgressBar& bar)
+{
+    KeepInputs(InputFiles(*document->GetScene(), source), OutputFiles(options), kDrawnFrom);
+    MakePictures(Stage(std::move(document), source, options, bar), source, options, bar);
 }
 
 } // namespace Host

@@ -43,10 +43,15 @@ ProgressBar::~ProgressBar()
 
 Progress ProgressBar::Part(const QString& label, double first, double last)
 {
+    return Part([label](int) { return label; }, first, last);
+}
+
+Progress ProgressBar::Part(const std::function<QString(int nPercent)>& label, double first, double last)
+{
     if (!m_onTerminal)
         return {};
     return [this, label, first, last](int nPercent) {
-        Show(label, static_cast<int>(first + (last - first) * qBound(0, nPercent, 100) / 100.0));
+        Show(label(nPercent), static_cast<int>(first + (last - first) * qBound(0, nPercent, 100) / 100.0));
     };
 }
 

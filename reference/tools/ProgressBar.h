@@ -22,6 +22,9 @@ public:
     /// at `last` percent. Valid as long as the bar.
     Progress Part(const QString& label, double first, double last);
 
+    /// The same with a label that changes: that of each percentage.
+    Progress Part(const std::function<QString(int nPercent)>& label, double first, double last);
+
     /// Wipes the bar, so that a line can be written in its place.
     void Clear();
 

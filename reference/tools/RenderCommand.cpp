@@ -1,3 +1,4 @@
+#include "reference/tools/DocumentSource.h"
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Pictures.h"
 #include "reference/tools/Stage.h"
@@ -7,9 +8,20 @@ namespace Host {
 
 namespace {
 
+void RenderDocument(const Arguments& arguments, const QString& source)
+{
+    RefuseModelOptions(arguments, source);
+    arguments.RequiredText(QStringLiteral("o"));
+    ProgressBar bar;
+    std::unique_ptr<Document> document = OpenDocument(source, bar);
+    const RenderOptions options = ReadRenderOptions(arguments, QStringLiteral("render"), document->GetScene());
+    MakePictures(std::move(document), source, options, bar);
+}
+
 void Run(const Arguments& arguments)
 {
     const QString source = arguments.OnlyWord(QStringLiteral("MODEL"));
+    if (IsDocument(source)) return RenderDocument(arguments, source);
     RenderOptions options = ReadRenderOptions(arguments, QStringLiteral("render"));
     arguments.RequiredText(QStringLiteral("o"));
 
@@ -32,6 +44,10 @@ Verb RenderVerb()
                        "moments. Ground, camera distance and field of view are the same in all pictures of one run, "
                        "and large enough for every pose, so nothing jumps and nothing is cut off."),
         ModelSourceText(),
+        DocumentSourceText(),
+        QStringLiteral("A document is drawn as its own camera sees it, in its own size, unless --azimuth, --elevation "
+                       "or --turntable ask for a view of all of it. --animation, --time, --up and --hide-... are for "
+                       "models."),
         QStringLiteral("Without --animation, --time and --frames the rest pose is drawn; --time, or --frames without "
                        "--turntable, means the first animation where none is named."),
         QStringLiteral("Textures are looked for as the model names them, from its own folder, then by their bare file "

@@ -1,5 +1,8 @@
 #include "reference/tools/RenderOptions.h"
 
+#include "lumenta/interfaces/IFreeCamera.h"
+#include "lumenta/interfaces/IScene.h"
+#include "lumenta/render/RenderSizing.h"
 #include "reference/host/ContactSheet.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ImageFile.h"
@@ -13,7 +16,7 @@ namespace Host {
 
 namespace {
 
-constexpr int kMostPixels = 16384; ///< Along one side.
+constexpr int kMostPixels = 8192; ///< Along one side, as AdjustResolution() holds it.
 constexpr int kMostFrames = 10000;
 constexpr int kTurntableFrames = 12;
 constexpr int kMostSheetSide = 32767;                ///< The toolkit paints nothing beyond.
@@ -27,16 +30,32 @@ const QRegularExpression& NumberPlace()
     return place;
 }
 
-QSize ReadSize(const Arguments& arguments)
+/// What is given of the size; 0 for a side that is not.
+QSize ReadSides(const Arguments& arguments)
 {
     const QString option = QStringLiteral("size");
-    if (!arguments.Has(option)) return {512, 512};
-    static const QRegularExpression pattern(QStringLiteral("\\A([0-9]{1,6})x([0-9]{1,6})\\z"));
+    static const QRegularExpression pattern(QStringLiteral("\\A(?=.*[0-9])([0-9]{0,6})(?:x([0-9]{0,6}))?\\z"));
     const QRegularExpressionMatch match = pattern.match(arguments.Text(option));
-    const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
-    if (!match.hasMatch() || size.isEmpty() || size.width() > kMostPixels || size.height() > kMostPixels)
-        arguments.RejectValue(option, QStringLiteral("a size from 1x1 to %1x%1").arg(kMostPixels));
-    return size;
+    bool fits = match.hasMatch();
+    const auto side = [&match, &fits](int group) {
+        const QString digits = match.captured(group);
+        const int nPixels = digits.toInt();
+        fits = fits && (digits.isEmpty() || (nPixels >= 1 && nPixels <= kMostPixels));
+        return nPixels;
+    };
+    const int width = side(1);
+    const int height = side(2);
+    if (!fits) arguments.RejectValue(option, QStringLiteral("a size from 1x1 to %1x%1").arg(kMostPixels));
+    return {width, height};
+}
+
+QSize ReadSize(const Arguments& arguments, const IScene* pDocument)
+{
+    const QSize usual = pDocument ? pDocument->GetRenderSize() : QSize(512, 512);
+    const float aspect = pDocument ? pDocument->GetCamera()->GetFrameAspect() : 1.0f;
+    const QSize requested = arguments.Has(QStringLiteral("size")) ? ReadSides(arguments) : usual;
+    // A side that is filled in can come out as nothing.
+    return AdjustResolution(requested, aspect, arguments.Has(QStringLiteral("keep-aspect"))).expandedTo({1, 1});
 }
 
 TVec3<float> AxisOf(const QString& letter)
@@ -45,10 +64,10 @@ TVec3<float> AxisOf(const QString& letter)
             letter == QLatin1String("z") ? 1.0f : 0.0f};
 }
 
-Take ReadTake(const Arguments& arguments)
+Take ReadTake(const Arguments& arguments, const IScene* pDocument)
 {
     Take take;
-    take.size = ReadSize(arguments);
+    take.size = ReadSize(arguments, pDocument);
     take.turntable = arguments.Has(QStringLiteral("turntable"));
     take.nFrames =
         arguments.Integer(QStringLiteral("frames"), 1, kMostFrames).value_or(take.turntable ? kTurntableFrames : 1);
@@ -56,8 +75,16 @@ Take ReadTake(const Arguments& arguments)
         take.time = static_cast<float>(*time);
     if (take.time && take.nFrames > 1 && !take.turntable)
         arguments.Reject(QStringLiteral("--time and --frames exclude each other without --turntable"));
-    take.azimuth = static_cast<float>(arguments.Number(QStringLiteral("azimuth"), -360.0, 360.0).value_or(30.0));
-    take.elevation = static_cast<float>(arguments.Number(QStringLiteral("elevation"), -89.0, 89.0).value_or(15.0));
+    const auto azimuth = arguments.Number(QStringLiteral("azimuth"), -360.0, 360.0);
+    const auto elevation = arguments.Number(QStringLiteral("elevation"), -89.0, 89.0);
+    take.azimuth = azimuth ? static_cast<float>(*azimuth) : 30.0f;
+    take.elevation = elevation ? static_cast<float>(*elevation) : 15.0f;
+    if (!pDocument) return take;
+    if (take.nFrames > 1 && !take.turntable)
+        arguments.Reject(QStringLiteral("--frames needs --turntable, since nothing moves in a document"));
+    take.ownCamera = !azimuth && !elevation && !take.turntable;
+    if (!azimuth) take.azimuth = pDocument->GetCamera()->GetHeading() - 90.0f; // where FrameBox() has it
+    if (!elevation) take.elevation = pDocument->GetCamera()->GetPitch();
     return take;
 }
 
@@ -109,7 +136,11 @@ std::vector<Option> RenderOptionTable()
                "Let the camera go round the model once in the course of the frames, of which there "
                "are 12 without --frames. With --time the model keeps that pose; without it the "
                "animation plays meanwhile; without an animation it is the rest pose."),
-        option("size", "WxH", "Width and height of each picture in pixels, at most 16384. The usual size is 512x512."),
+        option("size", "WxH",
+               "Width and height of each picture in pixels, at most 8192. Of W or xH alone the other "
+               "side follows from the shape of the document's frame; that of a model is square. The usual size is "
+               "the document's own, and 512x512 for a model."),
+        option("keep-aspect", "", "Let the height follow the width, whatever height is given."),
         option("renderer", "NAME",
                "embree traces rays: sun, sky and soft shadows. painter is quick and plain. The "
                "usual one is embree."),
@@ -121,7 +152,8 @@ std::vector<Option> RenderOptionTable()
                "is the same, bit by bit, with any number."),
         option("azimuth", "D",
                "From where the camera looks, in degrees about the up axis, -360 to 360: 0 is the "
-               "front, 90 the model's left side. Usually 30."),
+               "front, 90 the model's left side. Usually 30. Of a document all is then seen, and not what "
+               "its own camera sees; so it is with the next, and with --turntable."),
         option("elevation", "D", "How high it stands, in degrees above the horizon, -89 to 89. Usually 15."),
         option("up", "x|y|z", "The axis that points up, where the model's file says it wrongly or not at all."),
         option("no-ground", "", "Leave out the floor."),
@@ -155,10 +187,10 @@ Option AnimationOption()
                            "number; of equal names the first.")};
 }
 
-RenderOptions ReadRenderOptions(const Arguments& arguments, const QString& verb)
+RenderOptions ReadRenderOptions(const Arguments& arguments, const QString& verb, const IScene* pDocument)
 {
     RenderOptions options;
-    options.take = ReadTake(arguments);
+    options.take = ReadTake(arguments, pDocument);
     options.plays =
         arguments.Has(QStringLiteral("time")) || (arguments.Has(QStringLiteral("frames")) && !options.take.turntable);
     options.up = ReadUp(arguments);

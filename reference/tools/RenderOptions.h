@@ -3,6 +3,8 @@
 #include "reference/tools/CommandLine.h"
 #include "reference/tools/FrameSequence.h"
 
+class IScene;
+
 namespace Host {
 
 /// The largest time that can be asked for, in milliseconds: more than eleven days.
@@ -35,8 +37,9 @@ std::vector<Option> ViewOptionTable();
 Option AnimationOption();
 
 /// Checks everything that can be known without the model.
+/// \param pDocument is drawn, and says what no option does; null for a model
 /// \throws UsageError, Failure
-RenderOptions ReadRenderOptions(const Arguments& arguments, const QString& verb);
+RenderOptions ReadRenderOptions(const Arguments& arguments, const QString& verb, const IScene* pDocument = nullptr);
 
 /// Whether the file name has a place for a number, as in frame%04d.png.
 bool IsSeries(const QString& fileName);

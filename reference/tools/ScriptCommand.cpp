@@ -3,7 +3,7 @@
 #include "lumenta/platform/IScriptRunnerOutput.h"
 #include "lumenta/script/OutputHandlerHolder.h"
 #include "lumenta/serializers/SceneSerializers.h"
-#include "reference/host/services/Document.h"
+#include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Services.h"
@@ -67,16 +67,6 @@ QString ReadProgram(const QString& fileName)
     return QString::fromUtf8(input.readAll());
 }
 
-void OpenDocument(Document& document, const QString& source)
-{
-    try {
-        for (const QString& warning : document.Open(source))
-            PrintWarning(source, warning);
-    } catch (const Exception& exception) {
-        throw FailureOf(exception, source);
-    }
-}
-
 /// Before long work.
 void CheckSaver(const QString& fileName)
 {
@@ -107,9 +97,9 @@ void Run(const Arguments& arguments)
     const QString program = ReadProgram(words[0]);
 
     PrepareToolkit();
-    Document document(TheApplication());
-    OpenDocument(document, words[1]);
-    ScriptRunner& runner = *document.GetScriptRunner();
+    ProgressBar bar;
+    const std::unique_ptr<Document> document = OpenDocument(words[1], bar);
+    ScriptRunner& runner = *document->GetScriptRunner();
     runner.SetArguments(words.mid(2));
     Console console(runner);
     {
@@ -117,7 +107,7 @@ void Run(const Arguments& arguments)
         runner.Run(program, words[0]);
     }
     console.Check();
-    if (save) SaveDocument(document, saved);
+    if (save) SaveDocument(*document, saved);
 }
 
 } // namespace
@@ -136,7 +126,8 @@ Verb ScriptVerb()
         QStringLiteral("An error of the script that it does not catch ends it; the line on standard error begins with "
                        "the file and the line of the script. The document is saved only where --save asks for it, or "
                        "the script."),
-        ModelSourceText() + QStringLiteral(" MODEL may also be a scene file."),
+        ModelSourceText(),
+        DocumentSourceText(),
     };
     manual.options = {{{QStringLiteral("save")},
                        QStringLiteral("OUT"),

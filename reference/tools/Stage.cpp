@@ -5,12 +5,15 @@
 #include "lumenta/interfaces/INode.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
+#include "reference/tools/Services.h"
 #include "reference/tools/Texts.h"
 
 namespace Host {
 
 Stage::Stage(Model&& model, const RenderOptions& options, ProgressBar& bar)
+    : m_document(std::make_unique<Document>(TheApplication()))
 {
+    Scene& scene = GetScene();
     const QString source = model.fileName;
     Hide(model, options.hiddenMeshes, options.hiddenMaterials);
     QStringList problems = model.warnings;
@@ -18,18 +21,29 @@ Stage::Stage(Model&& model, const RenderOptions& options, ProgressBar& bar)
     if (!options.fileName.isEmpty()) textures = LoadTextures(model, problems);
     model.up = options.up.value_or(model.up);
     try {
-        m_model = m_scene.AddModel(std::move(model), m_scene.GetRoot(), textures);
+        m_model = scene.AddModel(std::move(model), scene.GetRoot(), textures);
         // Files seldom say it, and picking meets either side.
-        for (IMaterial* const material : m_scene.GetMaterials())
+        for (IMaterial* const material : scene.GetMaterials())
             material->SetTwoSided(true);
-        m_scene.SetGroundPlaneEnabled(options.ground);
-        m_sequence.emplace(m_scene, *m_model, options.take, bar.Part(QStringLiteral("posing"), kLoaded, kPlanned));
+        scene.SetGroundPlaneEnabled(options.ground);
+        m_sequence.emplace(scene, m_model, options.take, bar.Part(QStringLiteral("posing"), kLoaded, kPlanned));
     } catch (const Exception& exception) {
         throw FailureOf(exception, source);
     }
     if (!problems.isEmpty()) bar.Clear();
     for (const QString& problem : problems)
         PrintWarning(source, problem);
+}
+
+Stage::Stage(std::unique_ptr<Document> document, const QString& source, const RenderOptions& options, ProgressBar& bar)
+    : m_document(std::move(document))
+{
+    if (!options.ground) GetScene().SetGroundPlaneEnabled(false);
+    try {
+        m_sequence.emplace(GetScene(), nullptr, options.take, bar.Part(QStringLiteral("looking"), kLoaded, kPlanned));
+    } catch (const Exception& exception) {
+        throw FailureOf(exception, source);
+    }
 }
 
 } // namespace Host

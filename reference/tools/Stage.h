@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reference/host/document/Scene.h"
 #include "reference/host/Model.h"
+#include "reference/host/services/Document.h"
 #include "reference/tools/FrameSequence.h"
 #include "reference/tools/ProgressBar.h"
 #include "reference/tools/RenderOptions.h"
@@ -13,8 +13,8 @@ namespace Host {
 constexpr double kLoaded = 5.0;
 constexpr double kPlanned = 10.0;
 
-/// A document that holds one model, standing on the ground, and the frames in
-/// which it is to be seen.
+/// A document, that of a model standing alone on the ground or any other, and
+/// the frames in which it is to be seen.
 class Stage {
 public:
     /// Hides what the options hide and plans the frames. Textures are loaded
@@ -22,15 +22,20 @@ public:
     /// \throws Failure the subject is the model's file
     Stage(Model&& model, const RenderOptions& options, ProgressBar& bar);
 
-    Scene& GetScene() { return m_scene; }
+    /// Leaves the document as it is, but for a floor that the options leave out.
+    /// \param source it was opened from
+    /// \throws Failure the subject is the source
+    Stage(std::unique_ptr<Document> document, const QString& source, const RenderOptions& options, ProgressBar& bar);
+
+    Scene& GetScene() { return *m_document->GetScene(); }
 
     FrameSequence& GetSequence() { return *m_sequence; }
 
-    /// From the model's own coordinates to the world.
-    const Matrix& GetPlacement() const { return m_model->GetMatrix(); }
+    /// Places the model's own coordinates in the world; null for another document.
+    const INode* GetModel() const { return m_model; }
 
 private:
-    Scene m_scene;
+    std::unique_ptr<Document> m_document;
     INode* m_model = nullptr;
     std::optional<FrameSequence> m_sequence;
 };

@@ -17,6 +17,8 @@ Verb InfoVerb();
 Verb RenderVerb();
 Verb PickVerb();
 Verb ClipVerb();
+Verb ConvertVerb();
+Verb MaterialVerb();
 Verb ScriptVerb();
 
 } // namespace Host

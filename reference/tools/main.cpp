@@ -22,7 +22,7 @@ using namespace Host;
 
 std::vector<Verb> Verbs()
 {
-    return {InfoVerb(), RenderVerb(), PickVerb(), ClipVerb(), ScriptVerb()};
+    return {InfoVerb(), RenderVerb(), PickVerb(), ClipVerb(), ConvertVerb(), MaterialVerb(), ScriptVerb()};
 }
 
 Manual CommandManual()

@@ -52,6 +52,13 @@ QString TextOf(Kind kind, const std::array<float, 4>& numbers)
     return parts.join(QLatin1Char(' '));
 }
 
+QString RangeText(float least, float most)
+{
+    if (least == -kUnlimited) return QStringLiteral("a number");
+    if (most == kUnlimited) return QStringLiteral("a number not below %1").arg(static_cast<double>(least));
+    return QStringLiteral("a number from %1 to %2").arg(static_cast<double>(least)).arg(static_cast<double>(most));
+}
+
 /// Nothing where the value makes no sense.
 std::optional<std::array<float, 4>> Read(Kind kind, const QVariant& value)
 {
@@ -205,6 +212,38 @@ bool SceneMaterial::SetIn(State& state, const QString& strName, const QVariant& 
     else
         state.others.remove(strName);
     return true;
+}
+
+QString SceneMaterial::DescribeParameter(const QString& strName)
+{
+    if (IsFileParameter(strName)) return QStringLiteral("the name of an image file");
+    const auto found = std::find_if(Table().begin(), Table().end(),
+                                    [&](const Parameter& parameter) { return parameter.strName == strName; });
+    if (found == Table().end()) return {};
+    switch (found->kind) {
+    case eColor:
+        return QStringLiteral("a colour, #rrggbb or four numbers 'r g b a'");
+    case eAmount:
+        return RangeText(found->least, found->most);
+    case eSwitch:
+        return QStringLiteral("true or false");
+    case eRectangle:
+        return QStringLiteral("a rectangle of four numbers 'x y width height'");
+    case eChoice:
+        break;
+    }
+    return QStringLiteral("a whole number from %1 to %2").arg(int(TT_Identity)).arg(int(TT_MirrorV));
+}
+
+QString SceneMaterial::FileParameter(eMaterialSlot slot)
+{
+    return QLatin1String(kFiles[slot]);
+}
+
+bool SceneMaterial::IsFileParameter(const QString& strName)
+{
+    return std::any_of(std::begin(kFiles), std::end(kFiles),
+                       [&](const char* name) { return strName == QLatin1String(name); });
 }
 
 // ------------------------------------------------------------------ changes

@@ -26,6 +26,14 @@ public:
     explicit SceneMaterial(const QString& strName, Scene* pScene = nullptr);
     ~SceneMaterial() override;
 
+    /// What SetParameter() takes, in words for a person, as in "a number from 0
+    /// to 1"; numbers beyond are held within. Empty for a name that is not ours.
+    static QString DescribeParameter(const QString& strName);
+
+    /// What the file of a slot is called among the parameters.
+    static QString FileParameter(eMaterialSlot slot);
+    static bool IsFileParameter(const QString& strName);
+
     QString GetName() const override { return m_strName; }
     void SetName(const QString& strName) override;
     IScene* GetScene() const override;

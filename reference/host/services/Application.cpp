@@ -4,6 +4,8 @@
 #include "reference/host/ModelReader.h"
 #include "reference/host/SampleFigure.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace Host {
@@ -142,6 +144,15 @@ QStringList Application::BuiltInNames() const
     for (const PluginService& service : Plugins().ServicesOf<IGenerator>())
         names += service.id;
     return names;
+}
+
+bool Application::IsSceneFile(const QString& strFileName) const
+{
+    const QString suffix = QFileInfo(strFileName).suffix();
+    const std::vector<PluginService> loaders = Plugins().ServicesOf<ISceneLoader>();
+    return std::any_of(loaders.begin(), loaders.end(), [&suffix](const PluginService& loader) {
+        return suffix.compare(loader.extension, Qt::CaseInsensitive) == 0;
+    });
 }
 
 std::unique_ptr<IGenerator> Application::CreateGenerator(const QString& strSource) const

@@ -65,6 +65,9 @@ public:
     /// generators make.
     QStringList BuiltInNames() const;
 
+    /// Whether a plug-in opens files of this name as scenes. Models are none.
+    bool IsSceneFile(const QString& strFileName) const;
+
     /// For sources like ":bottle"; null for any other.
     std::unique_ptr<IGenerator> CreateGenerator(const QString& strSource) const;
 
