@@ -175,7 +175,8 @@ private:
     void WriteNumbers(QCborTag tag, const void* pNumbers, std::size_t nBytes)
     {
         QByteArray bytes(static_cast<int>(nBytes), Qt::Uninitialized);
-        qToLittleEndian<quint32>(pNumbers, static_cast<qsizetype>(nBytes / 4), bytes.data());
+        if (nBytes > 0) // else there may be no address either
+            qToLittleEndian<quint32>(pNumbers, static_cast<qsizetype>(nBytes / 4), bytes.data());
         m_writer.append(tag);
         m_writer.append(bytes);
     }
