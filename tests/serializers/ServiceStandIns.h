@@ -59,7 +59,7 @@ struct ImageManager final : IImageManager {
     // clang-format off
     IImage* DecodeImage(const QByteArray&, const QString&) override { No(); }
     IImage* CreateImage(const QSize&) override { No(); } IImage* FindImage(const QString&) const override { No(); }
-    void ReleaseImage(IImage*) override { No(); } bool ReloadImage(IImage*) override { No(); }
+    void ReleaseImage(IImage*) override {} bool ReloadImage(IImage*) override { No(); }
     // clang-format on
 };
 
