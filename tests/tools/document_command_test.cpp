@@ -195,7 +195,7 @@ private:
         const Outcome outcome = Run(words);
         const bool succeeds = outcome.errors.isEmpty() || outcome.errors.contains(": warning: ");
         const int wanted = succeeds ? 0 : outcome.errors.contains("; see 'lumenta help ") ? 2 : 1;
-        return outcome.exitCode == wanted ? outcome.errors.chopped(1).mid(9) : QString::number(outcome.exitCode);
+        return outcome.exitCode == wanted ? outcome.errors.mid(9).trimmed() : QString::number(outcome.exitCode);
     }
 
     QJsonValue Facts(const QString& words) const
