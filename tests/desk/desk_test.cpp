@@ -255,7 +255,7 @@ int main(int argc, char* argv[])
     const QTemporaryDir temporary;
     const bool isReceiver = argc > 1 && qstrcmp(argv[1], "receiver") == 0;
     if (!isReceiver) {
-        screen.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1200x900x24"});
+        screen.start("Xvfb", {"-terminate", "-displayfd", "1", "-screen", "0", "1200x900x24"});
         if (!screen.waitForReadyRead() || QStandardPaths::findExecutable("xdotool").isEmpty())
             qFatal("a screen and a hand are needed: apt-get install xvfb xdotool");
         qputenv("DISPLAY", ':' + screen.readLine().trimmed()), qputenv("QT_QPA_PLATFORM", "xcb"), qputenv("QT_XCB_GL_INTEGRATION", "none");
