@@ -18,8 +18,8 @@
 
 using namespace Host;
 
-// Assimp leaves memory behind when it is stopped.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() { return "leak:libassimp"; }
+// Assimp and D-Bus leave memory behind when they are stopped.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() { return "leak:libassimp\nleak:libdbus"; }
 
 namespace {
 
@@ -255,10 +255,10 @@ int main(int argc, char* argv[])
     const QTemporaryDir temporary;
     const bool isReceiver = argc > 1 && qstrcmp(argv[1], "receiver") == 0;
     if (!isReceiver) {
-        screen.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1200x900x24"});
+        screen.start("Xvfb", {"-terminate", "-displayfd", "1", "-screen", "0", "1200x900x24"});
         if (!screen.waitForReadyRead() || QStandardPaths::findExecutable("xdotool").isEmpty())
             qFatal("a screen and a hand are needed: apt-get install xvfb xdotool");
-        qputenv("DISPLAY", ':' + screen.readLine().trimmed()), qputenv("QT_QPA_PLATFORM", "xcb");
+        qputenv("DISPLAY", ':' + screen.readLine().trimmed()), qputenv("QT_QPA_PLATFORM", "xcb"), qputenv("QT_XCB_GL_INTEGRATION", "none");
         for (const char* own : {"TMPDIR", "XDG_CONFIG_HOME"}) qputenv(own, QFile::encodeName(temporary.path()));
     }
     const QApplication application(argc, argv); // ends before its screen
