@@ -32,15 +32,16 @@ public:
     }
 };
 
-void Register(const Row& row)
+/// \return how many elements the row has
+double Register(const Row& row)
 {
-    std::vector<Way> ways;
+    Contest contest;
     try {
-        ways = row.prepare();
+        contest = row.prepare();
     } catch (const std::runtime_error& error) {
         throw std::runtime_error(row.name + ": " + error.what());
     }
-    for (const Way& way : ways) {
+    for (const Way& way : contest.ways) {
         benchmark::RegisterBenchmark((row.name + '/' + way.name).c_str(), [run = way.run](benchmark::State& state) {
             for (auto _ : state) {
                 run();
@@ -48,27 +49,28 @@ void Register(const Row& row)
             }
         });
     }
+    return static_cast<double>(contest.count);
 }
 
 } // namespace
 
 Figures Measure(const std::vector<const Row*>& rows)
 {
+    std::map<std::string, double> counts;
     for (const Row* row : rows)
-        Register(*row);
+        counts[row->name] = Register(*row);
     Collector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
     benchmark::ClearRegisteredBenchmarks();
 
     Figures figures;
     for (const Row* row : rows) {
-        const double count = static_cast<double>(row->count);
         const std::string prefix = row->name + '/';
         for (auto& [name, times] : collector.times) {
             if (name.compare(0, prefix.size(), prefix) != 0) continue;
             std::sort(times.begin(), times.end());
             const double median = Quantile(times, 0.5);
-            figures[row->name][name.substr(prefix.size())] = {median / count,
+            figures[row->name][name.substr(prefix.size())] = {median / counts[row->name],
                                                               (Quantile(times, 0.75) - Quantile(times, 0.25)) / median};
         }
     }

@@ -1,6 +1,6 @@
 #include "benchmarks/IdleBuilder.h"
 #include "benchmarks/NaiveO3.h"
-#include "benchmarks/PickWays.h"
+#include "benchmarks/Picking.h"
 #include "benchmarks/Workloads.h"
 #include "reference/plugins/assimp-loader/AssimpLoader.h"
 
@@ -11,7 +11,6 @@ namespace Bench {
 namespace {
 
 using namespace SkinAnimation;
-using Meshes = std::vector<std::vector<MeshVertex>>;
 
 const QString kFolder = QStringLiteral("/usr/share/assimp/models/X/"); // of Debian's assimp-testmodels
 constexpr std::size_t kInstances = 1000;
@@ -20,16 +19,6 @@ constexpr int kPixelStep = 50; ///< Between the pixels that are picked through.
 QString FileOf(const QString& name)
 {
     return kFolder + name + QStringLiteral(".X");
-}
-
-/// Those of a grid over the whole view.
-std::vector<QPoint> Pixels()
-{
-    std::vector<QPoint> pixels;
-    for (int y = kPixelStep / 2; y < View::kSize.y; y += kPixelStep)
-        for (int x = kPixelStep / 2; x < View::kSize.x; x += kPixelStep)
-            pixels.emplace_back(x, y);
-    return pixels;
 }
 
 /// Copies what it is handed, as a host does.
@@ -97,54 +86,60 @@ struct Actor {
         }
     }
 
-    Meshes Posed() const
+    void Reset()
     {
-        Meshes meshes;
+        next = 0;
+        for (Geometry* geometry : geometries)
+            std::fill(geometry->meshVertices.begin(), geometry->meshVertices.end(), MeshVertex{});
+    }
+
+    std::vector<MeshVertex> Vertices() const
+    {
+        std::vector<MeshVertex> all;
         for (const Geometry* geometry : geometries)
-            meshes.push_back(geometry->meshVertices);
-        return meshes;
+            all.insert(all.end(), geometry->meshVertices.begin(), geometry->meshVertices.end());
+        return all;
+    }
+
+    std::vector<Matrix> Transforms() const
+    {
+        std::vector<Matrix> all;
+        for (const Node* node : scene->nodes)
+            all.insert(all.end(), {node->meshTransform, node->skinTransform, node->skinTransformInverse});
+        return all;
     }
 };
 
-bool SameMeshes(const Meshes& a, const Meshes& b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), SameBits<std::vector<MeshVertex>>);
-}
-
-/// What a way leaves in the meshes at the first of the moments.
-Meshes FirstFrame(const std::shared_ptr<Actor>& actor, const Way& way)
-{
-    actor->next = 0;
-    for (Geometry* geometry : actor->geometries)
-        std::fill(geometry->meshVertices.begin(), geometry->meshVertices.end(), MeshVertex{});
-    way.run();
-    return actor->Posed();
-}
-
-std::vector<Way> PosingWays(const QString& name)
+Contest Posing(const QString& name)
 {
     const auto actor = std::make_shared<Actor>(name);
-    return {{kOurs, [actor] { actor->Pose(); }},
-            {kNaive, [actor] { actor->PoseBy(Naive::CalculateAnimation); }},
-            {kNaiveO3, [actor] { actor->PoseBy(NaiveO3::CalculateAnimation); }}};
+    const std::vector<Way> ways{{kOurs, [actor] { actor->Pose(); }},
+                                {kNaive, [actor] { actor->PoseBy(Naive::CalculateAnimation); }},
+                                {kNaiveO3, [actor] { actor->PoseBy(NaiveO3::CalculateAnimation); }}};
+    RequireSame(
+        ways, [&] { actor->next = 0; }, [&] { return actor->Transforms(); });
+    return {1, ways};
 }
 
-std::vector<Way> SkinningWays(const QString& name)
+Contest Skinning(const QString& name)
 {
     const auto actor = std::make_shared<Actor>(name);
-    return {{kOurs, [actor] { actor->scene->CreateMeshes(actor->idle); }},
-            {kNaive, [actor] { Naive::PoseMeshes(*actor->scene); }},
-            {kNaiveO3, [actor] { NaiveO3::PoseMeshes(*actor->scene); }}};
+    const std::vector<Way> ways{{kOurs, [actor] { actor->scene->CreateMeshes(actor->idle); }},
+                                {kNaive, [actor] { Naive::PoseMeshes(*actor->scene); }},
+                                {kNaiveO3, [actor] { NaiveO3::PoseMeshes(*actor->scene); }}};
+    RequireSame(
+        ways, [&] { actor->Reset(); }, [&] { return actor->Vertices(); });
+    return {1, ways};
 }
 
-std::vector<Way> EmittingWays(const QString& name)
+Contest Emitting(const QString& name)
 {
     const auto actor = std::make_shared<Actor>(name);
-    return {{kOurs, [actor] { actor->Emit(); }}, {kTouch, [actor] { actor->Copy(); }}};
+    return {1, {{kOurs, [actor] { actor->Emit(); }}, {kTouch, [actor] { actor->Copy(); }}}};
 }
 
 /// Instances that show one model, each at another time, one after the other.
-std::vector<Way> CrowdWays(const QString& name)
+Contest Playing(const QString& name)
 {
     const auto actor = std::make_shared<Actor>(name);
     const auto ours = [actor] {
@@ -157,18 +152,19 @@ std::vector<Way> CrowdWays(const QString& name)
         Naive::PoseMeshes(*actor->scene);
         actor->Copy();
     };
-    Require(SameMeshes(FirstFrame(actor, {kOurs, ours}), FirstFrame(actor, {kNaive, naive})), "frame");
+    RequireSame(
+        {{kOurs, ours}, {kNaive, naive}}, [&] { actor->Reset(); }, [&] { return actor->Vertices(); });
     const auto all = [](const auto& instance) {
         return [instance] {
             for (std::size_t i = 0; i < kInstances; ++i)
                 instance();
         };
     };
-    return {{kOurs, all(ours)}, {kNaive, all(naive)}};
+    return {kInstances, {{kOurs, all(ours)}, {kNaive, all(naive)}}};
 }
 
 /// A model, or many in rows, so placed that they fill the view.
-std::vector<Way> LookingWays(const QString& name, std::size_t count)
+Contest Looking(const QString& name, std::size_t count)
 {
     const Actor actor(name);
     const auto view = std::make_shared<View>();
@@ -195,23 +191,24 @@ std::vector<Way> LookingWays(const QString& name, std::size_t count)
     const float extent = 0.5f * size * static_cast<float>(side - 1);
     const TVec3<float> middle = box.Center() + TVec3<float>{0.0f, 0.5f * extent, 0.5f * extent};
     view->scene.camera.matrix.SetTranslation(middle - TVec3<float>{1.2f * (size + extent), 0.0f, 0.0f});
-    view->pixels = Pixels();
-    return PickWays(view);
+    for (int y = kPixelStep / 2; y < View::kSize.y; y += kPixelStep)
+        for (int x = kPixelStep / 2; x < View::kSize.x; x += kPixelStep)
+            view->pixels.emplace_back(x, y);
+    return Picking(view);
 }
 
 void AddModel(std::vector<Row>& rows, const QString& name, bool isQuick)
 {
     const std::string prefix = "Model/" + name.toStdString();
-    const auto add = [&](const char* what, const char* element, std::size_t count, bool isSmall, auto prepare) {
-        rows.push_back({prefix + what, element, count, isQuick && isSmall, {}, prepare});
+    const auto add = [&](const char* what, const char* element, bool isSmall, auto prepare) {
+        rows.push_back({prefix + what, element, isQuick && isSmall, {}, prepare});
     };
-    const std::size_t pixels = Pixels().size();
-    add("/pose", "frame", 1, true, [name] { return PosingWays(name); });
-    add("/skin, normals", "frame", 1, true, [name] { return SkinningWays(name); });
-    add("/emission", "frame", 1, true, [name] { return EmittingWays(name); });
-    add("/pick", "pick", pixels, true, [name] { return LookingWays(name, 1); });
-    add("/crowd, frame", "instance", kInstances, false, [name] { return CrowdWays(name); });
-    add("/crowd, pick", "pick", pixels, false, [name] { return LookingWays(name, kInstances); });
+    add("/pose", "frame", true, [name] { return Posing(name); });
+    add("/skin, normals", "frame", true, [name] { return Skinning(name); });
+    add("/emission", "frame", true, [name] { return Emitting(name); });
+    add("/pick", "pick", true, [name] { return Looking(name, 1); });
+    add("/crowd, frame", "instance", false, [name] { return Playing(name); });
+    add("/crowd, pick", "pick", false, [name] { return Looking(name, kInstances); });
 }
 
 } // namespace

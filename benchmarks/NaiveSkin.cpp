@@ -170,6 +170,8 @@ void CalculateAnimation(Scene& scene, const Animation& animation, float time)
 void UpdateMesh(Geometry& geometry, const Node& node, const TVec3<float>& scale, const TVec3<float>& offset,
                 const std::vector<Node*>& bones)
 {
+    if (geometry.vertices.empty() || geometry.indices.empty())
+        return;
     Matrix bindInverse;
     Matrix meshInverse;
     Naive::Inverse(bindInverse, node.bindTransform);

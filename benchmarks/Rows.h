@@ -49,15 +49,20 @@ inline Target AtMostNanoseconds(double bound)
     return {{}, false, bound};
 }
 
+/// The ways of a row, with their data, which lives as long as they do.
+struct Contest {
+    std::size_t count; ///< Of the elements that each works through in a call.
+    std::vector<Way> ways;
+};
+
 struct Row {
     std::string name;    ///< What stands before its first slash is measured together, and freed together.
     std::string element; ///< What times are given for one of.
-    std::size_t count;   ///< Of elements.
     bool isQuick;        ///< Whether it belongs to a quick run, too.
     std::vector<Target> targets;
 
-    /// Makes the data, sees that the ways agree, and answers with them.
-    std::function<std::vector<Way>()> prepare;
+    /// Makes the data and sees that the ways agree.
+    std::function<Contest()> prepare;
 };
 
 void AddSkinRows(std::vector<Row>& rows);
@@ -82,6 +87,20 @@ bool SameBits(const List& a, const List& b)
     return a.size() == b.size() && std::equal(x, x + count, y, [](float p, float q) {
                return std::memcmp(&p, &q, sizeof p) == 0 || (std::isnan(p) && std::isnan(q));
            });
+}
+
+/// Runs ours and the plain ways, each from the same start, and compares the bits of their results.
+template <typename Reset, typename Result>
+void RequireSame(const std::vector<Way>& ways, const Reset& reset, const Result& result)
+{
+    const auto resultOf = [&](const Way& way) {
+        reset();
+        way.run();
+        return result();
+    };
+    const auto ours = resultOf(ways[0]);
+    for (const Way& way : ways)
+        if (way.name == kNaive || way.name == kNaiveO3) Require(SameBits(ours, resultOf(way)), "bits: " + way.name);
 }
 
 } // namespace Bench

@@ -20,14 +20,12 @@ constexpr float kFrame = 1000.0f / 60.0f;
 struct Skin {
     std::unique_ptr<Scene> scene;
     Geometry& geometry;
-    std::size_t vertexCount;
     Normals normals;
     IdleBuilder builder;
 
     Skin(std::size_t size, Influences influences)
         : scene(Workloads::MakeSkeleton(kBones, 2, kStep, 1))
         , geometry(Workloads::AddSkin(*scene, size, influences, 2))
-        , vertexCount(geometry.vertices.size())
         , normals(scene->root->normalCount, TVec3<float>{0.0f, 0.0f, 0.0f})
     {
         scene->CalculateAnimation(0, 10.0f);
@@ -39,14 +37,11 @@ struct Skin {
     {
         way(geometry, *scene->root, scene->scale, scene->offset, scene->nodes);
     }
-    void Clear() { normals.assign(normals.size(), TVec3<float>{0.0f, 0.0f, 0.0f}); }
-
-    /// What the way leaves in the posed vertices, from the same start for each.
-    std::vector<MeshVertex> Posed(const std::function<void()>& way)
+    void Clear()
     {
-        geometry.meshVertices.assign(vertexCount, MeshVertex{});
-        way();
-        return geometry.meshVertices;
+        normals.assign(normals.size(), TVec3<float>{0.0f, 0.0f, 0.0f});
+        for (MeshVertex& vertex : geometry.meshVertices)
+            vertex.normal = {0.0f, 0.0f, 0.0f};
     }
 };
 
@@ -58,7 +53,7 @@ bool AreNear(const std::vector<MeshVertex>& a, const std::vector<MeshVertex>& b)
     });
 }
 
-std::vector<Way> SkinningWays(std::size_t size, Influences influences)
+Contest Skinning(std::size_t size, Influences influences)
 {
     const auto skin = std::make_shared<Skin>(size, influences);
     const std::vector<Way> ways{
@@ -67,66 +62,52 @@ std::vector<Way> SkinningWays(std::size_t size, Influences influences)
         {kNaiveO3, [skin] { skin->UpdateMeshBy(NaiveO3::UpdateMesh); }},
         {kEigen, [skin] { Peers::UpdateMeshWithEigen(skin->geometry, *skin->scene->root, *skin->scene); }},
         {kTouch, [skin] { Peers::TouchVertices(skin->geometry); }}};
-    const std::vector<MeshVertex> ours = skin->Posed(ways[0].run);
-    Require(SameBits(ours, skin->Posed(ways[1].run)) && SameBits(ours, skin->Posed(ways[2].run)), "posed vertices");
-    Require(AreNear(ours, skin->Posed(ways[3].run)), "posed vertices of Eigen, nearly");
-    return ways;
+    std::vector<MeshVertex>& posed = skin->geometry.meshVertices;
+    const std::vector<MeshVertex> before = posed;
+    RequireSame(
+        ways, [&] { posed.assign(posed.size(), MeshVertex{}); }, [&] { return posed; });
+    ways[3].run();
+    Require(AreNear(before, posed), "vertices, nearly: " + kEigen);
+    return {posed.size(), ways};
 }
 
-std::vector<Way> CollectingWays(std::size_t size)
+Contest Collecting(std::size_t size)
 {
     const auto skin = std::make_shared<Skin>(size, Influences::Four);
     const std::vector<Way> ways{{kOurs, [skin] { skin->geometry.CollectNormals(skin->normals); }},
                                 {kNaive, [skin] { Naive::CollectNormals(skin->geometry, skin->normals); }},
                                 {kNaiveO3, [skin] { NaiveO3::CollectNormals(skin->geometry, skin->normals); }}};
-    const auto collected = [&](const Way& way) {
-        skin->Clear();
-        way.run();
-        return skin->normals;
-    };
-    Require(SameBits(collected(ways[0]), collected(ways[1])), "sums of normals");
-    return ways;
+    RequireSame(
+        ways, [&] { skin->Clear(); }, [&] { return skin->normals; });
+    return {skin->geometry.indices.size() / 3, ways};
 }
 
-std::vector<Way> WritingWays(std::size_t size)
+Contest Writing(std::size_t size)
 {
     const auto skin = std::make_shared<Skin>(size, Influences::Four);
-    skin->geometry.CollectNormals(skin->normals);
     const std::vector<Way> ways{{kOurs, [skin] { skin->geometry.SetNormals(skin->normals); }},
                                 {kNaive, [skin] { Naive::SetNormals(skin->geometry, skin->normals); }},
                                 {kNaiveO3, [skin] { NaiveO3::SetNormals(skin->geometry, skin->normals); }}};
-    Require(SameBits(skin->Posed(ways[0].run), skin->Posed(ways[1].run)), "normals");
-    return ways;
+    const auto reset = [&] {
+        skin->Clear();
+        skin->geometry.CollectNormals(skin->normals);
+    };
+    RequireSame(ways, reset, [&] { return skin->geometry.meshVertices; });
+    return {skin->geometry.indices.size(), ways};
 }
 
-/// All that CreateMeshes() does; without posing where the geometry has no
-/// vertices to be posed from, so that clearing, collecting, dividing by the
-/// length and writing back are left.
-std::vector<Way> MeshWays(std::size_t size, bool isPosed)
+/// All that CreateMeshes() does. Where the geometry has no vertices to be posed
+/// from, that is clearing, collecting, dividing by the length and writing back.
+Contest Making(std::size_t size, bool isPosed)
 {
     const auto skin = std::make_shared<Skin>(size, Influences::Four);
-    const auto withoutPosing = [skin](decltype(Naive::CollectNormals) collect, decltype(Naive::SetNormals) set) {
-        skin->Clear();
-        collect(skin->geometry, skin->normals);
-        Naive::NormalizeAll(skin->normals);
-        set(skin->geometry, skin->normals);
-    };
-    std::vector<Way> ways{{kOurs, [skin] { skin->scene->CreateMeshes(skin->builder); }}};
-    if (isPosed)
-        ways.insert(ways.end(), {{kNaive, [skin] { Naive::PoseMeshes(*skin->scene); }},
-                                 {kNaiveO3, [skin] { NaiveO3::PoseMeshes(*skin->scene); }}});
-    else
-        ways.push_back({kNaive, [=] { withoutPosing(Naive::CollectNormals, Naive::SetNormals); }});
-
-    std::vector<std::vector<MeshVertex>> results;
-    for (const Way& way : ways) {
-        skin->UpdateMesh();
-        if (!isPosed) std::vector<SkinVertex>().swap(skin->geometry.vertices);
-        way.run();
-        results.push_back(skin->geometry.meshVertices);
-    }
-    Require(SameBits(results[0], results[1]), "meshes");
-    return ways;
+    if (!isPosed) std::vector<SkinVertex>().swap(skin->geometry.vertices);
+    const std::vector<Way> ways{{kOurs, [skin] { skin->scene->CreateMeshes(skin->builder); }},
+                                {kNaive, [skin] { Naive::PoseMeshes(*skin->scene); }},
+                                {kNaiveO3, [skin] { NaiveO3::PoseMeshes(*skin->scene); }}};
+    RequireSame(
+        ways, [&] { skin->Clear(); }, [&] { return skin->geometry.meshVertices; });
+    return {skin->geometry.meshVertices.size(), ways};
 }
 
 /// A skeleton in motion, and the times at which it is asked for.
@@ -159,7 +140,7 @@ struct Motion {
     }
 };
 
-std::vector<Way> PosingWays(std::size_t nodes, std::size_t keys, bool isPlayback)
+Contest Posing(std::size_t nodes, std::size_t keys, bool isPlayback)
 {
     const auto motion = std::make_shared<Motion>(nodes, keys, isPlayback);
     const auto naive = [motion](decltype(Naive::CalculateAnimation) way) {
@@ -168,66 +149,41 @@ std::vector<Way> PosingWays(std::size_t nodes, std::size_t keys, bool isPlayback
     const std::vector<Way> ways{{kOurs, [motion] { motion->scene->CalculateAnimation(0, motion->Next()); }},
                                 {kNaive, [naive] { naive(Naive::CalculateAnimation); }},
                                 {kNaiveO3, [naive] { naive(NaiveO3::CalculateAnimation); }}};
-    for (std::size_t i = 0; i < 16; ++i) {
-        motion->next = i;
-        ways[0].run();
-        const std::vector<Matrix> ours = motion->Transforms();
-        motion->next = i;
-        ways[1].run();
-        Require(SameBits(ours, motion->Transforms()), "pose");
-    }
-    return ways;
+    for (std::size_t i = 0; i < 16; ++i)
+        RequireSame(
+            ways, [&] { motion->next = i; }, [&] { return motion->Transforms(); });
+    return {nodes, ways};
 }
-
-/// How many vertices AddSkin() makes where it is asked for `size`.
-struct Grid {
-    std::size_t columns, rows;
-
-    explicit Grid(std::size_t size)
-        : columns(static_cast<std::size_t>(std::sqrt(static_cast<double>(size))))
-        , rows(size / columns)
-    {
-    }
-    std::size_t Vertices() const { return columns * rows; }
-    std::size_t Triangles() const { return 2 * (columns - 1) * (rows - 1); }
-};
 
 void AddSkinning(std::vector<Row>& rows, std::size_t size, Influences mix, std::vector<Target> targets)
 {
     const char* const names[] = {"four/", "random/", "runs/"};
-    rows.push_back({"UpdateMesh/" + (names[static_cast<int>(mix)] + std::to_string(size)), "vertex",
-                    Grid(size).Vertices(), size <= 5000, std::move(targets),
-                    [size, mix] { return SkinningWays(size, mix); }});
+    rows.push_back({"UpdateMesh/" + (names[static_cast<int>(mix)] + std::to_string(size)), "vertex", size <= 5000,
+                    std::move(targets), [=] { return Skinning(size, mix); }});
 }
 
-void AddNormals(std::vector<Row>& rows, std::size_t size)
+/// \param isInCache what the targets are about; the times of more show what the memory takes
+void AddNormals(std::vector<Row>& rows, std::size_t size, bool isInCache)
 {
     const std::string suffix = '/' + std::to_string(size);
-    const bool isSmall = size <= 5000;
-    const auto ifSmall = [isSmall](double times) {
-        return isSmall ? std::vector<Target>{AtLeast(times, kNaive)} : std::vector<Target>{};
+    const auto target = [isInCache](double times) {
+        return isInCache ? std::vector<Target>{AtLeast(times, kNaive)} : std::vector<Target>{};
     };
-    const Grid grid(size);
-    rows.push_back({"Normals/collect" + suffix, "triangle", grid.Triangles(), isSmall, ifSmall(1.75),
-                    [size] { return CollectingWays(size); }});
-    rows.push_back({"Normals/write" + suffix, "corner", 3 * grid.Triangles(), isSmall, ifSmall(1.5),
-                    [size] { return WritingWays(size); }});
     rows.push_back(
-        {"Normals/all" + suffix, "vertex", grid.Vertices(), isSmall, {}, [size] { return MeshWays(size, false); }});
-    rows.push_back(
-        {"CreateMeshes" + suffix, "vertex", grid.Vertices(), isSmall, {}, [size] { return MeshWays(size, true); }});
+        {"Normals/collect" + suffix, "triangle", isInCache, target(1.75), [size] { return Collecting(size); }});
+    rows.push_back({"Normals/write" + suffix, "corner", isInCache, target(1.5), [size] { return Writing(size); }});
+    rows.push_back({"Normals/all" + suffix, "vertex", isInCache, {}, [size] { return Making(size, false); }});
+    rows.push_back({"CreateMeshes" + suffix, "vertex", isInCache, {}, [size] { return Making(size, true); }});
 }
 
 void AddPosing(std::vector<Row>& rows, std::size_t nodes, std::size_t keys, double times)
 {
+    const std::string name = "CalculateAnimation/" + std::to_string(nodes) + 'x' + std::to_string(keys);
     for (const bool isPlayback : {false, true})
-        rows.push_back({"CalculateAnimation/" + std::to_string(nodes) + 'x' + std::to_string(keys)
-                            + (isPlayback ? "/playback" : "/seek"),
-                        "node",
-                        nodes,
-                        nodes < 100,
-                        {AtLeast(times, kNaive)},
-                        [=] { return PosingWays(nodes, keys, isPlayback); }});
+        rows.push_back(
+            {name + (isPlayback ? "/playback" : "/seek"), "node", nodes < 100, {AtLeast(times, kNaive)}, [=] {
+                 return Posing(nodes, keys, isPlayback);
+             }});
 }
 
 } // namespace
@@ -241,8 +197,8 @@ void AddSkinRows(std::vector<Row>& rows)
     AddSkinning(rows, 500000, Influences::Four, {AtLeast(4.0, kNaiveO3), AtMost(1.6, kTouch)});
     AddSkinning(rows, 50000, Influences::Random, {AtLeast(4.5, kNaive), AtMost(1.15, "UpdateMesh/four/50000")});
     AddSkinning(rows, 50000, Influences::InRuns, {AtLeast(4.5, kNaive), AtMost(0.85, "UpdateMesh/four/50000")});
-    for (const std::size_t size : {5000, 500000})
-        AddNormals(rows, size);
+    AddNormals(rows, 5000, true);
+    AddNormals(rows, 500000, false);
     AddPosing(rows, 60, 300, 3.7);
     AddPosing(rows, 500, 3000, 45.0);
 }

@@ -19,7 +19,7 @@ struct View {
     std::vector<QPoint> pixels;
 };
 
-/// Ways to pick through every pixel.
-std::vector<Way> PickWays(const std::shared_ptr<View>& view);
+/// Picking through every pixel; its elements are the pixels.
+Contest Picking(const std::shared_ptr<View>& view);
 
 } // namespace Bench
