@@ -10,7 +10,6 @@ namespace {
 
 using namespace SkinAnimation;
 using Workloads::Influences;
-using Normals = std::vector<TVec3<float>>;
 
 constexpr std::size_t kBones = 60;
 constexpr float kStep = 40.0f; ///< Between keys, in milliseconds.
@@ -20,7 +19,7 @@ constexpr float kFrame = 1000.0f / 60.0f;
 struct Skin {
     std::unique_ptr<Scene> scene;
     Geometry& geometry;
-    Normals normals;
+    std::vector<TVec3<float>> normals;
     IdleBuilder builder;
 
     Skin(std::size_t size, Influences influences)

@@ -142,7 +142,7 @@ Contest Picking(const std::shared_ptr<View>& view)
 
 void AddTreeRows(std::vector<Row>& rows)
 {
-    rows.push_back({"Pick/10000 mesh nodes", "node", true, {AtLeast(1.85, kNaive)}, PickingOfMany});
+    rows.push_back({"FindNodeByScreenPoint/10000", "node", true, {AtLeast(1.85, kNaive)}, PickingOfMany});
     AddLists(rows, "CollectAllChildren/root", OurChildren, NaiveChildren, 100000);
     AddLists(rows, "CollectAllChildren/shuffled", OurShuffled, NaiveShuffled, 10000);
     AddLists(rows, "SortNodes", OurSorted, NaiveSorted, 100000);

@@ -54,6 +54,10 @@ Options ReadOptions(const std::vector<std::string>& words)
         else if (!TakeValue(words, i, "--json", options.json) && !TakeValue(words, i, "--compare", options.compare)
                  && !TakeValue(words, i, "--filter", options.filter))
             options.rest.push_back(words[i]);
+        if (words[i].compare(0, 15, "--benchmark_out") == 0)
+            throw std::runtime_error(words[i]
+                                     + ": groups of rows run one by one, and only the last would be kept; "
+                                       "--json keeps them all");
     }
     return options;
 }
