@@ -1,13 +1,13 @@
 #include "benchmarks/KeptFigures.h"
 #include "benchmarks/Table.h"
 
+#include <QRegularExpression>
 #include <QSaveFile>
 
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <regex>
 
 namespace {
 
@@ -89,14 +89,11 @@ std::vector<Row> SelectRows(const Options& options)
 #ifdef LUMENTA_BENCHMARK_MODELS
     AddModelRows(rows);
 #endif
-    std::regex filter;
-    try {
-        filter.assign(options.filter);
-    } catch (const std::regex_error& error) {
-        throw std::runtime_error("--filter " + options.filter + ": " + error.what());
-    }
+    const QRegularExpression filter(QString::fromStdString(options.filter));
+    if (!filter.isValid())
+        throw std::runtime_error("--filter " + options.filter + ": " + filter.errorString().toStdString());
     const auto isOut = [&](const Row& row) {
-        return (options.isQuick && !row.isQuick) || !std::regex_search(row.name, filter);
+        return (options.isQuick && !row.isQuick) || !filter.match(QString::fromStdString(row.name)).hasMatch();
     };
     rows.erase(std::remove_if(rows.begin(), rows.end(), isOut), rows.end());
     if (rows.empty()) throw std::runtime_error("no row is left to measure");
