@@ -1,5 +1,6 @@
 #include "benchmarks/NaiveScene.h"
 
+#include "benchmarks/NaiveSkin.h"
 #include "lumenta/foundation/CameraMatrices.h"
 #include "lumenta/interfaces/IFreeCamera.h"
 #include "lumenta/interfaces/ILightNode.h"
@@ -8,12 +9,64 @@
 #include "lumenta/interfaces/INode.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Naive {
 
 namespace {
 
 using Vec3 = TVec3<float>;
+
+/// The library's own are behind calls, which would be no fair opponent for its loops.
+namespace Plain {
+
+inline Vec3 Scaled(const Vec3& v, float factor)
+{
+    return {v.x * factor, v.y * factor, v.z * factor};
+}
+
+inline float Dot(const Vec3& a, const Vec3& b)
+{
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+inline Vec3 Cross(const Vec3& a, const Vec3& b)
+{
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+inline float Length(const Vec3& v)
+{
+    return std::sqrt(Plain::Dot(v, v));
+}
+
+inline Vec3 Normalized(const Vec3& v)
+{
+    const float length = Plain::Length(v);
+    return length == 0.0f ? v : Vec3{v.x / length, v.y / length, v.z / length};
+}
+
+inline Vec3 Moved(const Vec3& p, const Matrix& matrix)
+{
+    const float* m = matrix.m;
+    return {m[0] * p.x + m[4] * p.y + m[8] * p.z + m[12], m[1] * p.x + m[5] * p.y + m[9] * p.z + m[13],
+            m[2] * p.x + m[6] * p.y + m[10] * p.z + m[14]};
+}
+
+inline bool IsIntersect(const Ray& ray, const TBBox<float>& box)
+{
+    const Vec3 centre = Scaled(box.min + box.max, 0.5f);
+    const Vec3 e = centre - box.min;
+    const Vec3 d = ray.centre - centre;
+    const Vec3& h = ray.halfDelta;
+    const Vec3& a = ray.absHalfDelta;
+    return !(std::fabs(d.x) > e.x + a.x || std::fabs(d.y) > e.y + a.y || std::fabs(d.z) > e.z + a.z
+             || std::fabs(d.z * h.y - d.y * h.z) > a.y * e.z + e.y * a.z
+             || std::fabs(h.z * d.x - d.z * h.x) > a.z * e.x + e.z * a.x
+             || std::fabs(d.y * h.x - d.x * h.y) > a.x * e.y + e.x * a.y);
+}
+
+} // namespace Plain
 
 void Append(INode* node, std::vector<INode*>& list)
 {
@@ -36,15 +89,12 @@ void TakePending(INode* node, std::vector<INode*>& pending, std::vector<INode*>&
 
 void PickMeshes(Picked& picked, INode* node, const IMeshNode& meshNode, const Matrix& inverse)
 {
-    Vec3 start = picked.ray.start, end = picked.ray.end;
-    TransformPoint(start, inverse);
-    TransformPoint(end, inverse);
-    Ray local(start, end);
-    if (!local.IsIntersect(meshNode.GetBBox()))
+    Ray local(Plain::Moved(picked.ray.start, inverse), Plain::Moved(picked.ray.end, inverse));
+    if (!Plain::IsIntersect(local, meshNode.GetBBox()))
         return;
     float f = 1.0f;
     for (const IMesh* const mesh : meshNode.GetMeshes()) {
-        const float t = local.IsIntersect(mesh->GetBBox()) ? Naive::Trace(local, *mesh) : 1.0f;
+        const float t = Plain::IsIntersect(local, mesh->GetBBox()) ? Naive::Trace(local, *mesh) : 1.0f;
         if (t < 1.0f) {
             local.Clip(t);
             f = f * t;
@@ -57,13 +107,13 @@ void PickMeshes(Picked& picked, INode* node, const IMeshNode& meshNode, const Ma
 
 void PickUnder(Picked& picked, INode* node, const Matrix& parentGlobal)
 {
-    const Matrix global = node->GetMatrix() * parentGlobal;
-    const auto* const meshNode = qobject_cast<IMeshNode*>(node);
-    const auto* const light = qobject_cast<ILightNode*>(node);
-    Matrix inverse;
-    if (node->IsVisible() && node->GetType() == 1 && meshNode && Inverse(inverse, global))
-        PickMeshes(picked, node, *meshNode, inverse);
-    if (node->IsVisible() && node->GetType() == 2 && light) {
+    Matrix global, inverse;
+    Naive::Multiply(global, node->GetMatrix(), parentGlobal);
+    const int type = node->IsVisible() ? node->GetType() : 0;
+    const auto* const meshNode = type == 1 ? qobject_cast<IMeshNode*>(node) : nullptr;
+    const auto* const light = type == 2 ? qobject_cast<ILightNode*>(node) : nullptr;
+    if (meshNode && Naive::Inverse(inverse, global)) PickMeshes(picked, node, *meshNode, inverse);
+    if (light) {
         const float t = picked.ray.Trace(global.GetTranslation(), light->GetRadius());
         if (t < 1.0f) {
             picked.ray.Clip(t);
@@ -97,29 +147,33 @@ std::vector<INode*> SortAccordingToTheSceneTree(const std::vector<INode*>& nodes
 
 float Trace(const Ray& ray, const IMesh& mesh)
 {
-    const bool excluded = mesh.GetOwner() && mesh.GetOwner()->IsExcludedFromTracing();
+    if (mesh.GetOwner() && mesh.GetOwner()->IsExcludedFromTracing())
+        return 1.0f;
     const TBBox<float>& box = mesh.GetBBox();
     const bool valid = box.min.x <= box.max.x && box.min.y <= box.max.y && box.min.z <= box.max.z;
-    const float epsilon = 0.0001f * (valid ? Length(box.max - box.min) : 0.0f);
+    const float epsilon = 0.0001f * (valid ? Plain::Length(box.max - box.min) : 0.0f);
 
+    const std::vector<MeshVertex>& vertices = mesh.GetVertices();
+    const std::vector<unsigned int>& indices = mesh.GetIndices();
     Vec3 end = ray.end;
     float f = 1.0f;
-    for (std::size_t k = 0; !excluded && k + 2 < mesh.GetIndices().size(); k += 3) {
-        Vec3 p[3];
-        for (std::size_t i = 0; i < 3; ++i)
-            p[i] = mesh.GetVertices()[mesh.GetIndices()[k + i]].position;
-        const Vec3 normal = Cross(p[2] - p[1], p[2] - p[0]);
-        const Vec3 n = Normalized(normal);
-        const float plane = Dot(n, p[0]) + epsilon;
-        const float sign = Dot(n, ray.start) - plane < 0.0f ? -1.0f : 1.0f;
-        const float d0 = (Dot(n, ray.start) - plane) * sign;
-        const float d1 = (Dot(n, end) - plane) * sign;
+    for (std::size_t k = 0; k + 2 < indices.size(); k += 3) {
+        const Vec3 p[] = {vertices[indices[k]].position, vertices[indices[k + 1]].position,
+                          vertices[indices[k + 2]].position};
+        const Vec3 normal = Plain::Cross(p[2] - p[1], p[2] - p[0]);
+        if (Plain::Length(normal) == 0.0f) continue;
+        const Vec3 n = Plain::Normalized(normal);
+        const float plane = Plain::Dot(n, p[0]) + epsilon;
+        const float sign = Plain::Dot(n, ray.start) - plane < 0.0f ? -1.0f : 1.0f;
+        const float d0 = (Plain::Dot(n, ray.start) - plane) * sign;
+        const float d1 = (Plain::Dot(n, end) - plane) * sign;
+        if (!(d1 < 0.0f)) continue;
         const float t = d0 / (d0 - d1);
-        const Vec3 hit = ray.start + (end - ray.start) * t;
-        bool inside = Length(normal) != 0.0f && d1 < 0.0f;
-        for (std::size_t i = 0; i < 3; ++i)
-            inside = inside && Dot(hit - p[i], Normalized(Cross(n, p[(i + 1) % 3] - p[i]))) <= epsilon;
-        if (inside) {
+        const Vec3 hit = ray.start + Plain::Scaled(end - ray.start, t);
+        const auto isInside = [&](const Vec3& from, const Vec3& to) {
+            return Plain::Dot(hit - from, Plain::Normalized(Plain::Cross(n, to - from))) <= epsilon;
+        };
+        if (isInside(p[0], p[1]) && isInside(p[1], p[2]) && isInside(p[2], p[0])) {
             end = hit;
             f = f * t;
         }

@@ -8,22 +8,13 @@ namespace Naive {
 
 namespace {
 
-/// The determinant of what is left of `m` without one row and one column.
-float Minor(const float* m, int row, int column)
+/// The determinant of three rows of three.
+inline float Determinant(float a, float b, float c, float d, float e, float f, float g, float h, float i)
 {
-    int r[3];
-    int c[3];
-    for (int i = 0; i < 3; ++i) {
-        r[i] = 4 * (i < row ? i : i + 1);
-        c[i] = i < column ? i : i + 1;
-    }
-    const auto at = [&](int i, int j) { return m[r[i] + c[j]]; };
-    return at(0, 0) * (at(1, 1) * at(2, 2) - at(1, 2) * at(2, 1))
-        - at(0, 1) * (at(1, 0) * at(2, 2) - at(1, 2) * at(2, 0))
-        + at(0, 2) * (at(1, 0) * at(2, 1) - at(1, 1) * at(2, 0));
+    return a * (e * i - f * h) - b * (d * i - f * g) + c * (d * h - e * g);
 }
 
-TVec3<float> MovePoint(const TVec3<float>& p, const Matrix& matrix)
+inline TVec3<float> MovePoint(const TVec3<float>& p, const Matrix& matrix)
 {
     const float* m = matrix.m;
     return {m[0] * p.x + m[4] * p.y + m[8] * p.z + m[12],
@@ -31,7 +22,7 @@ TVec3<float> MovePoint(const TVec3<float>& p, const Matrix& matrix)
             m[2] * p.x + m[6] * p.y + m[10] * p.z + m[14]};
 }
 
-TVec3<float> MoveNormal(const TVec3<float>& v, const Matrix& inverse)
+inline TVec3<float> MoveNormal(const TVec3<float>& v, const Matrix& inverse)
 {
     const float* n = inverse.m;
     return {n[0] * v.x + n[1] * v.y + n[2] * v.z,
@@ -39,7 +30,7 @@ TVec3<float> MoveNormal(const TVec3<float>& v, const Matrix& inverse)
             n[8] * v.x + n[9] * v.y + n[10] * v.z};
 }
 
-void Normalize(TVec3<float>& v)
+inline void Normalize(TVec3<float>& v)
 {
     const float length = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
     if (length == 0.0f)
@@ -139,10 +130,15 @@ bool Inverse(Matrix& destination, const Matrix& source)
 {
     float cofactors[16];
     for (int i = 0; i < 4; ++i) {
-        for (int j = 0; j < 4; ++j) {
-            const float minor = Minor(source.m, i, j);
-            cofactors[4 * i + j] = (i + j) % 2 == 0 ? minor : -minor;
-        }
+        const float* a = source.m + (i < 1 ? 4 : 0);
+        const float* b = source.m + (i < 2 ? 8 : 4);
+        const float* c = source.m + (i < 3 ? 12 : 8);
+        const float sign = i % 2 == 0 ? 1.0f : -1.0f;
+        float* const row = cofactors + 4 * i;
+        row[0] = sign * Determinant(a[1], a[2], a[3], b[1], b[2], b[3], c[1], c[2], c[3]);
+        row[1] = -sign * Determinant(a[0], a[2], a[3], b[0], b[2], b[3], c[0], c[2], c[3]);
+        row[2] = sign * Determinant(a[0], a[1], a[3], b[0], b[1], b[3], c[0], c[1], c[3]);
+        row[3] = -sign * Determinant(a[0], a[1], a[2], b[0], b[1], b[2], c[0], c[1], c[2]);
     }
     const float determinant = source.m[0] * cofactors[0] + source.m[1] * cofactors[1] + source.m[2] * cofactors[2]
         + source.m[3] * cofactors[3];
@@ -174,6 +170,8 @@ void CalculateAnimation(Scene& scene, const Animation& animation, float time)
 void UpdateMesh(Geometry& geometry, const Node& node, const TVec3<float>& scale, const TVec3<float>& offset,
                 const std::vector<Node*>& bones)
 {
+    if (geometry.vertices.empty() || geometry.indices.empty())
+        return;
     Matrix bindInverse;
     Matrix meshInverse;
     Naive::Inverse(bindInverse, node.bindTransform);
@@ -183,12 +181,11 @@ void UpdateMesh(Geometry& geometry, const Node& node, const TVec3<float>& scale,
     geometry.meshVertices.resize(geometry.vertices.size());
     for (std::size_t i = 0; i < geometry.vertices.size(); ++i) {
         const SkinVertex& v = geometry.vertices[i];
-        MeshVertex& o = geometry.meshVertices[i];
+        TVec3<float> position{0.0f, 0.0f, 0.0f};
+        TVec3<float> normal{0.0f, 0.0f, 0.0f};
         if (geometry.skinned && v.weights[0] > 0.0f) {
             const TVec3<float> p = MovePoint(v.position, node.bindTransform);
             const TVec3<float> n = MoveNormal(v.normal, bindInverse);
-            o.position = {0.0f, 0.0f, 0.0f};
-            o.normal = {0.0f, 0.0f, 0.0f};
             for (int j = 0; j < 4; ++j) {
                 const float w = v.weights[j];
                 if (w == 0.0f)
@@ -196,17 +193,19 @@ void UpdateMesh(Geometry& geometry, const Node& node, const TVec3<float>& scale,
                 const Node& bone = *bones[v.boneIndices[j]];
                 const TVec3<float> bp = MovePoint(p, bone.skinTransform);
                 const TVec3<float> bn = MoveNormal(n, bone.skinTransformInverse);
-                o.position = {o.position.x + bp.x * w, o.position.y + bp.y * w, o.position.z + bp.z * w};
-                o.normal = {o.normal.x + bn.x * w, o.normal.y + bn.y * w, o.normal.z + bn.z * w};
+                position = {position.x + bp.x * w, position.y + bp.y * w, position.z + bp.z * w};
+                normal = {normal.x + bn.x * w, normal.y + bn.y * w, normal.z + bn.z * w};
             }
         } else {
-            o.position = MovePoint(v.position, node.meshTransform);
-            o.normal = MoveNormal(v.normal, meshInverse);
+            position = MovePoint(v.position, node.meshTransform);
+            normal = MoveNormal(v.normal, meshInverse);
         }
-        o.position = {o.position.x * scale.x + offset.x, o.position.y * scale.y + offset.y,
-                      o.position.z * scale.z + offset.z};
-        o.normal = {o.normal.x * normalScale.x, o.normal.y * normalScale.y, o.normal.z * normalScale.z};
-        Normalize(o.normal);
+        normal = {normal.x * normalScale.x, normal.y * normalScale.y, normal.z * normalScale.z};
+        Normalize(normal);
+        MeshVertex& o = geometry.meshVertices[i];
+        o.position = {position.x * scale.x + offset.x, position.y * scale.y + offset.y,
+                      position.z * scale.z + offset.z};
+        o.normal = normal;
         o.texCoord = v.texCoord;
     }
 }
@@ -234,6 +233,29 @@ void NormalizeAll(std::vector<TVec3<float>>& normals)
 {
     for (TVec3<float>& normal : normals)
         Normalize(normal);
+}
+
+void SetNormals(Geometry& geometry, const std::vector<TVec3<float>>& normals)
+{
+    if (normals.empty() || geometry.indices.size() != geometry.normalIndices.size())
+        return;
+    for (std::size_t k = 0; k < geometry.indices.size(); ++k)
+        geometry.meshVertices[geometry.indices[k]].normal = normals[geometry.normalIndices[k]];
+}
+
+void PoseMeshes(const Scene& scene)
+{
+    std::vector<TVec3<float>> normals;
+    for (const Node* node : scene.nodes) {
+        normals.assign(node->normalCount, TVec3<float>{0.0f, 0.0f, 0.0f});
+        for (Geometry* geometry : node->geometries) {
+            Naive::UpdateMesh(*geometry, *node, scene.scale, scene.offset, scene.nodes);
+            Naive::CollectNormals(*geometry, normals);
+        }
+        Naive::NormalizeAll(normals);
+        for (Geometry* geometry : node->geometries)
+            Naive::SetNormals(*geometry, normals);
+    }
 }
 
 } // namespace Naive

@@ -19,4 +19,9 @@ void CollectNormals(const SkinAnimation::Geometry& geometry, std::vector<TVec3<f
 
 void NormalizeAll(std::vector<TVec3<float>>& normals);
 
+void SetNormals(SkinAnimation::Geometry& geometry, const std::vector<TVec3<float>>& normals);
+
+/// What Scene::CreateMeshes() does before it hands meshes over, to every geometry.
+void PoseMeshes(const SkinAnimation::Scene& scene);
+
 } // namespace Naive

@@ -1,13 +1,10 @@
-#include "benchmarks/NaiveSkin.h"
+#include "benchmarks/IdleBuilder.h"
+#include "benchmarks/NaiveO3.h"
+#include "benchmarks/Peers.h"
+#include "benchmarks/Rows.h"
 #include "benchmarks/Workloads.h"
 
-#include <benchmark/benchmark.h>
-
-#include <memory>
-#include <vector>
-
-// "ours" and "naive" of one row share their arguments. Times of different runs
-// say little; the ratio of two rows of one run does.
+namespace Bench {
 
 namespace {
 
@@ -15,110 +12,194 @@ using namespace SkinAnimation;
 using Workloads::Influences;
 
 constexpr std::size_t kBones = 60;
+constexpr float kStep = 40.0f; ///< Between keys, in milliseconds.
+constexpr float kFrame = 1000.0f / 60.0f;
 
+/// A skin, posed once.
 struct Skin {
     std::unique_ptr<Scene> scene;
-    Geometry* geometry;
+    Geometry& geometry;
+    std::vector<TVec3<float>> normals;
+    IdleBuilder builder;
 
-    Skin(std::size_t vertexCount, Influences influences)
-        : scene(Workloads::MakeSkeleton(kBones, 2, 40.0f, 1))
-        , geometry(&Workloads::AddSkin(*scene, vertexCount, influences, 2))
+    Skin(std::size_t size, Influences influences)
+        : scene(Workloads::MakeSkeleton(kBones, 2, kStep, 1))
+        , geometry(Workloads::AddSkin(*scene, size, influences, 2))
+        , normals(scene->root->normalCount, TVec3<float>{0.0f, 0.0f, 0.0f})
     {
         scene->CalculateAnimation(0, 10.0f);
-        geometry->UpdateMesh(scene->root, scene->scale, scene->offset, scene->nodes);
+        UpdateMesh();
+    }
+
+    void UpdateMesh() { geometry.UpdateMesh(scene->root, scene->scale, scene->offset, scene->nodes); }
+    void UpdateMeshBy(decltype(Naive::UpdateMesh) way)
+    {
+        way(geometry, *scene->root, scene->scale, scene->offset, scene->nodes);
+    }
+    void Clear()
+    {
+        normals.assign(normals.size(), TVec3<float>{0.0f, 0.0f, 0.0f});
+        for (MeshVertex& vertex : geometry.meshVertices)
+            vertex.normal = {0.0f, 0.0f, 0.0f};
     }
 };
 
-/// Adds a column: the time that one of `count` things takes.
-void SetTimePer(const char* column, benchmark::State& state, std::size_t count)
+bool AreNear(const std::vector<MeshVertex>& a, const std::vector<MeshVertex>& b)
 {
-    state.counters[column] = benchmark::Counter(static_cast<double>(count),
-                                                benchmark::Counter::kIsIterationInvariantRate
-                                                    | benchmark::Counter::kInvert);
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const MeshVertex& p, const MeshVertex& q) {
+        return Length(p.position - q.position) <= 1e-3f * (1.0f + Length(p.position))
+               && Length(p.normal - q.normal) < 1e-2f;
+    });
 }
 
-template <bool Ours>
-void UpdateMesh(benchmark::State& state)
+Contest Skinning(std::size_t size, Influences influences)
 {
-    const Skin skin(static_cast<std::size_t>(state.range(0)), static_cast<Influences>(state.range(1)));
-    const Scene& scene = *skin.scene;
-    for (auto _ : state) {
-        if constexpr (Ours)
-            skin.geometry->UpdateMesh(scene.root, scene.scale, scene.offset, scene.nodes);
-        else
-            Naive::UpdateMesh(*skin.geometry, *scene.root, scene.scale, scene.offset, scene.nodes);
-        benchmark::ClobberMemory();
+    const auto skin = std::make_shared<Skin>(size, influences);
+    const std::vector<Way> ways{
+        {kOurs, [skin] { skin->UpdateMesh(); }},
+        {kNaive, [skin] { skin->UpdateMeshBy(Naive::UpdateMesh); }},
+        {kNaiveO3, [skin] { skin->UpdateMeshBy(NaiveO3::UpdateMesh); }},
+        {kEigen, [skin] { Peers::UpdateMeshWithEigen(skin->geometry, *skin->scene->root, *skin->scene); }},
+        {kTouch, [skin] { Peers::TouchVertices(skin->geometry); }}};
+    std::vector<MeshVertex>& posed = skin->geometry.meshVertices;
+    const std::vector<MeshVertex> before = posed;
+    RequireSame(
+        ways, [&] { posed.assign(posed.size(), MeshVertex{}); }, [&] { return posed; });
+    ways[3].run();
+    Require(AreNear(before, posed), "vertices, nearly: " + kEigen);
+    return {posed.size(), ways};
+}
+
+Contest Collecting(std::size_t size)
+{
+    const auto skin = std::make_shared<Skin>(size, Influences::Four);
+    const std::vector<Way> ways{{kOurs, [skin] { skin->geometry.CollectNormals(skin->normals); }},
+                                {kNaive, [skin] { Naive::CollectNormals(skin->geometry, skin->normals); }},
+                                {kNaiveO3, [skin] { NaiveO3::CollectNormals(skin->geometry, skin->normals); }}};
+    RequireSame(
+        ways, [&] { skin->Clear(); }, [&] { return skin->normals; });
+    return {skin->geometry.indices.size() / 3, ways};
+}
+
+Contest Writing(std::size_t size)
+{
+    const auto skin = std::make_shared<Skin>(size, Influences::Four);
+    const std::vector<Way> ways{{kOurs, [skin] { skin->geometry.SetNormals(skin->normals); }},
+                                {kNaive, [skin] { Naive::SetNormals(skin->geometry, skin->normals); }},
+                                {kNaiveO3, [skin] { NaiveO3::SetNormals(skin->geometry, skin->normals); }}};
+    const auto reset = [&] {
+        skin->Clear();
+        skin->geometry.CollectNormals(skin->normals);
+    };
+    RequireSame(ways, reset, [&] { return skin->geometry.meshVertices; });
+    return {skin->geometry.indices.size(), ways};
+}
+
+/// All that CreateMeshes() does. Where the geometry has no vertices to be posed
+/// from, that is clearing, collecting, dividing by the length and writing back.
+Contest Making(std::size_t size, bool isPosed)
+{
+    const auto skin = std::make_shared<Skin>(size, Influences::Four);
+    if (!isPosed) std::vector<SkinVertex>().swap(skin->geometry.vertices);
+    const std::vector<Way> ways{{kOurs, [skin] { skin->scene->CreateMeshes(skin->builder); }},
+                                {kNaive, [skin] { Naive::PoseMeshes(*skin->scene); }},
+                                {kNaiveO3, [skin] { NaiveO3::PoseMeshes(*skin->scene); }}};
+    RequireSame(
+        ways, [&] { skin->Clear(); }, [&] { return skin->geometry.meshVertices; });
+    return {skin->geometry.meshVertices.size(), ways};
+}
+
+/// A skeleton in motion, and the times at which it is asked for.
+struct Motion {
+    std::unique_ptr<Scene> scene;
+    std::vector<float> times;
+    std::size_t next = 0;
+
+    Motion(std::size_t nodes, std::size_t keys, bool isPlayback)
+        : scene(Workloads::MakeSkeleton(nodes, keys, kStep, 3))
+    {
+        const float length = static_cast<float>(keys - 1) * kStep;
+        Workloads::Random random(4);
+        // Around the middle: a playback from 0 would hide what searching costs.
+        for (float time = 0.45f * length; isPlayback && time < 0.55f * length; time += kFrame)
+            times.push_back(time);
+        while (!isPlayback && times.size() < 1024)
+            times.push_back(random.Between(0.0f, length));
     }
-    SetTimePer("per vertex", state, skin.geometry->vertices.size());
-}
 
-template <bool Ours>
-void CollectNormals(benchmark::State& state)
-{
-    const Skin skin(static_cast<std::size_t>(state.range(0)), Influences::Four);
-    std::vector<TVec3<float>> normals(skin.scene->root->normalCount, TVec3<float>{0.0f, 0.0f, 0.0f});
-    for (auto _ : state) {
-        if constexpr (Ours)
-            skin.geometry->CollectNormals(normals);
-        else
-            Naive::CollectNormals(*skin.geometry, normals);
-        benchmark::ClobberMemory();
+    float Next() { return times[next++ % times.size()]; }
+
+    std::vector<Matrix> Transforms() const
+    {
+        std::vector<Matrix> list;
+        for (const Node* node : scene->nodes)
+            list.insert(list.end(), {node->localTransform, node->globalTransform, node->meshTransform,
+                                     node->skinTransform, node->skinTransformInverse});
+        return list;
     }
-    SetTimePer("per vertex", state, skin.geometry->vertices.size());
-}
+};
 
-template <bool Ours>
-void CalculateAnimation(benchmark::State& state)
+Contest Posing(std::size_t nodes, std::size_t keys, bool isPlayback)
 {
-    constexpr float kStep = 40.0f;
-    const auto keys = static_cast<std::size_t>(state.range(1));
-    const auto scene = Workloads::MakeSkeleton(static_cast<std::size_t>(state.range(0)), keys, kStep, 3);
-    const bool playback = state.range(2) != 0;
-    const float length = static_cast<float>(keys - 1) * kStep;
-
-    Workloads::Random random(4);
-    std::vector<float> times(1024);
-    for (std::size_t i = 0; i < times.size(); ++i)
-        times[i] = playback ? length * static_cast<float>(i) / static_cast<float>(times.size())
-                            : random.Between(0.0f, length);
-
-    std::size_t next = times.size() / 2; // a playback from 0 would hide what searching costs
-    for (auto _ : state) {
-        const float time = times[next++ % times.size()];
-        if constexpr (Ours)
-            scene->CalculateAnimation(0, time);
-        else
-            Naive::CalculateAnimation(*scene, *scene->animations[0], time);
-        benchmark::ClobberMemory();
-    }
-    SetTimePer("per node", state, scene->nodes.size());
+    const auto motion = std::make_shared<Motion>(nodes, keys, isPlayback);
+    const auto naive = [motion](decltype(Naive::CalculateAnimation) way) {
+        way(*motion->scene, *motion->scene->animations[0], motion->Next());
+    };
+    const std::vector<Way> ways{{kOurs, [motion] { motion->scene->CalculateAnimation(0, motion->Next()); }},
+                                {kNaive, [naive] { naive(Naive::CalculateAnimation); }},
+                                {kNaiveO3, [naive] { naive(NaiveO3::CalculateAnimation); }}};
+    for (std::size_t i = 0; i < 16; ++i)
+        RequireSame(
+            ways, [&] { motion->next = i; }, [&] { return motion->Transforms(); });
+    return {nodes, ways};
 }
 
-void SkinSizes(benchmark::internal::Benchmark* bench)
+void AddSkinning(std::vector<Row>& rows, std::size_t size, Influences mix, std::vector<Target> targets)
 {
-    bench->ArgNames({"vertices", "mix"});
-    for (const int vertices : {24, 200, 5000, 50000, 500000})
-        bench->Args({vertices, static_cast<int>(Influences::Four)});
-    for (const Influences mix : {Influences::Random, Influences::InRuns})
-        bench->Args({50000, static_cast<int>(mix)});
+    const char* const names[] = {"four/", "random/", "runs/"};
+    rows.push_back({"UpdateMesh/" + (names[static_cast<int>(mix)] + std::to_string(size)), "vertex", size <= 5000,
+                    std::move(targets), [=] { return Skinning(size, mix); }});
 }
 
-void PoseSizes(benchmark::internal::Benchmark* bench)
+/// \param isInCache what the targets are about; the times of more show what the memory takes
+void AddNormals(std::vector<Row>& rows, std::size_t size, bool isInCache)
 {
-    bench->ArgNames({"nodes", "keys", "playback"})->Unit(benchmark::kMicrosecond);
-    for (const int playback : {0, 1}) {
-        bench->Args({60, 300, playback});
-        bench->Args({500, 3000, playback});
-    }
+    const std::string suffix = '/' + std::to_string(size);
+    const auto target = [isInCache](double times) {
+        return isInCache ? std::vector<Target>{AtLeast(times, kNaive)} : std::vector<Target>{};
+    };
+    rows.push_back(
+        {"Normals/collect" + suffix, "triangle", isInCache, target(1.75), [size] { return Collecting(size); }});
+    rows.push_back({"Normals/write" + suffix, "corner", isInCache, target(1.5), [size] { return Writing(size); }});
+    rows.push_back({"Normals/all" + suffix, "vertex", isInCache, {}, [size] { return Making(size, false); }});
+    rows.push_back({"CreateMeshes" + suffix, "vertex", isInCache, {}, [size] { return Making(size, true); }});
 }
 
-BENCHMARK_TEMPLATE(UpdateMesh, true)->Name("UpdateMesh/ours")->Apply(SkinSizes);
-BENCHMARK_TEMPLATE(UpdateMesh, false)->Name("UpdateMesh/naive")->Apply(SkinSizes);
-BENCHMARK_TEMPLATE(CollectNormals, true)->Name("CollectNormals/ours")->Arg(5000)->Arg(50000)->Arg(500000);
-BENCHMARK_TEMPLATE(CollectNormals, false)->Name("CollectNormals/naive")->Arg(5000)->Arg(50000)->Arg(500000);
-BENCHMARK_TEMPLATE(CalculateAnimation, true)->Name("CalculateAnimation/ours")->Apply(PoseSizes);
-BENCHMARK_TEMPLATE(CalculateAnimation, false)->Name("CalculateAnimation/naive")->Apply(PoseSizes);
+void AddPosing(std::vector<Row>& rows, std::size_t nodes, std::size_t keys, double times)
+{
+    const std::string name = "CalculateAnimation/" + std::to_string(nodes) + 'x' + std::to_string(keys);
+    for (const bool isPlayback : {false, true})
+        rows.push_back(
+            {name + (isPlayback ? "/playback" : "/seek"), "node", nodes < 100, {AtLeast(times, kNaive)}, [=] {
+                 return Posing(nodes, keys, isPlayback);
+             }});
+}
 
 } // namespace
 
-BENCHMARK_MAIN();
+void AddSkinRows(std::vector<Row>& rows)
+{
+    for (const std::size_t size : {24, 200})
+        AddSkinning(rows, size, Influences::Four, {AtLeast(1.0, kNaive), AtLeast(1.0, kNaiveO3)});
+    for (const std::size_t size : {5000, 50000})
+        AddSkinning(rows, size, Influences::Four, {AtLeast(4.0, kNaiveO3)});
+    AddSkinning(rows, 500000, Influences::Four, {AtLeast(4.0, kNaiveO3), AtMost(1.6, kTouch)});
+    AddSkinning(rows, 50000, Influences::Random, {AtLeast(4.5, kNaive), AtMost(1.15, "UpdateMesh/four/50000")});
+    AddSkinning(rows, 50000, Influences::InRuns, {AtLeast(4.5, kNaive), AtMost(0.85, "UpdateMesh/four/50000")});
+    AddNormals(rows, 5000, true);
+    AddNormals(rows, 500000, false);
+    AddPosing(rows, 60, 300, 3.7);
+    AddPosing(rows, 500, 3000, 45.0);
+}
+
+} // namespace Bench
