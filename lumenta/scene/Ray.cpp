@@ -2,6 +2,7 @@
 
 #include "lumenta/interfaces/IMesh.h"
 #include "lumenta/interfaces/IMeshNode.h"
+#include "lumenta/scene/TraceTriangles.h"
 
 #include <algorithm>
 #include <cmath>
@@ -80,43 +81,6 @@ float ToleranceOf(const TBBox<float>& box)
     return Ray::kTolerance * (valid ? Length(box.max - box.min) : 0.0f);
 }
 
-/// Whether `point`, which lies in the plane of `normal`, is not outside the
-/// edge from `from` to `to` by more than the tolerance.
-bool IsInsideEdge(const Vec3& point, const Vec3& normal, const Vec3& from, const Vec3& to, float tolerance)
-{
-    return Dot(point - from, Normalized(Cross(normal, to - from))) <= tolerance;
-}
-
-/// Moves `end` to where the segment meets the triangle.
-/// \return by how much that shortened the segment; nothing where it doesn't meet
-std::optional<float> ClipAtTriangle(const Vec3& start, Vec3& end, const Vec3& p0, const Vec3& p1, const Vec3& p2,
-                                    float tolerance)
-{
-    Vec3 normal = Cross(p2 - p1, p2 - p0);
-    const float length = Length(normal);
-    if (length == 0.0f)
-        return std::nullopt;
-    normal = {normal.x / length, normal.y / length, normal.z / length};
-
-    const float plane = Dot(normal, p0) + tolerance;
-    float d0 = Dot(normal, start) - plane;
-    float d1 = Dot(normal, end) - plane;
-    if (d0 < 0.0f) {
-        d0 = -d0;
-        d1 = -d1;
-    }
-    if (!(d1 < 0.0f))
-        return std::nullopt;
-
-    const float t = d0 / (d0 - d1);
-    const Vec3 point = PointAt(start, end, t);
-    if (!IsInsideEdge(point, normal, p0, p1, tolerance) || !IsInsideEdge(point, normal, p1, p2, tolerance)
-        || !IsInsideEdge(point, normal, p2, p0, tolerance))
-        return std::nullopt;
-    end = point;
-    return t;
-}
-
 } // namespace
 
 Ray::Ray(const Vec3& from, const Vec3& to)
@@ -176,16 +140,7 @@ float Ray::Trace(const IMesh& mesh) const
     const std::vector<MeshVertex>& vertices = mesh.GetVertices();
     const std::vector<unsigned int>& indices = mesh.GetIndices();
 
-    // Each hit shortens the segment, so that only a nearer one can follow.
-    Vec3 clippedEnd = end;
-    float nearest = kNoHit;
-    for (std::size_t k = 0; k + 3 <= indices.size(); k += 3) {
-        if (const auto t = ClipAtTriangle(start, clippedEnd, vertices[indices[k]].position,
-                                          vertices[indices[k + 1]].position, vertices[indices[k + 2]].position,
-                                          tolerance))
-            nearest *= *t;
-    }
-    return nearest;
+    return TraceTriangles(Kernels::Chosen(), start, end, tolerance, vertices.data(), indices.data(), indices.size() / 3);
 }
 
 void Ray::Clip(float t)

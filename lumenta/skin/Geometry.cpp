@@ -1,5 +1,6 @@
 #include "lumenta/skin/Geometry.h"
 
+#include "lumenta/kernels/Kernels.h"
 #include "lumenta/platform/IMeshNodeBuilder.h"
 #include "lumenta/skin/Node.h"
 #include "lumenta/skin/SkinKernels.h"
@@ -34,21 +35,22 @@ void Geometry::UpdateMesh(const Node* node, const TVec3<float>& scale, const TVe
     Inverse(input.meshInverse, input.mesh);
 
     meshVertices.resize(vertices.size());
-    PoseVertices(input, vertices.data(), vertices.size(), meshVertices.data());
+    PoseVertices(Kernels::Chosen(), input, vertices.data(), vertices.size(), meshVertices.data());
 }
 
 void Geometry::CollectNormals(std::vector<TVec3<float>>& normals) const
 {
     if (SharesNormals(*this, normals))
-        AddFaceNormals(meshVertices.data(), indices.data(), normalIndices.data(), indices.size(), normals.data());
+        Kernels::Chosen().addFaceNormals(meshVertices.data(), indices.data(), normalIndices.data(), indices.size() / 3,
+                                         normals.data());
 }
 
 void Geometry::SetNormals(std::vector<TVec3<float>>& normals)
 {
     if (!SharesNormals(*this, normals))
         return;
-    for (std::size_t k = 0; k < indices.size(); ++k)
-        meshVertices[indices[k]].normal = normals[normalIndices[k]];
+    SetCornerNormals(indices.data(), normalIndices.data(), indices.size(), normals.data(), meshVertices.data(),
+                     meshVertices.size());
 }
 
 void Geometry::AddMesh(IMeshNodeBuilder& builder) const

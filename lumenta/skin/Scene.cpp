@@ -1,8 +1,8 @@
 #include "lumenta/skin/Scene.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "lumenta/kernels/Kernels.h"
 #include "lumenta/skin/KeySampling.h"
-#include "lumenta/skin/SkinKernels.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -189,7 +189,7 @@ void Scene::CollectNodeMeshesRecursively(IMeshNodeBuilder& builder, Node* node) 
             geometry->UpdateMesh(&each, scale, offset, nodes);
             geometry->CollectNormals(normals);
         }
-        NormalizeAll(normals.data(), normals.size());
+        Kernels::Chosen().normalizeAll(normals.data(), normals.size());
         for (Geometry* geometry : each.geometries) {
             geometry->SetNormals(normals);
             geometry->AddMesh(builder);

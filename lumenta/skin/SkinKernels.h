@@ -5,6 +5,7 @@
 // scalar loop; the references in benchmarks/ are those loops.
 
 #include "lumenta/foundation/Matrix.h"
+#include "lumenta/kernels/Kernels.h"
 #include "lumenta/skin/SkinVertex.h"
 
 #include <cstddef>
@@ -28,13 +29,11 @@ struct PoseInput {
 };
 
 /// Writes position, normal and texture coordinate of `count` vertices.
-void PoseVertices(const PoseInput& input, const SkinVertex* vertices, std::size_t count, MeshVertex* posed);
+void PoseVertices(const Kernels::Table& kernels, const PoseInput& input, const SkinVertex* vertices, std::size_t count, MeshVertex* posed);
 
-/// Adds the unit normal of each of the `count` / 3 triangles to its three slots.
-void AddFaceNormals(const MeshVertex* vertices, const std::uint32_t* indices, const std::uint32_t* slotOfCorner,
-                    std::size_t count, TVec3<float>* normals);
-
-/// Divides each normal by its length, unless that is exactly 0.
-void NormalizeAll(TVec3<float>* normals, std::size_t count);
+/// Gives each vertex that is a corner the normal of its last corner's slot.
+/// \param count of corners, less than 2³²
+void SetCornerNormals(const std::uint32_t* indices, const std::uint32_t* slotOfCorner, std::size_t count,
+                      const TVec3<float>* normals, MeshVertex* vertices, std::size_t vertexCount);
 
 } // namespace SkinAnimation

@@ -1,0 +1,90 @@
+#pragma once
+
+// Private to the library: the loops that are compiled once for each processor
+// level. The level is chosen when the first kernel is asked for, from what the
+// processor can do, and never changes. All levels answer with the same bits.
+
+#include "lumenta/foundation/MeshVertex.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace SkinAnimation {
+struct SkinVertex;
+}
+
+namespace Kernels {
+
+/// Triangles that are looked at side by side.
+constexpr std::size_t kBlock = 8;
+
+/// What the candidates among a mesh's triangles are looked for with.
+struct SegmentQuery {
+    TVec3<float> start;
+    TVec3<float> direction; ///< Of length 1.
+    float reach;            ///< Sum of the absolute coordinates of both ends.
+    float tolerance;
+};
+
+/// A matrix for positions beside the turned inverse that moves normals: row by
+/// row four floats of the one, then four of the other. The fourth row of the
+/// latter is -0, which adds nothing to any number.
+struct BoneRows {
+    alignas(32) float rows[4][8];
+};
+
+/// What vertices are posed with.
+struct PoseQuery {
+    BoneRows bind;  ///< From the vertices to the rest pose's world.
+    BoneRows rigid; ///< From the vertices to the pose, for those that no bone holds.
+    /// Of the result: three for positions, then three for normals, each with one behind.
+    alignas(32) float scale[8];
+    alignas(32) float offset[8];
+    const BoneRows* bones;
+    bool isSkinned;
+};
+
+/// The kernels of one level.
+struct Table {
+    /// Triangles that the segment may meet, in blocks of eight, from triangle
+    /// `first` on. What it passes over, no exact test can accept.
+    /// \param candidates bit i for the i-th triangle of the block; never 0
+    /// \return the first triangle of that block, or `count` where none is left
+    std::size_t (*findCandidates)(const SegmentQuery& query, const MeshVertex* vertices, const std::uint32_t* indices,
+                                  std::size_t count, std::size_t first, unsigned& candidates);
+
+    /// Writes position, normal and texture coordinate.
+    void (*poseVertices)(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
+                         MeshVertex* posed);
+
+    /// Adds the unit normal of each triangle to its three slotOfCorner.
+    /// \param count of triangles
+    void (*addFaceNormals)(const MeshVertex* vertices, const std::uint32_t* indices, const std::uint32_t* slotOfCorner,
+                           std::size_t count, TVec3<float>* sums);
+
+    /// Divides each normal by its length, unless that is exactly 0.
+    void (*normalizeAll)(TVec3<float>* normals, std::size_t count);
+};
+
+#if defined(LUMENTA_LEVEL)
+// What this level's table is made of.
+namespace LUMENTA_LEVEL {
+std::size_t FindCandidates(const SegmentQuery& query, const MeshVertex* vertices, const std::uint32_t* indices,
+                           std::size_t count, std::size_t first, unsigned& candidates);
+void PoseVertices(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
+                  MeshVertex* posed);
+void AddFaceNormals(const MeshVertex* vertices, const std::uint32_t* indices, const std::uint32_t* slotOfCorner,
+                    std::size_t count, TVec3<float>* sums);
+void NormalizeAll(TVec3<float>* normals, std::size_t count);
+} // namespace LUMENTA_LEVEL
+#endif
+
+extern const Table baselineTable;
+#if defined(__x86_64__)
+extern const Table avx2Table;
+#endif
+
+/// Those of this processor.
+const Table& Chosen();
+
+} // namespace Kernels

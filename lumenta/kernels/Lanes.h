@@ -1,0 +1,243 @@
+#pragma once
+
+// Private to the kernels. Floats side by side, in the vector dialect that GCC
+// and Clang share: +, -, * and / work lane by lane, and each lane rounds exactly
+// as the scalar expression does.
+//
+// Where the processor has registers of eight, a Float8 is one of them. Elsewhere
+// it is a pair of fours: GCC takes an eight apart badly.
+//
+// Everything has internal linkage: this header is compiled for several
+// processors, and no two of them may ever share a compiled copy.
+
+#include "lumenta/foundation/Vector.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <immintrin.h>
+#endif
+
+#define LUMENTA_LANES_INLINE __attribute__((always_inline)) inline
+
+namespace {
+
+// ---------------------------------------------------------------------- four
+
+using Float4 = float __attribute__((vector_size(16)));
+using Mask4 = std::int32_t __attribute__((vector_size(16)));
+
+LUMENTA_LANES_INLINE Float4 Splat4(float value)
+{
+    return Float4{value, value, value, value};
+}
+
+LUMENTA_LANES_INLINE Float4 Load4(const void* source)
+{
+    Float4 lanes;
+    std::memcpy(&lanes, source, sizeof lanes);
+    return lanes;
+}
+
+LUMENTA_LANES_INLINE void Store4(void* destination, Float4 lanes)
+{
+    std::memcpy(destination, &lanes, sizeof lanes);
+}
+
+/// A vector behind which nothing may be read.
+LUMENTA_LANES_INLINE Float4 Load3(const TVec3<float>& source)
+{
+    return Float4{source.x, source.y, source.z, 0.0f};
+}
+
+/// Three lanes into a vector; what lies behind it is somebody else's.
+LUMENTA_LANES_INLINE void Store3(TVec3<float>& destination, Float4 lanes)
+{
+    using Float2 = float __attribute__((vector_size(8)));
+    const Float2 firstTwo = __builtin_shufflevector(lanes, lanes, 0, 1);
+    std::memcpy(&destination, &firstTwo, sizeof firstTwo);
+    destination.z = lanes[2];
+}
+
+/// Each root is rounded as std::sqrt() does.
+LUMENTA_LANES_INLINE Float4 Sqrt4(Float4 v)
+{
+#if defined(__SSE2__)
+    return reinterpret_cast<Float4>(_mm_sqrt_ps(reinterpret_cast<__m128>(v)));
+#else
+    return Float4{__builtin_sqrtf(v[0]), __builtin_sqrtf(v[1]), __builtin_sqrtf(v[2]), __builtin_sqrtf(v[3])};
+#endif
+}
+
+LUMENTA_LANES_INLINE Float4 Abs4(Float4 v)
+{
+    return reinterpret_cast<Float4>(reinterpret_cast<Mask4>(v) & 0x7fffffff);
+}
+
+LUMENTA_LANES_INLINE Float4 OneForZero4(Float4 v)
+{
+    return v == 0.0f ? Splat4(1.0f) : v;
+}
+
+/// Bit i for lane i.
+LUMENTA_LANES_INLINE unsigned Bits4(Mask4 mask)
+{
+#if defined(__SSE2__)
+    return static_cast<unsigned>(_mm_movemask_ps(reinterpret_cast<__m128>(mask)));
+#else
+    return (mask[0] & 1u) | (mask[1] & 2u) | (mask[2] & 4u) | (mask[3] & 8u);
+#endif
+}
+
+// --------------------------------------------------------------------- eight
+
+#if defined(__AVX2__)
+
+using Float8 = float __attribute__((vector_size(32)));
+using Mask8 = std::int32_t __attribute__((vector_size(32)));
+
+LUMENTA_LANES_INLINE Float8 Join(Float4 low, Float4 high)
+{
+    return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+
+LUMENTA_LANES_INLINE Float4 Low(Float8 v)
+{
+    return __builtin_shufflevector(v, v, 0, 1, 2, 3);
+}
+
+LUMENTA_LANES_INLINE Float4 High(Float8 v)
+{
+    return __builtin_shufflevector(v, v, 4, 5, 6, 7);
+}
+
+/// Of each half of four: A to D name lanes, those of `b` counted from 4.
+template <int A, int B, int C, int D>
+LUMENTA_LANES_INLINE Float8 Mix(Float8 a, Float8 b)
+{
+    constexpr auto place = [](int lane, int half) { return (lane < 4 ? lane : lane + 4) + 4 * half; };
+    return __builtin_shufflevector(a, b, place(A, 0), place(B, 0), place(C, 0), place(D, 0), place(A, 1), place(B, 1),
+                                   place(C, 1), place(D, 1));
+}
+
+LUMENTA_LANES_INLINE Float8 Sqrt8(Float8 v)
+{
+    return reinterpret_cast<Float8>(_mm256_sqrt_ps(reinterpret_cast<__m256>(v)));
+}
+
+LUMENTA_LANES_INLINE Float8 Abs(Float8 v)
+{
+    return reinterpret_cast<Float8>(reinterpret_cast<Mask8>(v) & 0x7fffffff);
+}
+
+LUMENTA_LANES_INLINE Float8 Larger(Float8 a, Float8 b)
+{
+    return a > b ? a : b;
+}
+
+LUMENTA_LANES_INLINE unsigned Bits(Mask8 mask)
+{
+    return static_cast<unsigned>(_mm256_movemask_ps(reinterpret_cast<__m256>(mask)));
+}
+
+/// `a` in lanes whose mask is −1, `b` where it is 0.
+LUMENTA_LANES_INLINE Float8 Select(const std::int32_t* masks, Float8 a, Float8 b)
+{
+    Mask8 mask;
+    std::memcpy(&mask, masks, sizeof mask);
+    return mask ? a : b;
+}
+
+#else
+
+struct Mask8 {
+    Mask4 low;
+    Mask4 high;
+
+    LUMENTA_LANES_INLINE Mask8 operator&(const Mask8& b) const { return {low & b.low, high & b.high}; }
+};
+
+struct Float8 {
+    Float4 low;
+    Float4 high;
+
+    LUMENTA_LANES_INLINE Float8 operator+(const Float8& b) const { return {low + b.low, high + b.high}; }
+    LUMENTA_LANES_INLINE Float8 operator-(const Float8& b) const { return {low - b.low, high - b.high}; }
+    LUMENTA_LANES_INLINE Float8 operator*(const Float8& b) const { return {low * b.low, high * b.high}; }
+    LUMENTA_LANES_INLINE Float8 operator/(const Float8& b) const { return {low / b.low, high / b.high}; }
+    LUMENTA_LANES_INLINE Mask8 operator>(const Float8& b) const { return {low > b.low, high > b.high}; }
+    LUMENTA_LANES_INLINE Mask8 operator<(const Float8& b) const { return {low < b.low, high < b.high}; }
+};
+
+LUMENTA_LANES_INLINE Float8 Join(Float4 low, Float4 high)
+{
+    return {low, high};
+}
+
+LUMENTA_LANES_INLINE Float4 Low(const Float8& v)
+{
+    return v.low;
+}
+
+LUMENTA_LANES_INLINE Float4 High(const Float8& v)
+{
+    return v.high;
+}
+
+template <int A, int B, int C, int D>
+LUMENTA_LANES_INLINE Float8 Mix(const Float8& a, const Float8& b)
+{
+    return {__builtin_shufflevector(a.low, b.low, A, B, C, D), __builtin_shufflevector(a.high, b.high, A, B, C, D)};
+}
+
+LUMENTA_LANES_INLINE Float8 Sqrt8(const Float8& v)
+{
+    return {Sqrt4(v.low), Sqrt4(v.high)};
+}
+
+LUMENTA_LANES_INLINE Float8 Abs(const Float8& v)
+{
+    return {Abs4(v.low), Abs4(v.high)};
+}
+
+LUMENTA_LANES_INLINE Float8 Larger(const Float8& a, const Float8& b)
+{
+    return {a.low > b.low ? a.low : b.low, a.high > b.high ? a.high : b.high};
+}
+
+LUMENTA_LANES_INLINE unsigned Bits(const Mask8& mask)
+{
+    return Bits4(mask.low) | Bits4(mask.high) << 4;
+}
+
+LUMENTA_LANES_INLINE Float8 Select(const std::int32_t* masks, const Float8& a, const Float8& b)
+{
+    Mask4 low;
+    Mask4 high;
+    std::memcpy(&low, masks, sizeof low);
+    std::memcpy(&high, masks + 4, sizeof high);
+    return {low ? a.low : b.low, high ? a.high : b.high};
+}
+
+#endif
+
+LUMENTA_LANES_INLINE Float8 Splat8(float value)
+{
+    return Join(Splat4(value), Splat4(value));
+}
+
+LUMENTA_LANES_INLINE Float8 Load8(const float* source)
+{
+    Float8 lanes;
+    std::memcpy(&lanes, source, sizeof lanes);
+    return lanes;
+}
+
+LUMENTA_LANES_INLINE Float8 OneForZero(const Float8& v)
+{
+    return Join(OneForZero4(Low(v)), OneForZero4(High(v)));
+}
+
+} // namespace

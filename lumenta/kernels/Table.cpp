@@ -1,0 +1,11 @@
+#include "lumenta/kernels/Kernels.h"
+
+#define LUMENTA_JOINED(a, b) a##b
+#define LUMENTA_TABLE(level) LUMENTA_JOINED(level, Table)
+
+namespace Kernels {
+
+const Table LUMENTA_TABLE(LUMENTA_LEVEL) = {LUMENTA_LEVEL::FindCandidates, LUMENTA_LEVEL::PoseVertices,
+                                            LUMENTA_LEVEL::AddFaceNormals, LUMENTA_LEVEL::NormalizeAll};
+
+} // namespace Kernels

@@ -1,0 +1,179 @@
+#include "benchmarks/NaiveScene.h"
+#include "benchmarks/NaiveSkin.h"
+#include "benchmarks/SceneStandIns.h"
+#include "benchmarks/Workloads.h"
+#include "lumenta/scene/TraceTriangles.h"
+#include "lumenta/skin/SkinKernels.h"
+
+#include <QtTest>
+
+#include <algorithm>
+#include <cmath>
+
+// Every level against the plain definitions: the same bits, or both not a number.
+
+using namespace SkinAnimation;
+using Workloads::Random;
+using Vec3 = TVec3<float>;
+Q_DECLARE_METATYPE(const Kernels::Table*)
+
+namespace {
+
+template <typename Record>
+bool Same(const std::vector<Record>& a, const std::vector<Record>& b)
+{
+    const auto* const x = reinterpret_cast<const float*>(a.data());
+    const auto* const y = reinterpret_cast<const float*>(b.data());
+    return std::equal(x, x + a.size() * sizeof(Record) / sizeof(float), y, [](float p, float q) {
+        return std::memcmp(&p, &q, sizeof p) == 0 || (std::isnan(p) && std::isnan(q));
+    });
+}
+
+Vec3 OddVector(Random& random)
+{
+    return {Workloads::OddFloat(random), Workloads::OddFloat(random), Workloads::OddFloat(random)};
+}
+
+/// Triangles about the unit cube that are hard to pass over rightly: needles,
+/// caps, collinear corners, sizes from next to nothing to the cube's own, many of
+/// them near `ray`; and odd values in an odd mesh.
+std::vector<Vec3> HardTriangles(Random& random, const Ray& ray, float scale, const Vec3& shift, bool odd)
+{
+    std::vector<Vec3> corners;
+    for (int i = 0; i < 40; ++i) {
+        const float size = std::pow(10.0f, random.Between(-6.0f, 0.0f));
+        Vec3 a = Workloads::RandomVector(random, -1.0f, 1.0f) * scale + shift;
+        if (random.Below(3) != 0) a = ray.start + (ray.end - ray.start) * random.Between(-0.2f, 1.2f);
+        const Vec3 u = Workloads::RandomVector(random, -size, size) * scale;
+        const float thin = random.Below(2) != 0 ? std::pow(10.0f, random.Between(-7.0f, 0.0f)) : 0.5f;
+        const Vec3 v = u * random.Between(-1.0f, 2.0f) + Workloads::RandomVector(random, -size, size) * (thin * scale);
+        a = a - u * random.Between(-1.5f, 1.5f) - v * random.Between(-1.5f, 1.5f);
+        corners.insert(corners.end(), {a, a + u, a + v});
+        if (odd && random.Below(4) == 0) corners[corners.size() - 1 - random.Below(3)] = OddVector(random);
+    }
+    return corners;
+}
+
+} // namespace
+
+class LevelsTest : public QObject {
+    Q_OBJECT
+
+    static void Levels()
+    {
+        QTest::addColumn<const Kernels::Table*>("level");
+        QTest::newRow("baseline") << &Kernels::baselineTable;
+#if defined(__x86_64__)
+        if (__builtin_cpu_supports("avx2"))
+            QTest::newRow("AVX2") << &Kernels::avx2Table;
+        else
+            qWarning("this processor lacks AVX2: that level is not tested");
+#endif
+    }
+
+private Q_SLOTS:
+    void Skins_data() { Levels(); }
+
+    void Skins()
+    {
+        QFETCH(const Kernels::Table*, level);
+        Random random(5);
+        for (const auto mix : {Workloads::Influences::Four, Workloads::Influences::Random, Workloads::Influences::InRuns})
+            for (const std::size_t count : {1, 7, 33, 20000}) {
+                const auto scene = Workloads::MakeSkeleton(count == 7 ? 400 : 60, 2, 40.0f, count);
+                Geometry& skin = Workloads::AddSkin(*scene, count, mix, count + 1);
+                scene->CalculateAnimation(0, 25.0f);
+                for (SkinVertex& vertex : skin.vertices) {
+                    if (random.Below(3) != 0) continue;
+                    (random.Below(2) != 0 ? vertex.position : vertex.normal) = OddVector(random);
+                    const auto dead = std::find(vertex.weights, vertex.weights + 4, 0.0f) - vertex.weights;
+                    std::fill(vertex.boneIndices + dead, vertex.boneIndices + 4, std::uint16_t(65535));
+                    if (dead < 3) vertex.weights[dead + 1] = Workloads::OddFloat(random);
+                    if (random.Below(20) == 0) vertex.weights[0] = -1.0f;
+                }
+                scene->nodes[1]->skinTransform.m[random.Below(16)] = Workloads::OddFloat(random);
+                Geometry plain = skin;
+                const Vec3 scale{-0.5f, 3.0f, count == 33 ? 0.0f : 1.0f}, offset{0.1f, -2.0f, 1e6f};
+                Naive::UpdateMesh(plain, *scene->root, scale, offset, scene->nodes);
+
+                PoseInput input{true, scene->root->bindTransform, {}, scene->root->meshTransform, {}, scale, offset,
+                                scene->nodes.data(), scene->nodes.size()};
+                Inverse(input.bindInverse, input.bind);
+                Inverse(input.meshInverse, input.mesh);
+                skin.meshVertices.resize(skin.vertices.size());
+                PoseVertices(*level, input, skin.vertices.data(), skin.vertices.size(), skin.meshVertices.data());
+                for (std::size_t i = 0; i < skin.vertices.size(); ++i) { // nobody writes the others
+                    skin.meshVertices[i].tangent = plain.meshVertices[i].tangent = {};
+                    skin.meshVertices[i].bitangent = plain.meshVertices[i].bitangent = {};
+                    skin.meshVertices[i].handedness = plain.meshVertices[i].handedness = 1.0f;
+                }
+                QVERIFY(Same(skin.meshVertices, plain.meshVertices));
+
+                std::vector<Vec3> ours(scene->root->normalCount), theirs(ours);
+                level->addFaceNormals(skin.meshVertices.data(), skin.indices.data(), skin.normalIndices.data(),
+                                      skin.indices.size() / 3, ours.data());
+                Naive::CollectNormals(plain, theirs);
+                QVERIFY(Same(ours, theirs));
+                level->normalizeAll(ours.data(), ours.size());
+                Naive::NormalizeAll(theirs);
+                QVERIFY(Same(ours, theirs));
+            }
+    }
+
+    // Some vertices are no corner's, and hold what looks like the number of one.
+    void CornersDecideInTurn()
+    {
+        Random random(9);
+        for (int round = 0; round < 2000; ++round) {
+            const std::uint32_t vertexCount = 1 + random.Below(40);
+            std::vector<MeshVertex> ours(vertexCount);
+            for (MeshVertex& vertex : ours) {
+                const std::uint32_t bits = random.Below(80);
+                std::memcpy(&vertex.normal.x, &bits, sizeof bits);
+            }
+            std::vector<std::uint32_t> indices(3 * random.Below(20)), slotOfCorner;
+            std::vector<Vec3> normals(7);
+            for (Vec3& normal : normals)
+                normal = OddVector(random);
+            for (std::uint32_t& index : indices) {
+                index = random.Below(vertexCount);
+                slotOfCorner.push_back(random.Below(7));
+            }
+            std::vector<MeshVertex> plain = ours;
+            for (std::size_t k = 0; k < indices.size(); ++k)
+                plain[indices[k]].normal = normals[slotOfCorner[k]];
+            SetCornerNormals(indices.data(), slotOfCorner.data(), indices.size(), normals.data(), ours.data(), vertexCount);
+            QVERIFY(Same(ours, plain));
+        }
+    }
+
+    void Triangles_data() { Levels(); }
+
+    void Triangles()
+    {
+        QFETCH(const Kernels::Table*, level);
+        Random random(17);
+        int hits = 0;
+        for (int round = 0; round < 60000; ++round) {
+            const float scale = std::pow(10.0f, random.Between(-3.0f, 4.0f));
+            const Vec3 shift = Workloads::RandomVector(random, -1.0f, 1.0f) * (round % 5 == 0 ? 1e4f : scale);
+            const Vec3 start = Workloads::RandomVector(random, -2.0f, 2.0f) * scale + shift;
+            const float length = round % 3 == 0 ? std::pow(10.0f, random.Between(-30.0f, 3.5f)) : 3.0f;
+            const Ray ray(start, start + Workloads::RandomVector(random, -length, length) * scale);
+            StandIn::Mesh mesh(HardTriangles(random, ray, scale, shift, round % 7 == 0));
+            if (round % 4 == 0) mesh.box = TBBox<float>(shift, shift + Vec3{500.0f, 0.0f, 0.0f} * scale);
+
+            const bool isValid = mesh.box.min.x <= mesh.box.max.x && mesh.box.min.y <= mesh.box.max.y
+                                 && mesh.box.min.z <= mesh.box.max.z;
+            const float tolerance = 0.0001f * (isValid ? Length(mesh.box.max - mesh.box.min) : 0.0f);
+            const float ours = TraceTriangles(*level, ray.start, ray.end, tolerance, mesh.vertices.data(),
+                                              mesh.indices.data(), mesh.indices.size() / 3);
+            QVERIFY(Same(std::vector<float>{ours}, std::vector<float>{Naive::Trace(ray, mesh)}));
+            hits += ours < 1.0f;
+        }
+        QVERIFY2(hits > 5000, qPrintable(QString::number(hits)));
+    }
+};
+
+QTEST_APPLESS_MAIN(LevelsTest)
+#include "levels_test.moc"
