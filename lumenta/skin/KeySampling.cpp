@@ -8,8 +8,8 @@ namespace SkinAnimation {
 
 namespace {
 
-/// Longer tracks are bisected. Times ascend, so both ways find the same key.
-constexpr std::size_t kScanLimit = 32;
+/// Longer tracks are searched. Times ascend, so both ways find the same key.
+constexpr std::ptrdiff_t kScanLimit = 32;
 
 TVec3<float> Lerp(const TVec3<float>& a, const TVec3<float>& b, float factor)
 {
@@ -24,12 +24,32 @@ KeyFrame Interpolate(const KeyFrame& a, const KeyFrame& b, float factor)
 
 /// The first key after the front one that lies strictly later than `time`, or
 /// the end. Of keys with one time the last is thus the earlier of the pair.
+///
+/// Looks first where the key would lie if they were evenly spaced, then in
+/// growing steps from there: a search from the middle of a long track would
+/// fetch a line of memory at each step.
 const KeyFrame* FirstLater(const KeyFrame* first, const KeyFrame* end, float time)
 {
     const auto isLater = [time](const KeyFrame& key) { return key.time > time; };
-    if (static_cast<std::size_t>(end - first) <= kScanLimit)
-        return std::find_if(first + 1, end, isLater);
-    return std::partition_point(first + 1, end, [&](const KeyFrame& key) { return !isLater(key); });
+    const std::ptrdiff_t count = end - first;
+    if (count <= kScanLimit) return std::find_if(first + 1, end, isLater);
+
+    const float share = (time - first->time) / (end[-1].time - first->time);
+    std::ptrdiff_t low =
+        share > 0.0f && share < 1.0f ? static_cast<std::ptrdiff_t>(share * static_cast<float>(count - 1)) : 0;
+    std::ptrdiff_t high = std::min(low + 1, count);
+    std::ptrdiff_t step = 1;
+    while (low > 0 && isLater(first[low])) {
+        high = low;
+        low = std::max<std::ptrdiff_t>(low - step, 0);
+        step *= 2;
+    }
+    while (high < count && !isLater(first[high])) {
+        low = high;
+        high = std::min(high + step, count);
+        step *= 2;
+    }
+    return std::partition_point(first + low + 1, first + high, [&](const KeyFrame& key) { return !isLater(key); });
 }
 
 Matrix RotationOf(const Quaternion& q)
@@ -47,6 +67,19 @@ Matrix RotationOf(const Quaternion& q)
     return r;
 }
 
+Matrix LiteralTransform(const KeyFrame& key, const Matrix& rotation)
+{
+    Matrix scale;
+    scale.m[0] = key.scale.x;
+    scale.m[5] = key.scale.y;
+    scale.m[10] = key.scale.z;
+
+    Matrix translation;
+    translation.SetTranslation(key.translation);
+
+    return scale * rotation * translation;
+}
+
 } // namespace
 
 Quaternion Slerp(const Quaternion& q0, const Quaternion& q1, float factor)
@@ -62,8 +95,7 @@ Quaternion Slerp(const Quaternion& q0, const Quaternion& q1, float factor)
         w0 = std::sin((1.0f - factor) * angle) * s;
         w1 = std::sin(factor * angle) * s;
     }
-    if (dot < 0.0f)
-        w1 = -w1;
+    if (dot < 0.0f) w1 = -w1;
 
     return {q0.x * w0 + q1.x * w1, q0.y * w0 + q1.y * w1, q0.z * w0 + q1.z * w1, q0.w * w0 + q1.w * w1};
 }
@@ -77,10 +109,8 @@ KeyFrame InterpolateAt(const KeyFrame& a, const KeyFrame& b, float time)
 
 KeyFrame SampleTrack(const std::vector<KeyFrame>& keys, float time)
 {
-    if (keys.size() == 1 || keys.front().time >= time)
-        return keys.front();
-    if (time >= keys.back().time)
-        return keys.back();
+    if (keys.size() == 1 || keys.front().time >= time) return keys.front();
+    if (time >= keys.back().time) return keys.back();
 
     const KeyFrame* const end = keys.data() + keys.size();
     const KeyFrame* const later = FirstLater(keys.data(), end, time);
@@ -91,15 +121,23 @@ KeyFrame SampleTrack(const std::vector<KeyFrame>& keys, float time)
 
 Matrix TransformOf(const KeyFrame& key)
 {
-    Matrix scale;
-    scale.m[0] = key.scale.x;
-    scale.m[5] = key.scale.y;
-    scale.m[10] = key.scale.z;
-
-    Matrix translation;
-    translation.SetTranslation(key.translation);
-
-    return scale * RotationOf(key.rotation) * translation;
+    // Of the products scale * rotation * translation all but these terms are
+    // zeros, and adding 0 does what adding them does: it turns -0 into +0. Where
+    // anything is not finite, those zeros would not be zeros.
+    const Matrix rotation = RotationOf(key.rotation);
+    const float scales[3] = {key.scale.x, key.scale.y, key.scale.z};
+    Matrix result;
+    float finite = 0.0f;
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j) {
+            float& element = result.m[4 * i + j];
+            element = scales[i] * rotation.m[4 * i + j] + 0.0f;
+            finite += element * 0.0f;
+        }
+    const TVec3<float>& t = key.translation;
+    result.SetTranslation({t.x + 0.0f, t.y + 0.0f, t.z + 0.0f});
+    finite += t.x * 0.0f + t.y * 0.0f + t.z * 0.0f;
+    return finite == 0.0f ? result : LiteralTransform(key, rotation);
 }
 
 } // namespace SkinAnimation

@@ -124,6 +124,17 @@ private Q_SLOTS:
         const float length = ours->animations[0]->duration;
 
         Random random(31);
+        auto& tracks = ours->animations[0]->layers[0].tracks;
+        for (std::size_t i = 0; i < tracks.size(); ++i) {
+            for (KeyFrame& key : tracks[i].keys) { // with zeros of both signs, and what is not finite
+                const std::uint32_t part = random.Below(i % 2 != 0 ? 12 : 1000);
+                if (part == 0) MakeOdd(key.translation, random);
+                if (part == 1) MakeOdd(key.rotation, random);
+                if (part == 2) MakeOdd(key.scale, random);
+                if (part == 3) key.scale = key.translation = {-0.0f, 0.0f, -0.0f};
+            }
+            naive->animations[0]->layers[0].tracks[i].keys = tracks[i].keys;
+        }
         std::vector<float> times = {-1.0f, 0.0f, length, length * 2.0f, kNaN, kInfinity, -kInfinity};
         for (int i = 0; i < 100; ++i) {
             times.push_back(random.Between(0.0f, length));
