@@ -127,11 +127,13 @@ private Q_SLOTS:
         Row("inside", GetRelativePath("/a/doc", "/a/doc/tex/../b.png"), "b.png");
         Row("outside, as it was", GetRelativePath("/a/doc", "/a/./other.png"), "/a/./other.png");
         Row("outside, as it was, not absolute either", GetRelativePath("/a/doc", "../b.png"), "../b.png");
+        Row("inside, with dots before its name", GetRelativePath("/a/doc", "/a/doc/..b.png"), "..b.png");
         Row("the base itself", GetRelativePath("/a/doc", "/a/doc/"), ".");
         Row("inside, Windows", GetRelativePath("doc", m_path + "/doc/tex/wood.png"), "tex\\wood.png");
         PathRow("outside, Windows", GetRelativePath("doc", m_path + "/doc/../a/b.png"), "~\\a\\b.png");
         Row("a drive is no root here", GetRelativePath("C:\\Docs", "C:/Docs/a/b.png"), "C:\\Docs\\a\\b.png");
         Row("a resource", GetRelativePath("C:\\Docs", ":/icons/a.png"), ":/icons/a.png");
+        Row("a colon alone makes no resource", GetRelativePath("C:\\Docs", ":icons/a.png"), ":icons\\a.png");
         Row("without a base", GetRelativePath("", "a/../b\\c.png"), "a/../b\\c.png");
         Row("of nothing", GetRelativePath("C:\\Docs", ""), "");
 
@@ -146,6 +148,13 @@ private Q_SLOTS:
         Row("name: every sign", SanitizeFilename("a/\\\"'`~|,?<>:;*^$#@ b", "_"), "a___________________b");
         Row("name: innocent signs", SanitizeFilename("A.b-c_d(e)[f]{g}=%&!+", ""), "A.b-c_d(e)[f]{g}=%&!+");
         Row("name: three dots are two and one", SanitizeFilename("a...b....c", "_"), "a_.b__c");
+        const QString signs = "/\\\"'`~|,?<>:;*^$#@ ";
+        QString turned = SanitizeFilename("..", "/_"), twice = "/__";
+        for (int i = 1; i < signs.size(); ++i) {
+            turned += SanitizeFilename(signs.mid(i - 1, 1), signs.mid(i, 1) + "_");
+            twice += signs.mid(i, 1) + "__";
+        }
+        Row("name: the next sign's turn comes later", turned, twice);
         Row("name: the replacement's dots stay, its signs do not", SanitizeFilename("a/b", "..?@"), "a....?..?@..?@b");
     }
     void Paths() { CompareAnswer(); }

@@ -37,6 +37,7 @@ private Q_SLOTS:
         reader.setData("text/html", "x");
         QCOMPARE(reader.formats(), (QStringList{"text/uri-list", "text/plain"}));
         QVERIFY(reader.hasUrls() && reader.hasText() && !reader.hasFormat("Text/Plain") && !reader.hasHtml());
+        QVERIFY(!reader.hasFormat("text/uri-list "));
         QCOMPARE(reader.data("text/html"), QByteArray("x"));
         QCOMPARE(reader.text(), QString("oak"));
         QCOMPARE(material.retrieveData("text/plain", QVariant::Int), QVariant(QString("oak")));
@@ -46,6 +47,12 @@ private Q_SLOTS:
         QCOMPARE(GetDefaultMaterial(m_path), (Parameters{{"gloss", "0.5"}}));
         QCOMPARE(material.GetParameters(), m_oak);
         QCOMPARE(material.GetBaseFolder(), QFileInfo(m_path).path());
+        QFile file(m_path);
+        QString name;
+        Parameters read;
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        ReadMaterial(file.readAll(), name, read);
+        QCOMPARE(name, QString("oak"));
         QVERIFY(material.IsMaterial() && material.GetName() == "oak" && reader.inherits("MaterialMimeData"));
 
         QVERIFY(Write(m_path) && reader.urls().size() == 1 && QFile(m_path).size() == 5); // written once by each object
@@ -60,6 +67,7 @@ private Q_SLOTS:
             return material.IsMaterial() ? QString() : material.urls().value(0).toLocalFile();
         };
         QCOMPARE(offered("/wood/a b#1%20.png"), QString("/wood/a b#1%20.png"));
+        QCOMPARE(offered(QUrl("/wood/b.png")), QString("/wood/b.png")); // whatever has a text
         QVERIFY(!QFile::exists(m_path));
         QVERIFY(offered("") == m_path && QFile::exists(m_path)); // there is no image, so the material is written
     }

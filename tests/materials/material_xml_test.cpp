@@ -66,6 +66,7 @@ private Q_SLOTS:
             row(version, Material(one, QByteArray("name='oak' version='") + version + "'"), "unnamed / " + kVersion);
         row("no version", Material(one, "name='oak'"), "unnamed / " + kVersion);
         row("no name", Material("", "version='1'"), "unnamed / Invalid material format: can't find 'material.name'");
+        row("neither version nor name", Material("", ""), "unnamed / " + kVersion);
         row("an empty name", Material(one, "version='1' name=''"), " a=1");
         row("no content", Material(""), "oak / " + kEmpty);
         row("white space only", Material(" \n\t&#32;"), "oak / " + kEmpty);
@@ -75,6 +76,7 @@ private Q_SLOTS:
         row("another case", Material(one + "<Parameter name='b' value=''/>"), unsupported + "Parameter'");
         row("an instruction of the right name", Material("<?parameter name='a' value='1'?>"), "oak / " + kLacks);
         row("no value", Material(one + "<parameter name='b'/>"), "oak a=1 / " + kLacks);
+        row("a value without a name", Material(one + "<parameter value='2'/>"), "oak a=1 / " + kLacks);
         row("the same again", Material(one + one + "<x/>"), "oak a=1 / " + kDouble);
         row("another value, and back", Material(one + Parameter("2") + one), "oak a=1");
         row("an attribute twice", Material("<parameter name='a' value='1' value='2'/>"), "oak a=2");
@@ -167,7 +169,7 @@ private Q_SLOTS:
                               {"integer", std::numeric_limits<qlonglong>::min()}};
         Parameters read = {{"double", "1234567.25"}, {"flag", "true"}, {"no text", ""},
                            {"integer", "-9223372036854775808"}};
-        for (const char* text : {" ", "\"<&>'", " \n\t\r ", "%1", "]]>", "&amp;", "\U0001D11E", "<!-- -->"})
+        for (const char* text : {"", " ", "\"<&>'", " \n\t\r ", "%1", "]]>", "&amp;", "\U0001D11E", "<!-- -->"})
             written[text] = read[text] = QString::fromUtf8(text);
         QTemporaryFile file;
         QVERIFY(file.open() && file.write(MaterialToXml("<\"&\n'>", written)) > 0 && file.flush());

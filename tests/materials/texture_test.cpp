@@ -44,6 +44,8 @@ private Q_SLOTS:
         // 2^24 + 1 is no float, 2^24 + 2 is.
         Row("a sum is rounded once", Floats(Placed(TT_Rotate180, {16777217, -16777217, 1, -1})),
             "-1, 0, 0, 0, 1, 0, 16777218, -16777218, 1");
+        Row("what is no sum by itself", Floats(Placed(TT_MirrorU, {16777217, -16777217, 1, -1})),
+            "-1, 0, 0, 0, -1, 0, 16777218, -16777216, 1");
     }
     void Placements() { CompareAnswer(); }
 };

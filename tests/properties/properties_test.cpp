@@ -76,7 +76,10 @@ private Q_SLOTS:
         const QScopedPointer<IFileSource> models(host.helper.CreateFileSource("model"));
         QVERIFY(images->inherits("FileSource") && models->inherits("ModelSourceImpl"));
         QVERIFY(!images->parent() && !models->parent() && !host.helper.CreateFileSource("Image"));
+        QVERIFY(!host.helper.CreateFileSource("Model") && !host.helper.CreateFileSource(""));
         QVERIFY(images->GetOfferedFiles() == host.images.GetRecentFiles() && models->GetOfferedFiles().isEmpty());
+        host.images.recent = QStringList("/latest.png");
+        QCOMPARE(images->GetOfferedFiles(), QStringList("/latest.png"));
         QVERIFY(images->AcceptsFile("photo.JPG") && !images->AcceptsFile("png") && !images->AcceptsFile("a.obj"));
         QVERIFY(models->AcceptsFile("a.b.PLY") && !models->AcceptsFile("obj") && !models->AcceptsFile("a.png"));
     }

@@ -38,6 +38,7 @@ private Q_SLOTS:
         Row("render: neither side, aspect kept", Adjusted(0, 0, 0.05f, true), "410 x 8192");
         Row("render: a width", Adjusted(1000, 0, 3.0f), "1000 x 333");
         Row("render: a half goes up", Adjusted(1001, 0, 2.0f), "1001 x 501");
+        Row("render: a half is added in float", Adjusted(0, 1, std::nextafter(0.5f, 0.0f)), "1 x 1");
         Row("render: a height", Adjusted(0, 300, 2.0f), "600 x 300");
         Row("render: a height, aspect kept", Adjusted(0, 333, 0.5f, true), "167 x 333");
         Row("render: a height that makes it too wide", Adjusted(0, 5000, 3.0f), "8192 x 2731");
@@ -54,6 +55,7 @@ private Q_SLOTS:
         const auto fit = [](QSize size, QSize bounds) { return Text(FitSizeToAnother(size, bounds)); };
         Row("fit: too wide", fit({400, 100}, {200, 200}), "200 x 50");
         Row("fit: too high, by more than too wide", fit({400, 301}, {399, 100}), "133 x 100");
+        Row("fit: it does, to the last pixel", fit({16777217, 1}, {16777217, 1}), "16777217 x 1");
         Row("fit: into nothing", fit({400, 300}, {0, 0}), "0 x 0");
         Row("fit: nothing wide into nothing wide", fit({0, 300}, {0, 100}), "0 x 100");
         Row("fit: into less than nothing saturates", fit({0, 5}, {10, -5}), Text({0, kMost}));
@@ -73,6 +75,7 @@ private Q_SLOTS:
             return Text(GetOptimalRenderWindowSize(image, {320, 240}, most, extra));
         };
         Row("window: too wide", window({2000, 901}, 50), "1000 x 501");
+        Row("window: too wide, then as high as may be", window({2000, 901}, 50, {1000, 501}), "1000 x 501");
         Row("window: too high", window({900, 900}, 50), "750 x 800");
         Row("window: too wide, then too high", window({2001, 2000}, 100), "700 x 800");
         Row("window: the least wins over the most", window({640, 480}, 0, {100, 100}), "320 x 240");
@@ -86,6 +89,7 @@ private Q_SLOTS:
         Row("times: as those before", Times(20001, 1000, 5, 2, 0), "1000 19001 21001 79004");
         Row("times: longer than those before", Times(20000, 10001, 4, 3, 0), "10001 90009 30001 190019");
         Row("times: by its percentage", Times(10000, 1000, 5, 3, 30), "1000 2333 11000 11221");
+        Row("times: by its first percent", Times(0, 1000, 1, 1, 1), "1000 99000 1000 99000");
         Row("times: the last, done", Times(10000, 1000, 5, 5, 100), "1000 0 11000 0");
         Row("times: beyond the last", Times(100, 10, 1, 3, 100), "10 0 110 18446744073709551544");
         Row("times: beyond all frames that can be", Times(0, 5, kLeast, kMost, 100), "5 0 5 0");

@@ -32,7 +32,7 @@ QString Called(Parse parse, const char* argument, Result result, Bounds... bound
         return taker(context->argument(0), caller) ? QScriptValue("taken") : QScriptValue();
     };
     engine.globalObject().setProperty("take", engine.newFunction(take));
-    const QString program = "try { take(%1) } catch (e) { e instanceof Error ? e.message : 'no Error' }";
+    const QString program = "try { take(%1) } catch (e) { e.constructor === Error ? e.message : 'no Error' }";
     const QString answer = engine.evaluate(program.arg(argument)).toString();
     return (engine.hasUncaughtException() ? "uncaught " : "") + answer + "; " + QVariant(result).toString();
 }
@@ -105,6 +105,8 @@ private Q_SLOTS:
         Row("1 is not true", Called(Bool, "1", false), wrong.arg("1", "boolean", "false"));
         label = "%1";
         Row("the name is filled in first", Called(Int, "5", -7, 0, 1), "0 should be in range [1, %3]; 5");
+        const char* const filled = "x: invalid parameter '%2', integer expected; -7";
+        Row("the name is filled in first, with a wrong type, too", Called(Int, "'x'", -7, 0, 1), filled);
     }
 
     void Arguments() { CompareAnswer(); }

@@ -47,6 +47,7 @@ struct UserInterface final : IUserInterface {
 struct ImageManager final : IImageManager {
     std::vector<ImageSaverInfo> savers;
     std::vector<ImageLoaderInfo> loaders;
+    QStringList recent{"/late.png", "/early.jpg"};
     mutable QStringList asked;
     IImage* image = reinterpret_cast<IImage*>(&asked);
     IImageSaver* saver = reinterpret_cast<IImageSaver*>(&asked);
@@ -55,7 +56,7 @@ struct ImageManager final : IImageManager {
     std::vector<ImageLoaderInfo> GetLoaderFormats() const override { return loaders; }
     IImageSaver* CreateSaver(const ImageSaverInfo& of) const override { return asked << of.id + of.extension, saver; }
     IImage* LoadImageFile(const QString& fileName) override { return asked << fileName, image; }
-    QStringList GetRecentFiles() const override { return {"/late.png", "/early.jpg"}; }
+    QStringList GetRecentFiles() const override { return recent; }
     // clang-format off
     IImage* DecodeImage(const QByteArray&, const QString&) override { No(); }
     IImage* CreateImage(const QSize&) override { No(); } IImage* FindImage(const QString&) const override { No(); }

@@ -24,14 +24,18 @@ struct Saver final : ISceneSaver {
 
 /// Makes nothing for the id "no". Notes what it is asked for.
 struct Registry final : ISerializersRegistry {
-    QList<SerializerInfo> loaders{{"gz", "packed", "GZ"}, {"", "mesh", "obj"}, {"", "bare", ""}, {"", "later", "OBJ"}};
+    QList<SerializerInfo> loaders{{"gz", "packed", "GZ"}, {"", "mesh", "obj"}, {"", "bare", ""},
+                                  {"", "later", "OBJ"}, {"", "no", "nil"}};
     QList<SerializerInfo> savers{{"gz", "no", "nil"}, {"", "text", "hidden"}, {"", "wide", QChar(0xe4)}};
     mutable QStringList asked;
 
     QList<SerializerInfo> GetSavers() const override { return asked << QStringLiteral("savers"), savers; }
     QList<SerializerInfo> GetLoaders() const override { return asked << QStringLiteral("loaders"), loaders; }
     QList<QString> GetOpenableExtensions() const override { No(); }
-    ISceneLoader* CreateLoader(const QString& id) const override { return asked << id, new Loader; }
+    ISceneLoader* CreateLoader(const QString& id) const override
+    {
+        return asked << id, id == "no" ? nullptr : new Loader;
+    }
     ISceneSaver* CreateSaver(const QString& id) const override { return asked << id, id == "no" ? nullptr : new Saver; }
 };
 
@@ -70,6 +74,7 @@ private Q_SLOTS:
         Row("none", Loaded("/a.obj/b.c"), "loaders loaders: no, Can't find scene loader for file 'b.c'");
         Row("a hidden file", Saved("/a/.hidden"), "savers savers text: yes, made");
         Row("case beyond Latin", Saved(QStringLiteral("a.") + QChar(0xc4)), "savers savers wide: yes, made");
+        Row("a loader that can't be made", Loaded("a.NIL"), "loaders loaders no: yes, null");
         Row("a saver that can't be made", Saved("a.NIL"), "savers savers no: yes, null");
         Row("loaders don't save", Saved("/b%1.obj"), "savers savers: no, Can't find scene saver for file 'b%1.obj'");
     }
@@ -95,6 +100,9 @@ private Q_SLOTS:
         manager.savers = {{"", "first ", "png"}, {"", "later ", "PNG"}};
         QCOMPARE(CreateImageSaverByFilename(&manager, "/a/b.Png"), manager.saver);
         QCOMPARE(manager.asked, QStringList("first png"));
+        manager.saver = nullptr;
+        QVERIFY(!CreateImageSaverByFilename(&manager, "a.png")); // the later one is not tried
+        QCOMPARE(manager.asked.mid(1), QStringList("first png"));
         try {
             CreateImageSaverByFilename(&manager, "/a.png/b.%2");
             QFAIL("nothing was thrown");
@@ -116,6 +124,8 @@ private Q_SLOTS:
         QVERIFY(helper.LoadImage("gone/a.png", resolved) == manager.image && resolved == "/nowhere/gone/a.png");
         base = folder.path();
         QVERIFY(helper.LoadImage("gone/a.png", resolved) && resolved == there);
+        QString both = "gone/a.png"; // the stored name may be the one that is replaced
+        QVERIFY(helper.LoadImage(both, both) && both == there && manager.asked.takeLast() == there);
         QCOMPARE(manager.asked, QStringList({"/nowhere/gone/a.png", there}));
     }
 };
