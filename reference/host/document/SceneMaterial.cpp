@@ -406,6 +406,11 @@ void SceneMaterial::SetImageFile(eMaterialSlot slot, const QString& strFileName)
     Edit([&](State& state) { SetFileIn(state, slot, strFileName); });
 }
 
+void SceneMaterial::RenameImageFile(eMaterialSlot slot, const QString& strFileName)
+{
+    Edit([&](State& state) { state.files[slot] = strFileName; });
+}
+
 void SceneMaterial::LoadImages(IImageManager& manager, const QString& strBaseFolder)
 {
     std::optional<Bracket> batch;

@@ -34,6 +34,9 @@ public:
     static QString FileParameter(eMaterialSlot slot);
     static bool IsFileParameter(const QString& strName);
 
+    /// Names the same file in another way: the image that is in the slot stays.
+    void RenameImageFile(eMaterialSlot slot, const QString& strFileName);
+
     QString GetName() const override { return m_strName; }
     void SetName(const QString& strName) override;
     IScene* GetScene() const override;

@@ -137,7 +137,7 @@ QString MaterialWriter::TextureOf(const IMaterial& material)
     const IImage* const image = material.GetImage(eMaterialSlotDiffuse);
     const QString own = image ? image->GetFileName() : QString();
     const QString stored = material.GetImageFile(eMaterialSlotDiffuse);
-    const QString file = own.isEmpty() ? BuildFullPath(m_strDocumentFolder, stored) : own;
+    const QString file = own.isEmpty() ? TryToFindFileOptimistic(stored, m_strDocumentFolder) : own;
     if (!QFileInfo::exists(file)) {
         if (image && !image->GetSize().isEmpty()) return Add(image->ToQImage(), material.GetName());
         if (!file.isEmpty())
