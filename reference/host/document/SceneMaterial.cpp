@@ -286,6 +286,13 @@ std::unique_ptr<Change> SceneMaterial::BeginChange()
     return m_pScene ? std::make_unique<Change>(m_pScene->m_batch) : nullptr;
 }
 
+void SceneMaterial::Leave()
+{
+    m_pScene = nullptr;
+    m_state.images = {};
+    m_loans = {};
+}
+
 void SceneMaterial::BeginUpdate()
 {
     ++m_nExplicit;
