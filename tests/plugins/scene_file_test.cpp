@@ -210,6 +210,10 @@ private Q_SLOTS:
         for (const IMaterial* const material : other.scene.GetMaterials())
             QVERIFY(material->GetImageFile(eMaterialSlotBump) == "wood.png" && material->GetImage(eMaterialSlotBump)->ToQImage().pixelColor(0, 0) == Qt::blue);
         QCOMPARE(other.scene.GetDefaultMaterial()->GetImage(eMaterialSlotDiffuse), elm); // by its file
+        IMaterial* const material = other.scene.CreateMaterial("embedded");
+        material->SetImageFile(eMaterialSlotDiffuse, "*0"), material->SetImage(eMaterialSlotDiffuse, &world.paint);
+        Save(other.scene, m_file), Load(m_file, world.scene, &images);
+        QVERIFY(world.scene.FindMaterial("embedded")->GetImageFile(eMaterialSlotDiffuse) == "*0" && world.scene.FindMaterial("embedded")->GetImage(eMaterialSlotDiffuse));
     }
 
     /// Why a file can't be opened; the scene that was to receive it stays as it was.

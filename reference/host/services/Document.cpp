@@ -85,8 +85,11 @@ void Document::MoveTo(const QString& strFileName)
         for (int i = 0; i < eMaterialSlotCount; ++i) {
             const auto slot = static_cast<eMaterialSlot>(i);
             const QString file = pMaterial->GetImageFile(slot);
-            if (!file.isEmpty())
-                static_cast<SceneMaterial*>(pMaterial)->RenameImageFile(slot, Rebased(file, oldFolder, newFolder).text);
+            if (file.isEmpty()) continue;
+            const FileReference reference = Rebased(file, oldFolder, newFolder);
+            // That of an image without a file may be a name that a model gave it.
+            if (reference.file.isEmpty() && pMaterial->GetImage(slot)) continue;
+            static_cast<SceneMaterial*>(pMaterial)->RenameImageFile(slot, reference.text);
         }
 }
 

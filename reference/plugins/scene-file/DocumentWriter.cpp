@@ -244,7 +244,9 @@ private:
             const FileReference reference = Rebase(file);
             const auto image = ToEmbed(material.GetImage(slot), reference);
             if (image) embedded.emplace_back(kSlotNames[i], *image);
-            if (!file.isEmpty()) parameters[QLatin1String(kSlotNames[i])] = reference.text;
+            // That of an image without a file may be a name that a model gave it.
+            if (!file.isEmpty() && (!image || !reference.file.isEmpty()))
+                parameters[QLatin1String(kSlotNames[i])] = reference.text;
         }
         if (parameters.isEmpty()) // without any, it would not be read back
             parameters[QStringLiteral("opacity")] = material.GetParameter(QStringLiteral("opacity")).toString();

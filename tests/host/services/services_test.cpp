@@ -3,6 +3,7 @@
 #include "lumenta/interfaces/IMaterial.h"
 #include "lumenta/interfaces/INode.h"
 #include "lumenta/serializers/SceneSerializers.h"
+#include "reference/host/images/Image.h"
 #include "reference/host/services/Application.h"
 #include "reference/host/services/Document.h"
 #include "reference/host/services/SceneSetup.h"
@@ -168,10 +169,15 @@ private Q_SLOTS:
         IImage* const image = material->GetImage(eMaterialSlotDiffuse);
         const std::pair<QString, QString> saves[] = {
             {"docs/a", texture}, {"models/b", "tex/red.png"}, {"models/b", "tex/red.png"}, {"docs/a", texture}};
+        IMaterial* const embedding = scene.CreateMaterial("embedding");
+        Image embedded(QImage(1, 1, QImage::Format_RGB32));
+        embedding->SetImageFile(eMaterialSlotDiffuse, "*0");
+        embedding->SetImage(eMaterialSlotDiffuse, &embedded);
         for (const auto& [name, file] : saves) {
             QCOMPARE(document.Save(top.filePath(name + ".lumenta")), QStringList());
             QCOMPARE(material->GetImageFile(eMaterialSlotDiffuse), file);
             QVERIFY(material->GetImage(eMaterialSlotDiffuse) == image && image && !scene.IsModified());
+            QCOMPARE(embedding->GetImageFile(eMaterialSlotDiffuse), QString("*0")); // names no file
             Document other(m_application);
             QCOMPARE(other.Open(top.filePath(name + ".lumenta")), QStringList());
             QCOMPARE(other.GetScene()->FindMaterial("red")->GetImageFile(eMaterialSlotDiffuse), file);
