@@ -29,7 +29,9 @@ FileReference Rebased(const QString& text, const QString& oldFolder, const QStri
 
 QString FolderOf(const QString& fileName)
 {
-    return fileName.isEmpty() ? QString() : SimplifyFilename(QFileInfo(fileName).absolutePath());
+    if (fileName.isEmpty()) return {};
+    const QFileInfo folder(QFileInfo(fileName).absolutePath());
+    return folder.exists() ? folder.canonicalFilePath() : folder.filePath();
 }
 
 } // namespace Host

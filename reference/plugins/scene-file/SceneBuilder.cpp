@@ -46,10 +46,7 @@ public:
 
     /// Ends those of the scene's document before. Now, so that none of them
     /// stands for a file that has changed.
-    static void ReturnThoseOf(IScene& scene)
-    {
-        delete scene.findChild<QObject*>(Name(), Qt::FindDirectChildrenOnly);
-    }
+    static void ReturnThoseOf(IScene& scene) { delete scene.findChild<QObject*>(Name(), Qt::FindDirectChildrenOnly); }
 
     static void HandOver(std::unique_ptr<LoadedImages> images, IScene& scene)
     {
