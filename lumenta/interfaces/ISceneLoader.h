@@ -25,7 +25,7 @@ public:
     virtual bool CanLoad(const QString& strFileName) const = 0;
 
     /// Replaces the content of `scene`, in one batch. The file name of the
-    /// scene becomes this one.
+    /// scene becomes this one, and there is nothing to save.
     /// \throws FileException    the file can't be read
     /// \throws LoadingException it makes no sense. The scene is then as it was.
     virtual void Load(const QString& strFileName, IScene& scene) = 0;

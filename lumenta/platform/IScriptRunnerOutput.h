@@ -10,7 +10,7 @@
 /// the thread that runs the script. **Ownership:** stays with who made it.
 class LUMENTA_EXPORT IScriptRunnerOutput {
 public:
-    /// \param strText as printed, with a line end only where the script has one
+    /// \param strText as printed, line ends included: receivers add none
     virtual void OnOutput(const QString& strText) = 0;
 
     /// A script has failed.

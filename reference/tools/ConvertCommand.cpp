@@ -1,6 +1,7 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/serializers/SceneSerializers.h"
 #include "reference/host/IModelExporter.h"
+#include "reference/host/images/ReplaceFile.h"
 #include "reference/host/services/SceneSetup.h"
 #include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"

@@ -1,5 +1,6 @@
 #include "lumenta/files/Paths.h"
 #include "reference/host/document/SceneMaterial.h"
+#include "reference/host/images/ReplaceFile.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/Json.h"
 #include "reference/tools/MaterialFile.h"

@@ -3,6 +3,7 @@
 #include "lumenta/scene/Picking.h"
 #include "reference/host/Directions.h"
 #include "reference/host/document/Placement.h"
+#include "reference/host/images/ReplaceFile.h"
 #include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ImageFile.h"

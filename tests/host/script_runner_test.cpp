@@ -99,6 +99,13 @@ private Q_SLOTS:
         row("a removed node", removed + "n.name", at + "node.name: the node 'jumper' was removed");
         row("after its end", removed + "print('bury'); (function (shown) { shown.name })(n)",
             "bury | " + at + "cannot access member `name' of deleted QObject");
+        row("an array that ends what it holds", n + "var list = [n]; list.length = 2; list.__defineGetter__(1, function () {"
+            "scene.remove(n); print('bury'); return scene.root }); scene.selection = list",
+            "bury | " + at + "scene.selection[0]: invalid parameter 'Error: cannot access member `toString' of deleted "
+            "QObject', node expected");
+        row("a colour that ends its material", m + "var v = [1, 1]; v.length = 3; v.__defineGetter__(2, function () {"
+            "scene.removeMaterial(m); print('bury'); return 1 }); m.set('diffuse', v)",
+            "bury | " + at + "material.set: called on what is no material");
         row("of something else", "scene.root.move.call(scene, [0, 0, 0])", at + "node.move: called on what is no node");
         row("a text that asks for itself", "var o = {toString: scene.root.__proto__.toString}; scene.find(o)",
             at + "scene.find(name): invalid parameter '[no node]', string expected");

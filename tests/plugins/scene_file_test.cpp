@@ -9,6 +9,7 @@
 #include "reference/host/document/Node.h"
 #include "reference/host/document/Scene.h"
 #include "reference/host/images/Image.h"
+#include "reference/plugins/qt-images/QtImageManager.h"
 #include "reference/plugins/scene-file/SceneFileLoader.h"
 #include "reference/plugins/scene-file/SceneFileSaver.h"
 #include "tests/foundation/Exact.h"
@@ -60,26 +61,6 @@ struct World {
         scene.SetAmbientLight({0.5f, 0.6f, 0.7f, 1}), scene.SetSunDirection({0.3f, -1, 2}), scene.SetSunLight({2, 1, 0, 1});
         scene.SetRenderSize({640, 481}), scene.setProperty("object-creator-next-index", -7);
     }
-};
-
-/// Holds an image as long as somebody has asked for it and not given it back.
-struct Images final : IImageManager {
-    std::map<QString, std::pair<std::unique_ptr<Image>, int>> held;
-
-    IImage* DecodeImage(const QByteArray& data, const QString& name) override
-    {
-        held[name].first = held[name].first ? std::move(held[name].first) : std::make_unique<Image>(QImage::fromData(data), name);
-        return ++held[name].second, held[name].first.get();
-    }
-    IImage* LoadImageFile(const QString& file) override { return QFile::exists(file) ? DecodeImage(ReadAllFile(file), file) : nullptr; }
-    void ReleaseImage(IImage* image) override
-    {
-        for (auto it = held.begin(); it != held.end(); it = it->second.second ? std::next(it) : held.erase(it))
-            it->second.second -= it->second.first.get() == image;
-    }
-    IImage* CreateImage(const QSize&) override { StandIn::No(); } bool ReloadImage(IImage*) override { StandIn::No(); } QStringList GetRecentFiles() const override { StandIn::No(); }
-    IImage* FindImage(const QString&) const override { StandIn::No(); } IImageSaver* CreateSaver(const ImageSaverInfo&) const override { StandIn::No(); }
-    std::vector<ImageSaverInfo> GetSaverFormats() const override { StandIn::No(); } std::vector<ImageLoaderInfo> GetLoaderFormats() const override { StandIn::No(); }
 };
 
 /// What a host makes of the services of its plug-ins.
@@ -144,12 +125,13 @@ class SceneFileTest : public QObject {
     World m_open; // which nothing that is refused may change
     QByteArray m_before = (m_open.scene.SetModified(false), Content(m_open.scene));
     QTemporaryDir m_folder;
+    ApplicationContext m_context;
     QString m_file = QFileInfo(m_folder.path()).canonicalFilePath() + QString::fromUtf8("/\xc3\xa4 %1 #'.lumenta");
 
 private Q_SLOTS:
     void AllComesBack()
     {
-        Images images; World world; auto other = std::make_unique<World>();
+        QtImageManager images{m_context}; World world; auto other = std::make_unique<World>();
         const QByteArray before = Content(world.scene);
         world.Change();
         QCOMPARE(Save(world.scene, m_file), QStringList());
@@ -161,11 +143,13 @@ private Q_SLOTS:
         QVERIFY(begins.size() == 1 && ends.size() == 1 && other->scene.GetFileName() == m_file && !other->scene.IsModified());
         QCOMPARE(Load(m_file, other->scene, &images), QStringList()); // and what was asked for is given back
         QVERIFY(Save(other->scene, m_file).isEmpty() && ReadAllFile(m_file) == all); // onto itself
-        QVERIFY(images.held.size() == 2 && images.held.begin()->second.second == 1 && images.held.rbegin()->second.second == 1);
-        QVERIFY(Load(m_file, other->scene).size() == 1 && images.held.empty()); // nobody to read them
+        const QString back = other->scene.GetBackgroundImage()->GetFileName(), bump = other->scene.GetMaterials()[1]->GetImage(eMaterialSlotBump)->GetFileName();
+        const auto isHeld = [&] { return images.FindImage(back) || images.FindImage(bump); };
+        QVERIFY(back != bump && isHeld());
+        QVERIFY(Load(m_file, other->scene).size() == 1 && !isHeld()); // nobody to read them
         Load(m_file, other->scene, &images), other.reset();
         QVERIFY(SceneFileLoader(nullptr).CanLoad(m_file) && !SceneFileLoader(nullptr).CanLoad(m_folder.path()));
-        QVERIFY(images.held.empty()); // they went with the scene
+        QVERIFY(!isHeld()); // they went with the scene
     }
 
     void AModelThroughTheLookUp()
@@ -199,7 +183,7 @@ private Q_SLOTS:
         const QTemporaryDir temporary;
         const QString top = QFileInfo(temporary.path()).canonicalFilePath(), old = top + "/old";
         const bool isFound = QDir(top).mkpath("old/tex") && !stored.contains("gone");
-        Images images; World world, other;
+        QtImageManager images{m_context}; World world, other;
         for (const char* const name : {"/old/tex/wood.png", "/old/beside.png", "/else.png"}) world.paint.ToQImage().save(top + name);
         world.scene.SetFileName(old + "/before.lumenta");
         world.material->SetImageFile(eMaterialSlotBump, named.replace("%1", old));
@@ -210,6 +194,26 @@ private Q_SLOTS:
         QCOMPARE(other.scene.FindMaterial("oak")->GetImageFile(eMaterialSlotBump), QDir::cleanPath(stored.replace("%1", old)));
         Save(other.scene, top + "/b.lumenta"), Load(top + "/b.lumenta", world.scene, &images); // and textures stay
         QCOMPARE(world.scene.FindMaterial("oak")->GetImage(eMaterialSlotBump) != nullptr, isFound);
+    }
+
+    void ImagesThatTheirFilesAreNot()
+    {
+        const QTemporaryDir folder;
+        QtImageManager images{m_context}; World world, other;
+        for (const auto& [name, color] : {std::pair("/wood.png", Qt::red), {"/elm.png", Qt::blue}}) { QImage pixels(1, 1, QImage::Format_RGB32); pixels.fill(color), pixels.save(folder.path() + name); }
+        IImage* const elm = images.LoadImageFile(folder.filePath("elm.png"));
+        world.scene.SetFileName(folder.filePath("before.lumenta"));
+        for (IMaterial* const material : {world.material, world.standard}) material->SetImageFile(eMaterialSlotBump, "wood.png"), material->SetImage(eMaterialSlotBump, elm);
+        world.standard->SetImageFile(eMaterialSlotDiffuse, "elm.png"), world.standard->SetImage(eMaterialSlotDiffuse, elm);
+        Save(world.scene, folder.filePath("a")), Load(folder.filePath("a"), other.scene, &images);
+        QCOMPARE(Body(ReadAllFile(folder.filePath("a")))[QString("images")].toArray().size(), 1);
+        for (const IMaterial* const material : other.scene.GetMaterials())
+            QVERIFY(material->GetImageFile(eMaterialSlotBump) == "wood.png" && material->GetImage(eMaterialSlotBump)->ToQImage().pixelColor(0, 0) == Qt::blue);
+        QCOMPARE(other.scene.GetDefaultMaterial()->GetImage(eMaterialSlotDiffuse), elm); // by its file
+        IMaterial* const material = other.scene.CreateMaterial("embedded");
+        material->SetImageFile(eMaterialSlotDiffuse, "*0"), material->SetImage(eMaterialSlotDiffuse, &world.paint);
+        Save(other.scene, m_file), Load(m_file, world.scene, &images);
+        QVERIFY(world.scene.FindMaterial("embedded")->GetImageFile(eMaterialSlotDiffuse) == "*0" && world.scene.FindMaterial("embedded")->GetImage(eMaterialSlotDiffuse));
     }
 
     /// Why a file can't be opened; the scene that was to receive it stays as it was.

@@ -180,8 +180,8 @@ private Q_SLOTS:
         fails("render jump.x -o text.txt/a.png", "text.txt/a.png: 'text.txt' is not a folder");
         fails("render jump.x -o broken.png", "broken.png: the folder '/none' does not exist");
         fails("render model.png -o link.png", "link.png: would overwrite what the picture is drawn from");
-        fails("render jump.x -o taken.png", "taken.png: is a folder");
-        fails("render jump.x -o pipe.png", "pipe.png: is not a regular file");
+        fails("render jump.x -o taken.png", "taken.png: it is a folder");
+        fails("render jump.x -o pipe.png", "pipe.png: it is not a regular file");
         misuses("render", "jump.x -o a.jpg", "a.jpg: only pictures that end in .png can be written");
         misuses("render", "jump.x", "-o is missing");
         misuses("render", "jump.x -o %d%04d.png", "--output: %d%04d.png has more than one place for a number");

@@ -211,7 +211,7 @@ private:
     INode* ReadModel(const QString& strName, const QString& strSource, Node* pParent);
     INode* HangMeshes(IGenerator& generator, const QString& strName, const QString& strSource, const QPointer<Node>& parent);
     INode* HangModel(Model&& model, Node& parent, const QString& strName, const QString& strSource,
-                     const QMap<QString, QImage>& images);
+                     ModelMaterials& materials);
     void AddMeshes(std::vector<PosedMesh>& meshes, Node& parent, const QString& strSource, ModelMaterials& materials,
                    PosedModel* pModel, Change& change);
     void PoseModel(PosedModel& model, int nAnimation, float time, Change& change);

@@ -286,6 +286,13 @@ std::unique_ptr<Change> SceneMaterial::BeginChange()
     return m_pScene ? std::make_unique<Change>(m_pScene->m_batch) : nullptr;
 }
 
+void SceneMaterial::Leave()
+{
+    m_pScene = nullptr;
+    m_state.images = {};
+    m_loans = {};
+}
+
 void SceneMaterial::BeginUpdate()
 {
     ++m_nExplicit;
@@ -404,6 +411,11 @@ void SceneMaterial::SetImage(eMaterialSlot slot, IImage* pImage)
 void SceneMaterial::SetImageFile(eMaterialSlot slot, const QString& strFileName)
 {
     Edit([&](State& state) { SetFileIn(state, slot, strFileName); });
+}
+
+void SceneMaterial::RenameImageFile(eMaterialSlot slot, const QString& strFileName)
+{
+    Edit([&](State& state) { state.files[slot] = strFileName; });
 }
 
 void SceneMaterial::LoadImages(IImageManager& manager, const QString& strBaseFolder)

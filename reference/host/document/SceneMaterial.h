@@ -34,6 +34,9 @@ public:
     static QString FileParameter(eMaterialSlot slot);
     static bool IsFileParameter(const QString& strName);
 
+    /// Names the same file in another way: the image that is in the slot stays.
+    void RenameImageFile(eMaterialSlot slot, const QString& strFileName);
+
     QString GetName() const override { return m_strName; }
     void SetName(const QString& strName) override;
     IScene* GetScene() const override;
@@ -172,8 +175,9 @@ private:
     void ReturnLoans();
     void KeepLoan(std::size_t nSlot, ImageLoan loan);
     void OnImageDestroyed(QObject* pObject);
-    /// The scene lets go of it.
-    void Leave() { m_pScene = nullptr; }
+    /// The scene lets go of it, and it of its images at once: whoever reads the
+    /// document again meanwhile is to have them from their files.
+    void Leave();
 
     QString m_strName;
     Scene* m_pScene;

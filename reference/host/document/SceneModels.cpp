@@ -9,6 +9,7 @@
 #include "reference/host/document/SceneMaterial.h"
 #include "reference/host/document/Snapshots.h"
 #include "reference/host/images/Image.h"
+#include "reference/host/images/References.h"
 #include "reference/host/Picture.h"
 
 #include <QColor>
@@ -16,6 +17,8 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <functional>
+#include <map>
 #include <utility>
 
 namespace Host {
@@ -108,28 +111,37 @@ public:
     {
     }
 
+    /// From now on names of files, which count from the one folder, are made to
+    /// count from the other.
+    void Rebase(const QString& oldFolder, const QString& newFolder)
+    {
+        m_rebased = [=](const QString& name) { return Rebased(name, oldFolder, newFolder).text; };
+    }
+
     /// Null for the default one.
     SceneMaterial* For(const PosedMesh& mesh)
     {
         if (mesh.materialName.isEmpty() && mesh.materialParameters.isEmpty()) return nullptr;
-        const auto isSame = [&](const Made& known) {
-            return known.name == mesh.materialName && known.parameters == mesh.materialParameters;
-        };
-        const auto found = std::find_if(m_made.begin(), m_made.end(), isSame);
-        if (found != m_made.end()) return found->pMaterial;
+        const auto [first, last] = m_made.equal_range(mesh.materialName);
+        const auto found = std::find_if(
+            first, last, [&](const auto& known) { return known.second.parameters == mesh.materialParameters; });
+        if (found != last) return found->second.pMaterial;
         auto material = std::make_unique<SceneMaterial>(mesh.materialName);
         material->SetParameters(ParametersFrom(mesh.materialParameters));
         material->SetImage(eMaterialSlotDiffuse, ImageOf(material->GetImageFile(eMaterialSlotDiffuse)));
-        m_made.push_back({mesh.materialName, mesh.materialParameters, material.get()});
+        if (m_rebased) RenameFiles(*material);
+        m_made.emplace(mesh.materialName, Made{mesh.materialParameters, material.get()});
         fresh.push_back(std::move(material));
-        return m_made.back().pMaterial;
+        return fresh.back().get();
     }
 
     /// Before another model: what its scene has given up is made anew.
     void ForgetRemoved()
     {
-        const auto isGone = [](const Made& known) { return !known.pMaterial || !known.pMaterial->GetScene(); };
-        m_made.erase(std::remove_if(m_made.begin(), m_made.end(), isGone), m_made.end());
+        for (auto it = m_made.begin(); it != m_made.end();) {
+            const SceneMaterial* const pMaterial = it->second.pMaterial;
+            it = pMaterial && pMaterial->GetScene() ? std::next(it) : m_made.erase(it);
+        }
     }
 
     // For the scene to take over.
@@ -138,7 +150,6 @@ public:
 
 private:
     struct Made {
-        QString name;
         QMap<QString, QVariant> parameters;
         QPointer<SceneMaterial> pMaterial;
     };
@@ -154,10 +165,20 @@ private:
         return m_known[strName] = images.back().get();
     }
 
+    void RenameFiles(SceneMaterial& material) const
+    {
+        for (int i = 0; i < eMaterialSlotCount; ++i) {
+            const QString name = material.GetImageFile(static_cast<eMaterialSlot>(i));
+            if (!name.isEmpty() && !m_embedded.contains(name))
+                material.RenameImageFile(static_cast<eMaterialSlot>(i), m_rebased(name));
+        }
+    }
+
     const QMap<QString, QImage> m_files;
     const QMap<QString, QImage> m_embedded;
+    std::function<QString(const QString&)> m_rebased; ///< Empty where names stay.
     QMap<QString, Image*> m_known;
-    std::vector<Made> m_made;
+    std::multimap<QString, Made> m_made; ///< By name.
 };
 
 /// Gathers the meshes of one model and adds them at its end.
@@ -241,7 +262,8 @@ INode* Scene::AddModel(Model&& model, INode* pParent, const QMap<QString, QImage
                                         QStringLiteral("It is empty"));
     const QString name = NameOf(model);
     const QString source = model.fileName;
-    return HangModel(std::move(model), parent, name, source, images);
+    ModelMaterials materials(images, model.embeddedImages);
+    return HangModel(std::move(model), parent, name, source, materials);
 }
 
 INode* Scene::ReadModel(const QString& strName, const QString& strSource, Node* pParent)
@@ -254,7 +276,9 @@ INode* Scene::ReadModel(const QString& strName, const QString& strSource, Node* 
     Model model = m_reader(strSource);
     if (!model.scene) throw LoadingException(QStringLiteral("'%1' can't be loaded: it holds no model").arg(strSource));
     StillThere(parent).SceneOrThrow();
-    return HangModel(std::move(model), *parent, strName, strSource, {});
+    ModelMaterials materials({}, model.embeddedImages);
+    if (!model.fileName.isEmpty()) materials.Rebase(FolderOf(model.fileName), FolderOf(m_strFileName));
+    return HangModel(std::move(model), *parent, strName, strSource, materials);
 }
 
 /// As a group with all that the generator makes.
@@ -274,13 +298,12 @@ INode* Scene::HangMeshes(IGenerator& generator, const QString& strName, const QS
 }
 
 INode* Scene::HangModel(Model&& model, Node& parent, const QString& strName, const QString& strSource,
-                        const QMap<QString, QImage>& images)
+                        ModelMaterials& materials)
 {
     const Matrix upright = Upright(model.up);
     auto posed = std::make_unique<PosedModel>(std::move(model.scene));
     MeshCollector collector;
     posed->Pose(-1, 0.0f, collector);
-    ModelMaterials materials(images, model.embeddedImages);
 
     Change change(m_batch, PlannedAdding(strName));
     parent.SceneOrThrow(); // a slot may have removed it

@@ -1,5 +1,7 @@
 #include "reference/host/images/Image.h"
 
+#include "lumenta/foundation/Exceptions.h"
+
 #include <QTransform>
 
 #include <algorithm>
@@ -116,7 +118,12 @@ IImage* Image::Clone() const
 
 void Image::Resize(const QSize& size)
 {
-    if (!size.isEmpty()) SetQImage(m_image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    if (size.isEmpty() || m_image.isNull()) return;
+    const QImage scaled = m_image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    if (scaled.isNull())
+        throw OutOfMemoryException(
+            QStringLiteral("There is no memory for an image of %1 by %2 pixels").arg(size.width()).arg(size.height()));
+    SetQImage(scaled);
 }
 
 void Image::Crop(const QRect& rect)

@@ -35,9 +35,9 @@ QScriptValue Get(ScriptCall& call)
 
 QScriptValue Set(ScriptCall& call)
 {
-    IMaterial& material = call.ThisMaterial();
     const QString name = call.Text(0, "parameter");
-    if (!material.SetParameter(name, ToParameter(call, 1, "value")))
+    const QVariant value = ToParameter(call, 1, "value"); // may run a script, which may end the material
+    if (!call.ThisMaterial().SetParameter(name, value))
         throw Exception(QStringLiteral("%1: '%2' makes no sense for '%3'")
                             .arg(call.Label("value"), call.Argument(1).toString(), name));
     return {};

@@ -158,10 +158,18 @@ std::vector<INode*> ScriptCall::Nodes(int n, const char* name) const
 {
     const QScriptValue array = Argument(n);
     if (!array.isArray()) Reject(array, Label(name), QStringLiteral("array of nodes"));
-    std::vector<INode*> nodes;
+    const auto toNode = [&](const QScriptValue& value, std::size_t nValue) {
+        return &ToNode(value, QStringLiteral("%1[%2]").arg(Label(name)).arg(nValue));
+    };
+    std::vector<QScriptValue> values;
     const quint32 count = array.property(QStringLiteral("length")).toUInt32();
-    for (quint32 i = 0; i < count; ++i)
-        nodes.push_back(&ToNode(array.property(i), QStringLiteral("%1[%2]").arg(Label(name)).arg(i)));
+    for (quint32 i = 0; i < count; ++i) {
+        values.push_back(array.property(i));
+        toNode(values.back(), i); // the first that is none ends it
+    }
+    std::vector<INode*> nodes; // once all are there: getters are scripts, and may end one
+    for (const QScriptValue& value : values)
+        nodes.push_back(toNode(value, nodes.size()));
     return nodes;
 }
 

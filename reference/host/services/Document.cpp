@@ -3,6 +3,8 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/ISceneSaver.h"
 #include "lumenta/serializers/SceneSerializers.h"
+#include "reference/host/document/SceneMaterial.h"
+#include "reference/host/images/References.h"
 #include "reference/host/Picture.h"
 #include "reference/host/services/Application.h"
 #include "reference/host/services/PictureFile.h"
@@ -47,10 +49,9 @@ QStringList Document::Import(const QString& strSource)
         generator->Generate(trial);
         sSceneModifications planned;
         planned.strTitle = QStringLiteral("Open '%1'").arg(strSource);
-        m_scene->BeginUpdate(planned);
+        const SceneBracket bracket(*m_scene, planned);
         m_scene->Clear();
         m_scene->GetRoot()->CreateMesh(strSource.mid(1), strSource);
-        m_scene->EndUpdate();
         ShowAll(*m_scene);
         return {};
     }
@@ -64,9 +65,32 @@ QStringList Document::Save(const QString& strFileName)
 {
     const QSharedPointer<ISceneSaver> saver = CreateSceneSaver(m_application.GetSerializers(), strFileName);
     saver->Save(strFileName, *m_scene);
-    m_scene->SetFileName(QFileInfo(strFileName).absoluteFilePath());
+    MoveTo(QFileInfo(strFileName).absoluteFilePath());
     m_scene->SetModified(false);
     return saver->GetWarnings();
+}
+
+/// The files of materials stay where they are, and count from the new folder.
+void Document::MoveTo(const QString& strFileName)
+{
+    const QString oldFolder = FolderOf(m_scene->GetFileName());
+    const QString newFolder = FolderOf(strFileName);
+    m_scene->SetFileName(strFileName);
+    if (newFolder == oldFolder) return;
+    sSceneModifications planned;
+    planned.strTitle = QStringLiteral("Save '%1'").arg(strFileName);
+    planned.materialsChanged = true;
+    const SceneBracket bracket(*m_scene, planned);
+    for (IMaterial* const pMaterial : std::vector<IMaterial*>(m_scene->GetMaterials()))
+        for (int i = 0; i < eMaterialSlotCount; ++i) {
+            const auto slot = static_cast<eMaterialSlot>(i);
+            const QString file = pMaterial->GetImageFile(slot);
+            if (file.isEmpty()) continue;
+            const FileReference reference = Rebased(file, oldFolder, newFolder);
+            // That of an image without a file may be a name that a model gave it.
+            if (reference.file.isEmpty() && pMaterial->GetImage(slot)) continue;
+            static_cast<SceneMaterial*>(pMaterial)->RenameImageFile(slot, reference.text);
+        }
 }
 
 QStringList Document::SavePicture(const QString& strFileName, const sRenderSettings& settings,

@@ -54,6 +54,7 @@ public:
 
 private:
     QStringList Import(const QString& strSource);
+    void MoveTo(const QString& strFileName);
 
     const Application& m_application;
     std::unique_ptr<Host::Scene> m_scene;

@@ -2,12 +2,10 @@
 
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IRender.h"
+#include "reference/host/images/Png.h"
+#include "reference/host/images/ReplaceFile.h"
 
-#include <QBuffer>
 #include <QEventLoop>
-#include <QFileInfo>
-#include <QImageWriter>
-#include <QSaveFile>
 
 #include <optional>
 
@@ -15,21 +13,9 @@ namespace Host {
 
 namespace {
 
-/// A leading colon would mean a file inside this program.
-QString OnDisk(const QString& strFileName)
+FileException CannotWrite(const QString& strFileName, const QString& reason)
 {
-    return strFileName.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + strFileName : strFileName;
-}
-
-QByteArray Encoded(const QString& strFileName, const QImage& image)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, "png");
-    if (image.isNull() || !writer.write(image))
-        throw FileException(strFileName, QStringLiteral("The picture can't be encoded: ") + writer.errorString());
-    return bytes;
+    return {strFileName, QStringLiteral("The picture can't be written: ") + reason};
 }
 
 } // namespace
@@ -58,27 +44,17 @@ QImage DrawPicture(IRender& render, const IScene& scene, const sRenderSettings& 
 
 void CheckPictureFile(const QString& strFileName)
 {
-    const QFileInfo file(OnDisk(strFileName));
-    if (file.suffix().compare(QLatin1String("png"), Qt::CaseInsensitive) != 0)
+    if (!HasPngSuffix(strFileName))
         throw SavingException(QStringLiteral("'%1': only pictures that end in .png can be written").arg(strFileName));
-    if (!QFileInfo(file.path()).isDir())
-        throw FileException(strFileName, QStringLiteral("There is no folder '%1'").arg(file.path()));
-    // Renaming would put the picture in the place of a device.
-    if (file.exists() && !file.isFile()) throw FileException(strFileName, QStringLiteral("That is no regular file"));
+    const QString obstacle = ObstacleTo(strFileName);
+    if (!obstacle.isEmpty()) throw CannotWrite(strFileName, obstacle);
 }
 
 void WritePictureFile(const QString& strFileName, const QImage& image)
 {
-    const QByteArray bytes = Encoded(strFileName, image);
-    QSaveFile file(OnDisk(strFileName));
-    // Unbuffered, or the last bytes would meet the disk in commit(), which puts
-    // the file in place even when they did not fit.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        throw FileException(strFileName, QStringLiteral("Can't write the picture: ") + file.errorString());
-    if (file.write(bytes) != bytes.size())
-        throw FileException(strFileName, QStringLiteral("Can't write the picture: ") + qt_error_string());
-    if (!file.commit())
-        throw FileException(strFileName, QStringLiteral("Can't write the picture: ") + file.errorString());
+    const QByteArray bytes = EncodedPng(image);
+    const QString problem = bytes.isEmpty() ? QStringLiteral("it can't be encoded") : ReplaceFile(strFileName, bytes);
+    if (!problem.isEmpty()) throw CannotWrite(strFileName, problem);
 }
 
 } // namespace Host

@@ -18,11 +18,10 @@ QImage DrawPicture(IRender& render, const IScene& scene, const sRenderSettings& 
 
 /// Finds out, before long work, that a picture can't be written there.
 /// \throws SavingException the name does not end in .png
-/// \throws FileException   there is no such folder, or it is one itself
+/// \throws FileException   something is in the way of ReplaceFile()
 void CheckPictureFile(const QString& strFileName);
 
-/// Writes a PNG file: aside first, then renamed, so that under its name stands
-/// the whole picture, or what stood there before.
+/// Writes a PNG file by ReplaceFile().
 /// \throws FileException
 void WritePictureFile(const QString& strFileName, const QImage& image);
 

@@ -15,6 +15,7 @@ QStringList LoadSceneImages(IScene& scene, IImageManager& images)
 {
     const QString file = scene.GetFileName();
     const QString folder = file.isEmpty() ? QString() : QFileInfo(file).absolutePath();
+    const bool bModified = scene.IsModified();
     QStringList missing;
     for (IMaterial* const material : scene.GetMaterials()) {
         QString reason;
@@ -30,6 +31,7 @@ QStringList LoadSceneImages(IScene& scene, IImageManager& images)
                                .arg(material->GetImageFile(slot), material->GetName(), reason);
         }
     }
+    if (!bModified) scene.SetModified(false);
     missing.removeDuplicates();
     return missing;
 }

@@ -98,7 +98,7 @@ void ModelSceneLoader::Load(const QString& strFileName, IScene& scene)
 
     sSceneModifications planned;
     planned.strTitle = QStringLiteral("Open '%1'").arg(strFileName);
-    pScene->BeginUpdate(planned);
+    const SceneBracket bracket(*pScene, planned);
     pScene->Clear();
     if (model.millimetersPerUnit > 0.0f) pScene->SetMillimetersPerUnit(model.millimetersPerUnit);
     INode* const pModel = pScene->AddModel(std::move(model), pScene->GetRoot());
@@ -110,7 +110,7 @@ void ModelSceneLoader::Load(const QString& strFileName, IScene& scene)
                                                                  : QFileInfo(strFileName).absoluteFilePath());
     if (m_pImages) m_warnings += LoadSceneImages(*pScene, *m_pImages);
     ShowAll(*pScene);
-    pScene->EndUpdate();
+    pScene->SetModified(false);
 }
 
 } // namespace Host

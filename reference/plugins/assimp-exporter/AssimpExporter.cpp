@@ -1,6 +1,8 @@
 #include "reference/plugins/assimp-exporter/AssimpExporter.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/images/Png.h"
+#include "reference/host/images/ReplaceFile.h"
 #include "reference/plugins/assimp-exporter/CheckedFiles.h"
 #include "reference/plugins/assimp-exporter/ExportFormats.h"
 #include "reference/plugins/assimp-exporter/SceneWriter.h"
@@ -79,9 +81,11 @@ void AssimpExporter::Write(const IScene& scene, const QString& strFileName, std:
     WriteByAssimp(*model, traits.assimpId, files.GetFileName());
 
     const QMap<QString, QImage>& images = materials.GetImagesBeside();
-    for (auto image = images.begin(); image != images.end(); ++image)
-        if (!image->save(files.PathOf(image.key()), "PNG"))
-            throw Exception(QStringLiteral("the image '%1' can't be written").arg(image.key()));
+    for (auto image = images.begin(); image != images.end(); ++image) {
+        const QString problem = ReplaceFile(files.PathOf(image.key()), EncodedPng(*image));
+        if (!problem.isEmpty())
+            throw Exception(QStringLiteral("the image '%1' can't be written: %2").arg(image.key(), problem));
+    }
     files.Publish();
 }
 

@@ -4,8 +4,8 @@
 #include "lumenta/interfaces/IImage.h"
 #include "lumenta/interfaces/IMaterial.h"
 #include "lumenta/interfaces/IScene.h"
+#include "reference/host/images/Png.h"
 
-#include <QBuffer>
 #include <QFileInfo>
 
 #include <assimp/material.h>
@@ -37,15 +37,6 @@ aiColor3D OnScreen(const ColorF& color, float factor)
 aiString ToAssimp(const QString& text)
 {
     return aiString(text.toUtf8().constData());
-}
-
-QByteArray PngOf(const QImage& image)
-{
-    QByteArray data;
-    QBuffer buffer(&data);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return data;
 }
 
 std::unique_ptr<aiTexture> Embedded(const QByteArray& png)
@@ -137,7 +128,7 @@ QString MaterialWriter::TextureOf(const IMaterial& material)
     const IImage* const image = material.GetImage(eMaterialSlotDiffuse);
     const QString own = image ? image->GetFileName() : QString();
     const QString stored = material.GetImageFile(eMaterialSlotDiffuse);
-    const QString file = own.isEmpty() ? BuildFullPath(m_strDocumentFolder, stored) : own;
+    const QString file = own.isEmpty() ? TryToFindFileOptimistic(stored, m_strDocumentFolder) : own;
     if (!QFileInfo::exists(file)) {
         if (image && !image->GetSize().isEmpty()) return Add(image->ToQImage(), material.GetName());
         if (!file.isEmpty())
@@ -155,7 +146,7 @@ QString MaterialWriter::Add(const QImage& image, const QString& strMaterial)
     if (!name.isEmpty()) return name;
     if (m_bEmbed) {
         name = QStringLiteral("*%1").arg(m_textures.size());
-        m_textures.push_back(Embedded(PngOf(image)));
+        m_textures.push_back(Embedded(EncodedPng(image)));
         return name;
     }
     const QString base = QFileInfo(m_strFileName).completeBaseName();

@@ -1,5 +1,6 @@
 #include "reference/plugins/scene-file/DocumentWriter.h"
 
+#include "lumenta/files/Paths.h"
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IImage.h"
 #include "lumenta/interfaces/ILightNode.h"
@@ -9,11 +10,11 @@
 #include "lumenta/interfaces/IScene.h"
 #include "lumenta/interfaces/ISnapshotManager.h"
 #include "lumenta/materials/MaterialXml.h"
+#include "reference/host/images/Png.h"
+#include "reference/host/images/References.h"
 #include "reference/plugins/scene-file/CborInput.h"
-#include "reference/plugins/scene-file/References.h"
 #include "reference/plugins/scene-file/StoredDocument.h"
 
-#include <QBuffer>
 #include <QCborStreamWriter>
 
 #include <new>
@@ -49,15 +50,6 @@ QByteArray XmlOf(const QString& name, const Parameters& parameters)
     throw SavingException(QStringLiteral("Material '%1' can't be saved: its parameter '%2' holds characters that "
                                          "can't stand in XML")
                               .arg(name, culprit));
-}
-
-/// A picture by its pixels; empty where it has none.
-QByteArray PngOf(const IImage& image)
-{
-    QByteArray png;
-    QBuffer buffer(&png);
-    const QImage pixels = image.ToQImage();
-    return !pixels.isNull() && buffer.open(QIODevice::WriteOnly) && pixels.save(&buffer, "PNG") ? png : QByteArray();
 }
 
 /// A node, and the place of its parent in the list.
@@ -251,9 +243,9 @@ private:
             const QString file = material.GetImageFile(slot);
             const FileReference reference = Rebase(file);
             const auto image = ToEmbed(material.GetImage(slot), reference);
-            if (image)
-                embedded.emplace_back(kSlotNames[i], *image);
-            else if (!file.isEmpty())
+            if (image) embedded.emplace_back(kSlotNames[i], *image);
+            // That of an image without a file may be a name that a model gave it.
+            if (!file.isEmpty() && (!image || !reference.file.isEmpty()))
                 parameters[QLatin1String(kSlotNames[i])] = reference.text;
         }
         if (parameters.isEmpty()) // without any, it would not be read back
@@ -353,13 +345,14 @@ private:
 
     FileReference Rebase(const QString& text) const { return Rebased(text, m_oldFolder, m_newFolder); }
 
-    /// The place among the embedded images, for one that no file holds.
-    std::optional<std::size_t> ToEmbed(const IImage* pImage, const FileReference& file)
+    /// The place among the embedded images, for one that is not that of the file.
+    std::optional<std::size_t> ToEmbed(const IImage* pImage, const FileReference& reference)
     {
-        if (!pImage || (file.isThere && !pImage->GetFileName().isEmpty())) return std::nullopt;
+        if (!pImage) return std::nullopt;
+        if (!reference.file.isEmpty() && SimplifyFilename(pImage->GetFileName()) == reference.file) return std::nullopt;
         const auto known = m_imagePlaces.find(pImage);
         if (known != m_imagePlaces.end()) return known->second;
-        const QByteArray png = PngOf(*pImage);
+        const QByteArray png = EncodedPng(pImage->ToQImage());
         if (png.isEmpty()) return std::nullopt;
         m_images.push_back(png);
         return m_imagePlaces[pImage] = m_images.size() - 1;

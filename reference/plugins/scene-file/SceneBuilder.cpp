@@ -44,10 +44,12 @@ public:
         return pImage;
     }
 
-    /// Replaces those of the scene's document before.
+    /// Ends those of the scene's document before. Now, so that none of them
+    /// stands for a file that has changed.
+    static void ReturnThoseOf(IScene& scene) { delete scene.findChild<QObject*>(Name(), Qt::FindDirectChildrenOnly); }
+
     static void HandOver(std::unique_ptr<LoadedImages> images, IScene& scene)
     {
-        delete scene.findChild<QObject*>(Name(), Qt::FindDirectChildrenOnly);
         if (!images->m_images.empty()) images.release()->setParent(&scene);
     }
 
@@ -107,6 +109,7 @@ public:
         planned.materialsChanged = true;
         const Bracket bracket(m_scene, planned);
         m_scene.Clear();
+        LoadedImages::ReturnThoseOf(m_scene);
         m_scene.SetFileName(QFileInfo(m_fileName).absoluteFilePath());
         WarnOfMissingManager();
         AddMaterials();

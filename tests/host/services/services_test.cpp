@@ -1,8 +1,12 @@
+#include "lumenta/files/WholeFile.h"
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IMaterial.h"
 #include "lumenta/interfaces/INode.h"
+#include "lumenta/serializers/SceneSerializers.h"
+#include "reference/host/images/Image.h"
 #include "reference/host/services/Application.h"
 #include "reference/host/services/Document.h"
+#include "reference/host/services/SceneSetup.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -121,6 +125,10 @@ private Q_SLOTS:
         QCOMPARE(scene.GetFileName(), QString("/usr/share/assimp/models/X/Testwuson.X"));
         QVERIFY(!scene.IsModified() && !scene.GetAnimations().empty());
 
+        const auto loader = CreateSceneLoader(m_application.GetSerializers(), scene.GetFileName());
+        loader->Load(scene.GetFileName(), scene);
+        QVERIFY(!scene.IsModified()); // as after any other loader
+
         const std::vector<INode*> before = scene.GetRoot()->GetChildren();
         QVERIFY(FailureOf(document, "/none.x").contains("/none.x"));
         QVERIFY(FailureOf(document, ":none").contains(":none"));
@@ -133,6 +141,53 @@ private Q_SLOTS:
         QCOMPARE(scene.GetFileName(), QString());
         QCOMPARE(scene.GetRoot()->GetChildren().size(), std::size_t(1));
         QVERIFY(scene.GetRoot()->GetChildren().front() != before.front());
+    }
+
+    void ReferencesFollowTheDocument()
+    {
+        const QTemporaryDir folder;
+        const QDir top(QFileInfo(folder.path()).canonicalFilePath());
+        const QString model = top.filePath("models/m.obj"), texture = top.filePath("models/tex/red.png");
+        QVERIFY(top.mkpath("models/tex") && top.mkpath("docs"));
+        SaveDataToFile(model, "mtllib m.mtl\no m\nv 0 0 0\nv 1 0 0\nv 0 0 1\nusemtl red\nf 1 2 3\n");
+        SaveDataToFile(top.filePath("models/m.mtl"), "newmtl red\nmap_Kd tex\\red.png\nnewmtl gone\nmap_Kd D:\\gone.png\n");
+        const auto paint = [&](QRgb color) {
+            QImage pixels(1, 1, QImage::Format_RGB32);
+            pixels.fill(color);
+            QVERIFY(pixels.save(texture));
+        };
+        paint(0xffff0000);
+
+        Document document(m_application);
+        Scene& scene = *document.GetScene();
+        scene.GetRoot()->CreateMesh("m", model);
+        IMaterial* const material = scene.FindMaterial("red");
+        QCOMPARE(material->GetImageFile(eMaterialSlotDiffuse), texture); // the document has no folder yet
+        scene.SetModified(false);
+        QCOMPARE(LoadSceneImages(scene, *m_application.GetImageManager()), QStringList());
+        QVERIFY(!scene.IsModified());
+        IImage* const image = material->GetImage(eMaterialSlotDiffuse);
+        const std::pair<QString, QString> saves[] = {
+            {"docs/a", texture}, {"models/b", "tex/red.png"}, {"models/b", "tex/red.png"}, {"docs/a", texture}};
+        IMaterial* const embedding = scene.CreateMaterial("embedding");
+        Image embedded(QImage(1, 1, QImage::Format_RGB32));
+        embedding->SetImageFile(eMaterialSlotDiffuse, "*0");
+        embedding->SetImage(eMaterialSlotDiffuse, &embedded);
+        for (const auto& [name, file] : saves) {
+            QCOMPARE(document.Save(top.filePath(name + ".lumenta")), QStringList());
+            QCOMPARE(material->GetImageFile(eMaterialSlotDiffuse), file);
+            QVERIFY(material->GetImage(eMaterialSlotDiffuse) == image && image && !scene.IsModified());
+            QCOMPARE(embedding->GetImageFile(eMaterialSlotDiffuse), QString("*0")); // names no file
+            Document other(m_application);
+            QCOMPARE(other.Open(top.filePath(name + ".lumenta")), QStringList());
+            QCOMPARE(other.GetScene()->FindMaterial("red")->GetImageFile(eMaterialSlotDiffuse), file);
+            QCOMPARE(other.GetScene()->FindMaterial("red")->GetImage(eMaterialSlotDiffuse), image);
+        }
+        scene.GetRoot()->CreateMesh("m", model); // within a document of another folder
+        QCOMPARE(scene.GetMaterials().back()->GetImageFile(eMaterialSlotDiffuse), texture);
+        paint(0xff0000ff);
+        document.Open(top.filePath("models/b.lumenta")); // before control returns to the event loop
+        QCOMPARE(scene.FindMaterial("red")->GetImage(eMaterialSlotDiffuse)->ToQImage().pixel(0, 0), 0xff0000ff);
     }
 };
 

@@ -1,4 +1,4 @@
-#include "reference/plugins/scene-file/References.h"
+#include "reference/host/images/References.h"
 
 #include "lumenta/files/Paths.h"
 
@@ -22,14 +22,16 @@ bool IsForeign(const QString& path)
 FileReference Rebased(const QString& text, const QString& oldFolder, const QString& newFolder)
 {
     const QString full = TryToFindFileOptimistic(text, oldFolder);
-    if (QFileInfo(full).isFile()) return {GetRelativePath(newFolder, full), true};
+    if (QFileInfo(full).isFile()) return {GetRelativePath(newFolder, full), full};
     const bool hasNoPlace = IsForeign(text) || (oldFolder.isEmpty() && QDir::isRelativePath(text));
-    return {hasNoPlace ? text : GetRelativePath(newFolder, full), false};
+    return {hasNoPlace ? text : GetRelativePath(newFolder, full), QString()};
 }
 
 QString FolderOf(const QString& fileName)
 {
-    return fileName.isEmpty() ? QString() : QFileInfo(fileName).absolutePath();
+    if (fileName.isEmpty()) return {};
+    const QFileInfo folder(QFileInfo(fileName).absolutePath());
+    return folder.exists() ? folder.canonicalFilePath() : folder.filePath();
 }
 
 } // namespace Host
