@@ -167,6 +167,7 @@ void DeskWindow::FillInsert(QMenu& menu)
 
 void DeskWindow::FillSnapshots(QMenu& menu)
 {
+    qDeleteAll(menu.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)); // which outlive their entries
     menu.clear();
     ISnapshotManager* const pManager = m_document.GetScene()->GetSnapshotManager();
     const auto add = [this](QMenu& to, const QString& title, const std::function<void()>& work) {
@@ -201,6 +202,7 @@ void DeskWindow::New()
 void DeskWindow::Open(const QString& strSource)
 {
     if (!MayDiscard()) return;
+    m_ui.ShowStatus(QString()); // what it says of the last document
     Guarded(m_ui, [&] { Warn(m_document.Open(strSource)); });
 }
 
@@ -399,7 +401,7 @@ void DeskWindow::RunScript()
     const QString path = dialog->Show(QStringLiteral("Run a Script"), QString(), remembered(kScript));
     if (path.isEmpty()) return;
     QString arguments = remembered(kArguments);
-    if (!m_ui.AskText(QStringLiteral("Run a Script"), QStringLiteral("Its arguments, parted by spaces:"), arguments))
+    if (!m_ui.AskText(QStringLiteral("Run a Script"), QStringLiteral("Its arguments, parted by spaces (\"...\" around one that has some):"), arguments))
         return;
     if (pSettings) pSettings->SetValue(kScript, path);
     if (pSettings) pSettings->SetValue(kArguments, arguments);
