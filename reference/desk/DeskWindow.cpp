@@ -1,19 +1,26 @@
 #include "reference/desk/DeskWindow.h"
 
+#include "lumenta/files/WholeFile.h"
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/ISnapshotManager.h"
+#include "lumenta/interfaces/IUploader.h"
 #include "lumenta/platform/IFileDialog.h"
 #include "lumenta/platform/IMeshNodeBuilder.h"
 #include "lumenta/properties/ModelSourceImpl.h"
+#include "lumenta/script/OutputHandlerHolder.h"
 #include "lumenta/serializers/SceneSerializers.h"
+#include "reference/desk/Exporting.h"
 #include "reference/desk/Guarded.h"
 #include "reference/desk/MaterialList.h"
 #include "reference/desk/NodeTree.h"
 #include "reference/desk/PropertyPanel.h"
+#include "reference/desk/Publishing.h"
 #include "reference/desk/RenderWindow.h"
 #include "reference/desk/SceneView.h"
+#include "reference/desk/ScriptOutput.h"
 #include "reference/host/document/Navigator.h"
 #include "reference/host/services/Application.h"
+#include "reference/host/services/PictureFile.h"
 #include "reference/host/services/SceneSetup.h"
 
 #include <QCloseEvent>
@@ -23,8 +30,10 @@
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QPointer>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QStatusBar>
+#include <QTemporaryDir>
 #include <QVBoxLayout>
 
 namespace Host {
@@ -33,6 +42,8 @@ namespace {
 
 const QString kGeometry = QStringLiteral("window/geometry");
 const QString kState = QStringLiteral("window/state");
+const QString kScript = QStringLiteral("scripts/file");
+const QString kArguments = QStringLiteral("scripts/arguments");
 
 QDockWidget* Dock(QMainWindow& window, Qt::DockWidgetArea area, const QString& title, QWidget* pContent)
 {
@@ -80,6 +91,8 @@ DeskWindow::DeskWindow(Application& application)
     Dock(*this, Qt::LeftDockWidgetArea, QStringLiteral("Nodes"), m_pNodes);
     Dock(*this, Qt::LeftDockWidgetArea, QStringLiteral("Materials"), m_pMaterials);
     Dock(*this, Qt::RightDockWidgetArea, QStringLiteral("Properties"), m_pProperties)->setMinimumWidth(260);
+    m_pScriptOutput = new ScriptOutput;
+    Dock(*this, Qt::BottomDockWidgetArea, QStringLiteral("Script"), m_pScriptOutput)->hide();
     connect(m_pMaterials, &MaterialList::chosen, m_pProperties, &PropertyPanel::ShowMaterial);
     connect(m_pView, &SceneView::fileDropped, this, [this](const QString& path) {
         const bool isModel = ModelSourceImpl(m_application.GetModelFormats(), &m_ui).AcceptsFile(path);
@@ -127,7 +140,9 @@ void DeskWindow::MakeMenus()
     AddAction(file, QStringLiteral("Save &As..."), QKeySequence::SaveAs, &DeskWindow::SaveAs);
     file.addSeparator();
     AddAction(file, QStringLiteral("&Import Model..."), {}, &DeskWindow::ImportModel);
+    AddAction(file, QStringLiteral("&Export..."), {}, &DeskWindow::Export);
     AddAction(file, QStringLiteral("&Render..."), Qt::CTRL + Qt::Key_R, &DeskWindow::Render);
+    AddAction(file, QStringLiteral("&Publish..."), {}, &DeskWindow::Publish);
     file.addSeparator();
     connect(file.addAction(QStringLiteral("&Quit")), &QAction::triggered, this, &QWidget::close);
 
@@ -139,6 +154,8 @@ void DeskWindow::MakeMenus()
     AddAction(material, QStringLiteral("&Remove"), {}, &DeskWindow::RemoveMaterial);
     QMenu& snapshots = *menuBar()->addMenu(QStringLiteral("&Snapshots"));
     connect(&snapshots, &QMenu::aboutToShow, this, [this, &snapshots] { FillSnapshots(snapshots); });
+    QMenu& scripts = *menuBar()->addMenu(QStringLiteral("S&cripts"));
+    AddAction(scripts, QStringLiteral("&Run..."), {}, &DeskWindow::RunScript);
 }
 
 void DeskWindow::FillInsert(QMenu& menu)
@@ -150,6 +167,7 @@ void DeskWindow::FillInsert(QMenu& menu)
 
 void DeskWindow::FillSnapshots(QMenu& menu)
 {
+    qDeleteAll(menu.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)); // which outlive their entries
     menu.clear();
     ISnapshotManager* const pManager = m_document.GetScene()->GetSnapshotManager();
     const auto add = [this](QMenu& to, const QString& title, const std::function<void()>& work) {
@@ -184,6 +202,7 @@ void DeskWindow::New()
 void DeskWindow::Open(const QString& strSource)
 {
     if (!MayDiscard()) return;
+    m_ui.ShowStatus(QString()); // what it says of the last document
     Guarded(m_ui, [&] { Warn(m_document.Open(strSource)); });
 }
 
@@ -195,10 +214,16 @@ void DeskWindow::OpenFile()
     if (!path.isEmpty()) Open(path);
 }
 
-void DeskWindow::Save()
+/// The document of a model has a file name, too, but nothing to save into.
+bool DeskWindow::HasOwnFile() const
 {
     const QString file = m_document.GetScene()->GetFileName();
-    if (!file.isEmpty() && CanSaveScene(m_application.GetSerializers(), file)) return SaveTo(file);
+    return !file.isEmpty() && CanSaveScene(m_application.GetSerializers(), file);
+}
+
+void DeskWindow::Save()
+{
+    if (HasOwnFile()) return SaveTo(m_document.GetScene()->GetFileName());
     SaveAs();
 }
 
@@ -236,7 +261,7 @@ bool DeskWindow::MayDiscard()
 
 void DeskWindow::closeEvent(QCloseEvent* pEvent)
 {
-    const bool bMay = MayDiscard();
+    const bool bMay = !m_ui.IsWorking() && MayDiscard(); // a work has hold of the document
     pEvent->setAccepted(bMay);
     ISettings* const pSettings = m_application.GetSettings();
     if (!bMay || !pSettings) return;
@@ -320,7 +345,75 @@ void DeskWindow::Render()
     if (!m_ui.AskText(QStringLiteral("Render"), QStringLiteral("Size in pixels, width x height:"), text)) return;
     const QSize size = SizeOf(text);
     const std::unique_ptr<IRender> renderer = m_application.CreateRenderer(m_application.RendererNames().value(0));
-    ShowRendering(*m_document.GetScene(), *renderer, size, m_application, m_ui);
+    m_picture = ShowRendering(*m_document.GetScene(), *renderer, size, m_application, m_ui);
+}
+
+void DeskWindow::Export()
+{
+    ExportModel(*m_document.GetScene(), m_application.Plugins(), m_ui);
+}
+
+/// \return the document's own, or one of the last picture in `folder`; empty where
+///         the user wants neither
+QString DeskWindow::FileToPublish(const QString& folder)
+{
+    const QStringList choices{QStringLiteral("The document"), QStringLiteral("The last picture")};
+    int nChoice = 0;
+    if (!m_picture.isNull() && !m_ui.AskChoice(QStringLiteral("Publish what?"), choices, nChoice)) return {};
+    const Host::Scene& scene = *m_document.GetScene();
+    if (nChoice == 1) {
+        const QString name = QFileInfo(scene.GetFileName()).completeBaseName();
+        const QString path =
+            QStringLiteral("%1/%2.png").arg(folder, name.isEmpty() ? QStringLiteral("Untitled") : name);
+        WritePictureFile(path, m_picture);
+        return path;
+    }
+    const auto isSaved = [&] { return HasOwnFile() && !scene.IsModified(); };
+    if (!isSaved() && m_ui.AskYesNo(QStringLiteral("What is published is the saved document. Save it first?"))) Save();
+    return isSaved() ? scene.GetFileName() : QString();
+}
+
+void DeskWindow::Publish()
+{
+    const std::vector<PluginService> services = m_application.Plugins().ServicesOf<IUploader>();
+    if (services.empty()) throw Exception(QStringLiteral("No plug-in that publishes is there"));
+    QStringList titles;
+    for (const PluginService& service : services)
+        titles += service.title;
+    int nUploader = 0;
+    if (titles.size() > 1 && !m_ui.AskChoice(QStringLiteral("Publish by"), titles, nUploader)) return;
+    const QString id = services[static_cast<std::size_t>(nUploader)].id;
+    const QTemporaryDir folder;
+    const QString file = FileToPublish(folder.path());
+    if (file.isEmpty()) return;
+    const std::unique_ptr<IUploader> uploader = m_application.Plugins().CreateService<IUploader>(id);
+    Host::Publish(*uploader, file, id, m_application.GetSettings(), m_ui);
+}
+
+void DeskWindow::RunScript()
+{
+    ISettings* const pSettings = m_application.GetSettings();
+    const auto remembered = [&](const QString& name) {
+        return pSettings ? pSettings->GetValue(name, QString()).toString() : QString();
+    };
+    const std::unique_ptr<IFileDialog> dialog(m_ui.CreateFileDialog(eFileDialogAny, this));
+    dialog->AddFilter(QStringLiteral("Scripts"), {QStringLiteral("js")});
+    const QString path = dialog->Show(QStringLiteral("Run a Script"), QString(), remembered(kScript));
+    if (path.isEmpty()) return;
+    QString arguments = remembered(kArguments);
+    if (!m_ui.AskText(QStringLiteral("Run a Script"), QStringLiteral("Its arguments, parted by spaces (\"...\" around one that has some):"), arguments))
+        return;
+    if (pSettings) pSettings->SetValue(kScript, path);
+    if (pSettings) pSettings->SetValue(kArguments, arguments);
+    const QString program = QString::fromUtf8(ReadAllFile(path));
+
+    m_pScriptOutput->clear();
+    m_pScriptOutput->parentWidget()->show();
+    ScriptRunner& runner = *m_document.GetScriptRunner();
+    runner.SetArguments(QProcess::splitCommand(arguments));
+    const OutputHandlerHolder holder(runner, *m_pScriptOutput);
+    const bool bDone = runner.Run(program, path);
+    m_ui.ShowStatus(bDone ? QStringLiteral("The script has ended") : QStringLiteral("The script has failed"));
 }
 
 void DeskWindow::NewMaterial()

@@ -3,6 +3,7 @@
 #include "reference/desk/UserInterface.h"
 #include "reference/host/services/Document.h"
 
+#include <QImage>
 #include <QMainWindow>
 
 #include <memory>
@@ -17,6 +18,7 @@ class Navigator;
 class NodeTree;
 class PropertyPanel;
 class SceneView;
+class ScriptOutput;
 
 /// The main window: one document, seen in a view, with its nodes, its materials
 /// and the properties of what is chosen.
@@ -56,11 +58,16 @@ private:
     void AddModel(const QString& path);
     void Insert(const QString& name);
     void Render();
+    void Export();
+    void Publish();
+    void RunScript();
     void NewMaterial();
     void RemoveMaterial();
     void AssignMaterial();
 
     void SaveTo(const QString& path);
+    bool HasOwnFile() const;
+    QString FileToPublish(const QString& folder);
     bool MayDiscard();
     void ShowTitle();
     void ShowSelected();
@@ -74,6 +81,8 @@ private:
     NodeTree* m_pNodes;
     MaterialList* m_pMaterials;
     PropertyPanel* m_pProperties;
+    ScriptOutput* m_pScriptOutput;
+    QImage m_picture; ///< The last that was rendered.
 };
 
 } // namespace Host

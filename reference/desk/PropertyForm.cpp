@@ -20,7 +20,7 @@ PropertyForm::PropertyForm(IUserInterface& ui, QWidget* pParent)
     , m_ui(ui)
     , m_pLayout(new QFormLayout(this))
 {
-    m_pLayout->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    m_pLayout->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
 }
 
 void PropertyForm::AddHeading(const QString& title)
@@ -62,7 +62,7 @@ void PropertyForm::AddAmount(const QString& title, double least, double most, co
     auto* const pBox = new QDoubleSpinBox;
     pBox->setDecimals(3);
     pBox->setRange(least, most);
-    pBox->setSingleStep(most - least <= 10.0 ? 0.05 : 1.0);
+    pBox->setStepType(QAbstractSpinBox::AdaptiveDecimalStepType); // a radius has no usual size
     pBox->setKeyboardTracking(false);
     AddRow<QDoubleSpinBox>(title, pBox, [value](QDoubleSpinBox& box) { box.setValue(value.get()); });
     connect(pBox, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
@@ -73,6 +73,7 @@ void PropertyForm::AddColor(const QString& title, const Value<ColorF>& value)
 {
     auto* const pButton = new QPushButton;
     pButton->setIconSize({40, 14});
+    pButton->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     AddRow<QPushButton>(title, pButton, [value](QPushButton& button) {
         QPixmap swatch(button.iconSize());
         swatch.fill(ScreenColor(value.get()));

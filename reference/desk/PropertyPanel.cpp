@@ -13,6 +13,8 @@
 #include "reference/desk/PropertyForm.h"
 
 #include <QFileInfo>
+#include <QScrollBar>
+#include <QTimer>
 
 #include <algorithm>
 #include <limits>
@@ -171,7 +173,16 @@ PropertyForm& PropertyPanel::Begin(QObject& subject)
     m_pForm = new PropertyForm(*m_document.GetUserInterface());
     connect(&subject, &QObject::destroyed, m_pForm, [this] { Clear(); });
     setWidget(m_pForm);
+    QTimer::singleShot(0, m_pForm, [this] { updateGeometry(); }); // once it has its rows
     return *m_pForm;
+}
+
+QSize PropertyPanel::minimumSizeHint() const
+{
+    QSize least = QScrollArea::minimumSizeHint();
+    const int nBeside = verticalScrollBar()->sizeHint().width() + 2 * frameWidth();
+    if (m_pForm) least.setWidth(std::max(least.width(), m_pForm->minimumSizeHint().width() + nBeside));
+    return least;
 }
 
 QString PropertyPanel::Folder() const

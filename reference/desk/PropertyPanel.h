@@ -41,6 +41,11 @@ public:
 
     void Clear();
 
+    // As wide as the rows need: they are never scrolled sideways.
+
+    QSize sizeHint() const override { return QScrollArea::sizeHint().expandedTo(minimumSizeHint()); }
+    QSize minimumSizeHint() const override;
+
 private:
     PropertyForm& Begin(QObject& subject);
     void AddSlots(PropertyForm& form, IMaterial& material);

@@ -6,13 +6,13 @@
 #include "lumenta/interfaces/IImageManager.h"
 #include "lumenta/interfaces/IRender.h"
 #include "lumenta/interfaces/IScene.h"
-#include "lumenta/interfaces/IUserInterface.h"
 #include "lumenta/platform/IApplicationContext.h"
 #include "lumenta/platform/IFileDialog.h"
 #include "lumenta/platform/IImageSaver.h"
 #include "lumenta/render/RenderSizing.h"
 #include "lumenta/serializers/ImageHelpers.h"
 #include "reference/desk/Guarded.h"
+#include "reference/desk/ShownProgress.h"
 
 #include <QDialog>
 #include <QEventLoop>
@@ -28,22 +28,6 @@
 namespace Host {
 
 namespace {
-
-/// Ends the progress however the work ends.
-class ShownProgress {
-public:
-    ShownProgress(IUserInterface& ui, const QString& title)
-        : m_ui(ui)
-    {
-        m_ui.BeginProgress(title);
-    }
-    ~ShownProgress() { m_ui.EndProgress(); }
-    ShownProgress(const ShownProgress&) = delete;
-    ShownProgress& operator=(const ShownProgress&) = delete;
-
-private:
-    IUserInterface& m_ui;
-};
 
 QImage MakePicture(const IScene& scene, IRender& renderer, const QSize& size, IUserInterface& ui)
 {
@@ -66,6 +50,7 @@ QImage MakePicture(const IScene& scene, IRender& renderer, const QSize& size, IU
     if (code == eRenderExitFailed)
         throw LoadingException(said.isEmpty() ? QStringLiteral("The renderer failed") : said);
     ui.ShowStatus(said);
+    if (!code) renderer.Stop(); // and nobody waits for the end of that
     return renderer.GetImage();
 }
 
@@ -108,11 +93,12 @@ private:
 
 } // namespace
 
-void ShowRendering(const IScene& scene, IRender& renderer, const QSize& size, const IApplicationContext& application,
-                   IUserInterface& ui)
+QImage ShowRendering(const IScene& scene, IRender& renderer, const QSize& size, const IApplicationContext& application,
+                     IUserInterface& ui)
 {
     const QSize adjusted = AdjustResolution(size, scene.GetCamera()->GetFrameAspect(), false);
     const QImage picture = MakePicture(scene, renderer, adjusted, ui);
+    if (picture.isNull()) return picture;
     auto* const pWindow = new QDialog(qobject_cast<QWidget*>(ui.GetMainWindow()));
     pWindow->setAttribute(Qt::WA_DeleteOnClose);
     pWindow->setWindowTitle(QStringLiteral("Picture, %1 x %2").arg(picture.width()).arg(picture.height()));
@@ -130,6 +116,7 @@ void ShowRendering(const IScene& scene, IRender& renderer, const QSize& size, co
     const QSize room = QGuiApplication::primaryScreen()->availableSize() * 9 / 10;
     pWindow->resize(GetOptimalRenderWindowSize(picture.size(), {200, 150}, room, nExtra));
     pWindow->show();
+    return picture;
 }
 
 } // namespace Host

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QSize>
+#include <QImage>
 
 class IApplicationContext;
 class IRender;
@@ -14,8 +14,9 @@ namespace Host {
 /// of its own, in which it can be saved.
 /// \param size as AdjustResolution() takes it: missing sides follow the frame of
 ///             the camera
+/// \return the picture; null where the program ended meanwhile
 /// \throws LoadingException the renderer failed, with what it said last
-void ShowRendering(const IScene& scene, IRender& renderer, const QSize& size, const IApplicationContext& application,
-                   IUserInterface& ui);
+QImage ShowRendering(const IScene& scene, IRender& renderer, const QSize& size, const IApplicationContext& application,
+                     IUserInterface& ui);
 
 } // namespace Host

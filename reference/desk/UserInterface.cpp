@@ -98,6 +98,7 @@ void UserInterface::BeginProgress(const QString& strTitle)
     if (!m_progress) {
         m_progress = std::make_unique<QProgressDialog>(&m_window);
         m_progress->setWindowModality(Qt::WindowModal);
+        m_progress->setMinimumDuration(0);
         m_progress->setAutoClose(false);
         m_progress->setAutoReset(false);
         m_progress->setWindowTitle(strTitle);

@@ -36,12 +36,14 @@ public:
     bool AskColor(ColorF& color) override;
     IFileDialog* CreateFileDialog(int nKind, QObject* pParent) override;
 
+    /// The dialog is there at once, so that nothing changes what is worked on.
     /// A work within another one counts as one step of that, as long as the step
     /// before. The dialog goes with the outermost work.
     void BeginProgress(const QString& strTitle) override;
     bool SetProgress(int nPercent) override;
     /// Without a work nothing happens.
     void EndProgress() override;
+    bool IsWorking() const { return !m_works.empty(); }
 
     QObject* GetMainWindow() const override;
     bool OpenUrl(const QUrl& url) override;

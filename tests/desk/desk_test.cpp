@@ -3,18 +3,24 @@
 
 #include "lumenta/files/WholeFile.h"
 #include "lumenta/interfaces/IMeshNode.h"
+#include "lumenta/interfaces/ISnapshotManager.h"
+#include "lumenta/interfaces/IUploader.h"
 #include "lumenta/materials/MaterialXml.h"
 #include "reference/desk/DeskWindow.h"
 #include "reference/desk/Drops.h"
 #include "reference/desk/FileField.h"
 #include "reference/desk/MaterialList.h"
 #include "reference/desk/PropertyPanel.h"
+#include "reference/desk/Publishing.h"
 #include "reference/host/images/Image.h"
 #include "reference/host/services/Application.h"
 #include "tests/foundation/Exact.h"
 #include "tests/serializers/ServiceStandIns.h"
 
 #include <QtWidgets>
+
+#include <csignal>
+#include <sys/prctl.h>
 
 using namespace Host;
 
@@ -30,6 +36,30 @@ template <typename Dialog, typename F>
 void OnNext(const F& answer) { QTimer::singleShot(0, qApp, [=] { answer(dynamic_cast<Dialog&>(*QApplication::activeModalWidget())); }); }
 
 void Confirm(QMessageBox& box) { box.accept(); }
+
+void Choose(const QMainWindow& window, const QString& menu, const QString& title)
+{
+    for (QAction* const top : window.menuBar()->actions()) Q_EMIT top->menu()->aboutToShow();
+    for (QMenu* const each : window.findChildren<QMenu*>())
+        for (QAction* const action : each->actions()) if (each->title() == menu && action->text() == title) return action->trigger();
+    qFatal("there is no '%s' in '%s'", qPrintable(title), qPrintable(menu));
+}
+
+template <typename Dialog> void Type(Dialog& box, const QString& text) { box.setTextValue(text), box.accept(); }
+
+void Drop(QWidget& onto, const QMimeData& mime)
+{
+    const QPoint middle = onto.rect().center();
+    QDragEnterEvent enter(middle, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(middle, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&onto, &enter), QApplication::sendEvent(&onto, &drop);
+}
+
+/// Ends with this process, also where that is killed.
+struct Child final : QProcess {
+    ~Child() override { waitForFinished(5000); }
+    void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGKILL); }
+};
 
 struct FileData final : QMimeData { explicit FileData(const QString& path) { setUrls({QUrl::fromLocalFile(path)}); } };
 
@@ -59,6 +89,7 @@ struct Generator final : IGenerator {
     QVariant sides = 3;
     void Generate(IMeshNodeBuilder&) override {}
     QList<sGeneratorParameter> GetParameters() const override { return {{"sides", "Sides", 3, 3, 9}}; }
+    QList<sGeneratorPreset> GetPresets() const override { return {{"Brick", {{"sides", 4}}}, {"Nut", {{"sides", 6}}}}; }
     QVariant GetValue(const QString&) const override { return sides; }
     void SetValue(const QString& name, const QVariant& value) override { value == 7 ? throw FactoryException(name) : sides = value; }
 };
@@ -80,6 +111,65 @@ QString Chosen(int kind, const QString& start, const QString& typed, QMessageBox
         if (shown.isVisible()) shown.reject();
     });
     return dialog->Show("Title", "Why", desk.Path(start)).mid(desk.folder.path().size()) + read;
+}
+
+/// Gives one answer after another, none of them for "", and notes what it is told and asked.
+struct Person final : IUserInterface {
+    QStringList answers, heard;
+    bool Answer(const QString& asked)
+    {
+        heard += asked;
+        return !answers.value(0).isEmpty() || (answers.removeFirst(), false);
+    }
+    bool AskText(const QString&, const QString& label, QString& text) override { return Answer(label) && (text = answers.takeFirst(), true); }
+    bool AskChoice(const QString& title, const QStringList&, int& choice) override { return Answer(title) && (choice = answers.takeFirst().toInt(), true); }
+    bool AskYesNo(const QString& question) override { return Answer(question) && answers.takeFirst() == "yes"; }
+    IFileDialog* CreateFileDialog(int, QObject*) override { return new Folder(*this); }
+    void ShowWarning(const QString& text) override { heard += text; }
+    void ShowError(const QString& text) override { heard += text; }
+    bool SetProgress(int percent) override { return percent < 50; }
+    bool OpenUrl(const QUrl& url) override { return heard += "open " + url.toString(), true; }
+    struct Folder final : IFileDialog {
+        Person& person;
+        explicit Folder(Person& owner) : person(owner) {}
+        void AddFilter(const QString&, const QStringList&) override {}
+        QString Show(const QString&, const QString& text, const QString& start) override { return person.Answer(text + start) ? person.answers.takeFirst() : QString(); }
+    };
+    // clang-format off: nothing to be read here
+    bool AskColor(ColorF&) override { StandIn::No(); } void ShowMessage(const QString&) override { StandIn::No(); } void ShowStatus(const QString&) override {}
+    void BeginProgress(const QString&) override {} void EndProgress() override {} QObject* GetMainWindow() const override { return nullptr; }
+    // clang-format on
+};
+
+/// Says one word after another, each when it is spoken to; a "%" would never be followed by one.
+struct Uploader final : IUploader {
+    Person& person;
+    QStringList words;
+    Uploader(Person& owner, const QString& text) : person(owner), words(text.split(' ')) {}
+    void Speak()
+    {
+        const QString word = words.takeFirst();
+        if (word == "done") Q_EMIT done("u:1"); // before it returns
+        QTimer::singleShot(0, this, [=] {
+            if (word == "%") Q_EMIT progress(60); else if (word == "pin") Q_EMIT urlForPin("u:2"); else if (word == "auth") Q_EMIT failedAuth();
+            else if (word == "settings") Q_EMIT requestSettings(); else if (word == "failed") Q_EMIT failed("No room");
+        });
+    }
+    void Upload(const QString& file, const QMap<QString, QVariant>& with) override { person.heard += file + "->" + with["folder"].toString() + with["pin"].toString(), Speak(); }
+    void SetPin(const QString& pin) override { words.value(0) == "none" ? IUploader::SetPin(pin) : (person.heard += "pin " + pin, Speak()); }
+    void Cancel() override { person.heard += "cancel", Q_EMIT failed("Cancelled"); }
+};
+
+/// What is heard of an upload where "/last" was used before.
+QString Published(const QString& words, const QStringList& answers)
+{
+    Desk desk;
+    Person person;
+    person.answers = answers;
+    Uploader uploader(person, words);
+    desk.application.GetSettings()->SetValue("publish/x/folder", "/last");
+    try { Publish(uploader, "f", "x", desk.application.GetSettings(), person); } catch (const Exception& exception) { person.heard += '!' + exception.GetErrorText(); }
+    return person.heard.join('|') + '>' + desk.application.GetSettings()->GetValue("publish/x/folder", {}).toString();
 }
 
 /// Another program's, which knows of a drop only what it can read of it, and says so.
@@ -112,7 +202,7 @@ private:
     /// What is said of a drag from a row of the list to the right, where the other program stands.
     static QString Dragged(const QListWidget& list, int row)
     {
-        QProcess receiver, hand;
+        Child receiver, hand;
         receiver.start(QCoreApplication::applicationFilePath(), {"receiver"});
         if (!receiver.waitForReadyRead() || receiver.readLine() != "ready\n") return receiver.readAllStandardError();
         const QPoint from = list.viewport()->mapToGlobal(list.visualItemRect(list.item(row)).center());
@@ -160,11 +250,8 @@ private Q_SLOTS:
         QVERIFY(oak.GetShininess() == 1000.0f && Rounded(oak.GetDiffuseColor()) == "0, 1, 0.21586, 1"); // linear
         FileField& field = desk.Row<FileField>("Bump texture");
         for (const QString& path : {desk.Path("sub/bark.png"), QString("/a.obj")}) {
-            const FileData mime(path);
-            QDragEnterEvent enter({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-            QDropEvent drop({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
             if (path == "/a.obj") OnNext<QMessageBox>(Confirm); // it is refused
-            QApplication::sendEvent(&field, &enter), QApplication::sendEvent(&field, &drop);
+            Drop(field, FileData(path));
         }
         QVERIFY(oak.GetImageFile(eMaterialSlotBump) == "sub/bark.png" && oak.GetImage(eMaterialSlotBump) == &desk.image);
         QVERIFY(field.findChild<QLineEdit*>()->text() == "sub/bark.png" && desk.Row<QDoubleSpinBox>("Opacity").value() == 0.5);
@@ -176,6 +263,8 @@ private Q_SLOTS:
         Desk desk;
         QScopedPointer<Generator> prism(new Generator);
         desk.panel.ShowGenerator(prism.data());
+        Q_EMIT desk.Row<QComboBox>("Preset").activated(1);
+        QVERIFY(desk.Row<QSpinBox>("Sides").value() == 6 && desk.Row<QComboBox>("Preset").currentIndex() == -1);
         OnNext<QMessageBox>(Confirm);
         desk.Row<QSpinBox>("Sides").setValue(12), desk.Row<QSpinBox>("Sides").setValue(7); // which throws
         QVERIFY(prism->sides == 9 && desk.Row<QSpinBox>("Sides").value() == 9 && (prism.reset(), !desk.panel.widget()));
@@ -216,6 +305,53 @@ private Q_SLOTS:
         QVERIFY(MakeMimeData(*desk.scene.CreateMaterial("a/b"), desk.ui)->urls().isEmpty()); // but nothing is thrown
     }
 
+    void Publishing_data()
+    {
+        AnswerColumns();
+        const QString asked = "Publish into|f->|Where to publish it?", shown = "|It is published at u:1\nOpen it?";
+        const QString denied = "|That place does not accept it, or not with this pin|Where to publish it?";
+        Row("the last place again", Published("done", {"0", "yes"}), "Publish into|f->/last" + shown + "|open u:1>/last");
+        Row("another place, which is kept", Published("settings done", {"1", "/new", "no"}), asked + "|f->/new" + shown + ">/new");
+        Row("no place after all", Published("settings", {"1", ""}), asked + ">/last");
+        Row("a pin, at the second go", Published("pin auth done", {"0", "bad", "/new", "good", "no"}), "Publish into|f->/last|open u:2|The pin from u:2:|pin bad" + denied + "/last|Pin, if there is one:|f->/newgood" + shown + ">/new");
+        Row("a pin that nobody has", Published("pin", {"0", ""}), "Publish into|f->/last|open u:2|The pin from u:2:|cancel>/last");
+        Row("a pin that nobody takes", Published("pin none", {"0", "1"}), "Publish into|f->/last|open u:2|The pin from u:2:|!Not implement>/last");
+        Row("a failure", Published("failed", {"0"}), "Publish into|f->/last|No room>/last");
+        Row("cancelled on the way, of which no error is made", Published("%", {"0"}), "Publish into|f->/last|cancel>/last");
+    }
+
+    void Publishing() { CompareAnswer(); }
+
+    void TheMenus()
+    {
+        Desk desk;
+        DeskWindow window(desk.application);
+        const auto file = [&](const QString& name, auto then) { OnNext<QFileDialog>([=, &desk](QFileDialog& box) { box.findChild<QLineEdit*>("fileNameEdit")->setText(desk.Path(name)), QMetaObject::invokeMethod(&box, "accept"), then(); }); };
+        Host::Scene& scene = *window.GetDocument().GetScene();
+        window.Open(":figure"), window.centralWidget()->resize(300, 300);
+        QVERIFY(QImage(3, 2, QImage::Format_RGB32).save(desk.Path("bark.png")));
+        Drop(*window.centralWidget(), FileData(desk.Path("bark.png")));
+        const auto& materials = scene.GetMaterials();
+        const auto isPapered = [](const IMaterial* each) { return each->GetImage(eMaterialSlotDiffuse) && each->GetImage(eMaterialSlotDiffuse)->GetSize() == QSize(3, 2); };
+        QVERIFY(std::count_if(materials.begin(), materials.end(), isPapered) == 1);
+        const int alone = int(scene.GetRoot()->GetChildren().size());
+        Drop(*window.centralWidget(), FileData(kCube));
+        QVERIFY(int(scene.GetRoot()->GetChildren().size()) == alone + 1);
+
+        OnNext<QInputDialog>([](QInputDialog& box) { Type(box, "all"); });
+        Choose(window, "&Snapshots", "&Take..."), scene.GetRoot()->GetChildren()[0]->SetVisible(false);
+        OnNext<QInputDialog>([](QInputDialog& box) { Type(box, "both"); });
+        Choose(window, "&Snapshots", "&Take..."), Choose(window, "all", "Re&store"), Choose(window, "both", "Re&move");
+        QVERIFY(scene.GetRoot()->GetChildren()[0]->IsVisible() && scene.GetSnapshotManager()->GetSnapshots().size() == 1);
+
+        file("out.obj", [] { OnNext<QMessageBox>(Confirm); }), Choose(window, "&File", "&Export...");
+        QVERIFY(!desk.application.ReadModel(desk.Path("out.obj")).scene->nodes.empty());
+        SaveDataToFile(desk.Path("s.js"), "print(args, scene.nodes.length > 1)\nnone()");
+        file("s.js", [] { OnNext<QInputDialog>([](QInputDialog& box) { Type(box, "\"a b\" c"); }); });
+        Choose(window, "S&cripts", "&Run...");
+        QCOMPARE(window.findChild<QPlainTextEdit*>()->toPlainText(), "a b,c true\n" + desk.Path("s.js") + ":2: ReferenceError: Can't find variable: none\n");
+    }
+
     void TheWindow()
     {
         Desk desk;
@@ -251,7 +387,7 @@ private Q_SLOTS:
 
 int main(int argc, char* argv[])
 {
-    QProcess screen;
+    Child screen;
     const QTemporaryDir temporary;
     const bool isReceiver = argc > 1 && qstrcmp(argv[1], "receiver") == 0;
     if (!isReceiver) {
@@ -259,8 +395,9 @@ int main(int argc, char* argv[])
         if (!screen.waitForReadyRead() || QStandardPaths::findExecutable("xdotool").isEmpty())
             qFatal("a screen and a hand are needed: apt-get install xvfb xdotool");
         qputenv("DISPLAY", ':' + screen.readLine().trimmed()), qputenv("QT_QPA_PLATFORM", "xcb"), qputenv("QT_XCB_GL_INTEGRATION", "none");
-        for (const char* own : {"TMPDIR", "XDG_CONFIG_HOME"}) qputenv(own, QFile::encodeName(temporary.path()));
+        for (const char* own : {"TMPDIR", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"}) qputenv(own, QFile::encodeName(temporary.path()));
     }
+    QLoggingCategory::setFilterRules("qt.qpa.xcb.warning=false"); // no window manager: dialogs ask for the focus too early
     const QApplication application(argc, argv); // ends before its screen
     DeskTest test;
     return isReceiver ? Target().Wait() : QTest::qExec(&test, argc, argv);
