@@ -87,6 +87,15 @@ QString WarningOf(const Assignment& assignment, const QString& stored, const QSt
                                         : QString();
 }
 
+QStringList TexturesOf(const MaterialFile& material, const QString& folder)
+{
+    QStringList files;
+    for (auto each = material.parameters.begin(); each != material.parameters.end(); ++each)
+        if (SceneMaterial::IsFileParameter(each.key()))
+            files += TryToFindFilePessimistic(each.value().toString(), folder);
+    return files;
+}
+
 /// Changes the material and writes it, then says what there is to say.
 void AssignAndWrite(MaterialFile& material, const std::vector<Assignment>& assignments, const QString& fileName)
 {
@@ -103,6 +112,7 @@ void AssignAndWrite(MaterialFile& material, const std::vector<Assignment>& assig
         material.parameters[name] = stored;
         warnings += WarningOf(assignment, stored, folder);
     }
+    KeepInputs(TexturesOf(material, folder), {fileName}, QStringLiteral("a texture of the material"));
     WriteMaterialFile(fileName, material);
     warnings.removeAll(QString());
     for (const QString& warning : qAsConst(warnings))

@@ -6,6 +6,7 @@
 #include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
+#include "reference/tools/OutputFile.h"
 #include "reference/tools/Services.h"
 #include "reference/tools/Texts.h"
 #include "reference/tools/Toolkit.h"
@@ -68,13 +69,14 @@ QString ReadProgram(const QString& fileName)
 }
 
 /// Before long work.
-void CheckSaver(const QString& fileName)
+void CheckSaved(const QString& fileName)
 {
     try {
         CreateSceneSaver(TheApplication().GetSerializers(), fileName);
     } catch (const Exception& exception) {
         throw FailureOf(exception, fileName);
     }
+    CheckOutputFile(fileName);
 }
 
 void SaveDocument(Document& document, const QString& fileName)
@@ -93,12 +95,14 @@ void Run(const Arguments& arguments)
     if (words.size() < 2 || words[1].isEmpty()) arguments.Reject(QStringLiteral("MODEL is missing"));
     const bool save = arguments.Has(QStringLiteral("save"));
     const QString saved = save ? arguments.RequiredText(QStringLiteral("save")) : QString();
-    if (save) CheckSaver(saved);
+    if (save) CheckSaved(saved);
     const QString program = ReadProgram(words[0]);
 
     PrepareToolkit();
     ProgressBar bar;
     const std::unique_ptr<Document> document = OpenDocument(words[1], bar);
+    if (save)
+        KeepInputs(InputFiles(*document->GetScene(), words[1]) << words[0], {saved}, QStringLiteral("what is read"));
     ScriptRunner& runner = *document->GetScriptRunner();
     runner.SetArguments(words.mid(2));
     Console console(runner);

@@ -14,6 +14,7 @@
 
 using Change = void (*)(SceneBuilder&);
 Q_DECLARE_METATYPE(Change)
+Q_DECLARE_METATYPE(aiVector3D)
 
 // Assimp leaves memory behind when it meets a broken file. What the loader
 // itself leaves behind still counts.
@@ -55,6 +56,8 @@ private Q_SLOTS:
     void KeepsTheStrongestWeights();
     void TellsEqualNamesApart();
     void SharesNormalsByPosition();
+    void FacesOutwardsWhereMirrored_data();
+    void FacesOutwardsWhereMirrored();
     void ReportsDamage();
     void RefusesWhatItCannotHold();
     void ReadsMaterialsImagesAndTheUpAxis();
@@ -294,6 +297,34 @@ void AssimpLoaderTest::SharesNormalsByPosition()
     QCOMPARE(meshes.at(0).vertices[1].normal, across);
     QCOMPARE(meshes.at(1).vertices[1].normal, across);
     QCOMPARE(meshes.at(2).vertices[0].normal, (TVec3<float>{0, 0, -1}));
+}
+
+void AssimpLoaderTest::FacesOutwardsWhereMirrored_data()
+{
+    QTest::addColumn<aiVector3D>("node"); // how the mesh's node and its bone stretch
+    QTest::addColumn<aiVector3D>("bone");
+    QTest::addColumn<float>("weight");  // of the bone
+    QTest::addColumn<float>("outside"); // along z
+    const aiVector3D one(1), tiny(-1e-7f, 1e-7f, 1e-7f), inverted(-1, -1, -1);
+    QTest::newRow("rigid, turned over only") << aiVector3D(-1, 1, -1) << one << 0.0f << -1.0f;
+    QTest::newRow("rigid, mirrored and tiny") << tiny << one << 0.0f << 1.0f;
+    QTest::newRow("a mirrored node, but a bone places its mesh") << inverted << one << 1.0f << 1.0f;
+    QTest::newRow("a mirrored bone") << one << inverted << 1.0f << -1.0f;
+}
+
+void AssimpLoaderTest::FacesOutwardsWhereMirrored()
+{
+    SceneBuilder builder;
+    const auto add = [&](const char* name) { return builder.AddNode(builder.root, name); };
+    QFETCH(aiVector3D, node);
+    QFETCH(aiVector3D, bone);
+    QFETCH(float, weight);
+    aiMesh* const mesh = builder.AddMesh(add("mesh"));
+    builder.root->mChildren[0]->mTransformation = aiMatrix4x4(node, {}, {});
+    add("bone")->mTransformation = aiMatrix4x4(bone, {}, {});
+    builder.AddBone(mesh, "bone", {}, {{0, weight}, {1, weight}, {2, weight}});
+    const Host::Model model = Host::ModelFromAssimp(builder.scene, "model");
+    QTEST(MeshesOf(*model.scene).at(0).vertices[0].normal.z, "outside"); // comes from the corners
 }
 
 /// Of all this one triangle is sound: it comes out, and the rest is reported.
