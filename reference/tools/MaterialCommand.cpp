@@ -240,7 +240,7 @@ Verb MaterialVerb()
     manual.summary = QStringLiteral("show, change or make a material file");
     manual.synopsis = QStringList{
         QStringLiteral("lumenta material show FILE [--json]"),
-        QStringLiteral("lumenta material set FILE [NAME=VALUE ...] [--name NAME] [-o OUT]"),
+        QStringLiteral("lumenta material set FILE [NAME=VALUE ...] [--name NAME] [-o OUT [--force]]"),
         QStringLiteral("lumenta material new FILE [NAME=VALUE ...] [--name NAME] [--force]"),
     };
     manual.description = QStringList{
@@ -259,7 +259,8 @@ Verb MaterialVerb()
         {{QStringLiteral("o"), QStringLiteral("output")},
          QStringLiteral("OUT"),
          QStringLiteral("Write the changed material there, and leave FILE alone.")},
-        {QStringList(QStringLiteral("force")), QString(), QStringLiteral("Replace a file that is there already.")},
+        {QStringList(QStringLiteral("force")), QString(),
+         QStringLiteral("Replace a file that is there already; never a texture of the material.")},
         {QStringList(QStringLiteral("json")), QString(),
          QStringLiteral("Print a JSON object, for programs. A parameter without a remark is in order.")},
     };

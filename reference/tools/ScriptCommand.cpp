@@ -65,7 +65,9 @@ QString ReadProgram(const QString& fileName)
     }
     QFile input;
     if (!input.open(stdin, QIODevice::ReadOnly)) throw Failure{QStringLiteral("standard input"), input.errorString()};
-    return QString::fromUtf8(input.readAll());
+    const QByteArray program = input.readAll();
+    if (input.error() != QFile::NoError) throw Failure{QStringLiteral("standard input"), input.errorString()};
+    return QString::fromUtf8(program);
 }
 
 /// Before long work.
@@ -133,9 +135,12 @@ Verb ScriptVerb()
         ModelSourceText(),
         DocumentSourceText(),
     };
-    manual.options = {{{QStringLiteral("save")},
-                       QStringLiteral("OUT"),
-                       QStringLiteral("Save the document as this scene file when the script has come to its end.")}};
+    manual.options = {
+        {{QStringLiteral("save")},
+         QStringLiteral("OUT"),
+         QStringLiteral(
+             "Save the document as this scene file when the script has come to its end. A file that is there "
+             "already is replaced, but none that the document was read from.")}};
     manual.examples = {
         {QStringLiteral("lumenta script parts-list.js robot.glb"),
          QStringLiteral("Lists what the model is made of, by docs/examples/scripts/parts-list.js.")},

@@ -119,6 +119,7 @@ std::unique_ptr<aiMaterial> MaterialWriter::Write(const IMaterial& material)
     const float opacity = material.GetOpacity(), shininess = material.GetShininess();
     const int isTwoSided = material.IsTwoSided();
     target->AddProperty(&name, AI_MATKEY_NAME);
+    if (!m_traits.hasMaterials) return target; // some writers would give the texture of one mesh to all
     target->AddProperty(&diffuse, 1, AI_MATKEY_COLOR_DIFFUSE);
     target->AddProperty(&specular, 1, AI_MATKEY_COLOR_SPECULAR);
     target->AddProperty(&emission, 1, AI_MATKEY_COLOR_EMISSIVE);

@@ -21,7 +21,8 @@ namespace Host {
 
 struct ExportTraits;
 
-/// Writes each material that is asked for once.
+/// Writes each material that is asked for once; no more than its name for a format
+/// without materials.
 ///
 /// A texture is a reference to its file, relative to the folder of the model where
 /// it lies in that. An image without a file goes into the model, or where its

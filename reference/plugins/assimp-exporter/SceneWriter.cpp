@@ -179,6 +179,7 @@ void SceneWriter::AddMeshes(const Pending& entry)
 void SceneWriter::TellOfLosses()
 {
     if (!m_hidden.isEmpty()) m_warnings += QStringLiteral("What is hidden was left out: %1.").arg(Listed(m_hidden));
+    if (!m_traits.hasMaterials) m_warnings += QStringLiteral("Materials were left out.");
     if (m_nLights > 0) m_warnings += QStringLiteral("Of lights only the places were taken over.");
 }
 
