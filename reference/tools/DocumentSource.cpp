@@ -3,6 +3,7 @@
 #include "lumenta/files/Paths.h"
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IImage.h"
+#include "reference/host/services/SilentUserInterface.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Services.h"
@@ -26,6 +27,13 @@ bool IsDocument(const QString& source)
     return names.indexOf(source.mid(1)) > 0; // the first is a model
 }
 
+std::unique_ptr<Document> NewDocument()
+{
+    auto document = std::make_unique<Document>(TheApplication());
+    document->SetUserInterface(new SilentUserInterface(*TheApplication().GetLog(), document.get()));
+    return document;
+}
+
 std::unique_ptr<Document> OpenDocument(const QString& source, ProgressBar& bar)
 {
     QStringList warnings;
@@ -38,7 +46,7 @@ std::unique_ptr<Document> OpenDocument(const QString& source, ProgressBar& bar)
 std::unique_ptr<Document> OpenDocument(const QString& source, ProgressBar& bar, QStringList& warnings)
 {
     RequireBuiltIn(source);
-    auto document = std::make_unique<Document>(TheApplication());
+    auto document = NewDocument();
     try {
         const Progress progress = bar.Part(QStringLiteral("reading"), 0, kLoaded);
         if (progress) progress(0);

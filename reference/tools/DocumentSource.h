@@ -16,6 +16,9 @@ QString DocumentSourceText();
 /// it need not exist.
 bool IsDocument(const QString& source);
 
+/// An empty document, whose user interface answers no question.
+std::unique_ptr<Document> NewDocument();
+
 /// Opens a document, or any model as one. What could not be taken over is
 /// warned of on standard error.
 /// \throws Failure the subject is `source`

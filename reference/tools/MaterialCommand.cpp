@@ -88,6 +88,15 @@ QString WarningOf(const Assignment& assignment, const QString& stored, const QSt
                                         : QString();
 }
 
+QStringList TexturesOf(const MaterialFile& material, const QString& folder)
+{
+    QStringList files;
+    for (auto each = material.parameters.begin(); each != material.parameters.end(); ++each)
+        if (SceneMaterial::IsFileParameter(each.key()))
+            files += TryToFindFilePessimistic(each.value().toString(), folder);
+    return files;
+}
+
 /// Changes the material and writes it, then says what there is to say.
 void AssignAndWrite(MaterialFile& material, const std::vector<Assignment>& assignments, const QString& fileName)
 {
@@ -104,6 +113,7 @@ void AssignAndWrite(MaterialFile& material, const std::vector<Assignment>& assig
         material.parameters[name] = stored;
         warnings += WarningOf(assignment, stored, folder);
     }
+    KeepInputs(TexturesOf(material, folder), {fileName}, QStringLiteral("a texture of the material"));
     WriteMaterialFile(fileName, material);
     warnings.removeAll(QString());
     for (const QString& warning : qAsConst(warnings))
@@ -231,7 +241,7 @@ Verb MaterialVerb()
     manual.summary = QStringLiteral("show, change or make a material file");
     manual.synopsis = QStringList{
         QStringLiteral("lumenta material show FILE [--json]"),
-        QStringLiteral("lumenta material set FILE [NAME=VALUE ...] [--name NAME] [-o OUT]"),
+        QStringLiteral("lumenta material set FILE [NAME=VALUE ...] [--name NAME] [-o OUT [--force]]"),
         QStringLiteral("lumenta material new FILE [NAME=VALUE ...] [--name NAME] [--force]"),
     };
     manual.description = QStringList{
@@ -250,7 +260,8 @@ Verb MaterialVerb()
         {{QStringLiteral("o"), QStringLiteral("output")},
          QStringLiteral("OUT"),
          QStringLiteral("Write the changed material there, and leave FILE alone.")},
-        {QStringList(QStringLiteral("force")), QString(), QStringLiteral("Replace a file that is there already.")},
+        {QStringList(QStringLiteral("force")), QString(),
+         QStringLiteral("Replace a file that is there already; never a texture of the material.")},
         {QStringList(QStringLiteral("json")), QString(),
          QStringLiteral("Print a JSON object, for programs. A parameter without a remark is in order.")},
     };

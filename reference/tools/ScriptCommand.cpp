@@ -6,6 +6,7 @@
 #include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
+#include "reference/tools/OutputFile.h"
 #include "reference/tools/Services.h"
 #include "reference/tools/Texts.h"
 #include "reference/tools/Toolkit.h"
@@ -64,17 +65,20 @@ QString ReadProgram(const QString& fileName)
     }
     QFile input;
     if (!input.open(stdin, QIODevice::ReadOnly)) throw Failure{QStringLiteral("standard input"), input.errorString()};
-    return QString::fromUtf8(input.readAll());
+    const QByteArray program = input.readAll();
+    if (input.error() != QFile::NoError) throw Failure{QStringLiteral("standard input"), input.errorString()};
+    return QString::fromUtf8(program);
 }
 
 /// Before long work.
-void CheckSaver(const QString& fileName)
+void CheckSaved(const QString& fileName)
 {
     try {
         CreateSceneSaver(TheApplication().GetSerializers(), fileName);
     } catch (const Exception& exception) {
         throw FailureOf(exception, fileName);
     }
+    CheckOutputFile(fileName);
 }
 
 void SaveDocument(Document& document, const QString& fileName)
@@ -93,12 +97,14 @@ void Run(const Arguments& arguments)
     if (words.size() < 2 || words[1].isEmpty()) arguments.Reject(QStringLiteral("MODEL is missing"));
     const bool save = arguments.Has(QStringLiteral("save"));
     const QString saved = save ? arguments.RequiredText(QStringLiteral("save")) : QString();
-    if (save) CheckSaver(saved);
+    if (save) CheckSaved(saved);
     const QString program = ReadProgram(words[0]);
 
     PrepareToolkit();
     ProgressBar bar;
     const std::unique_ptr<Document> document = OpenDocument(words[1], bar);
+    if (save)
+        KeepInputs(InputFiles(*document->GetScene(), words[1]) << words[0], {saved}, QStringLiteral("what is read"));
     ScriptRunner& runner = *document->GetScriptRunner();
     runner.SetArguments(words.mid(2));
     Console console(runner);
@@ -129,9 +135,12 @@ Verb ScriptVerb()
         ModelSourceText(),
         DocumentSourceText(),
     };
-    manual.options = {{{QStringLiteral("save")},
-                       QStringLiteral("OUT"),
-                       QStringLiteral("Save the document as this scene file when the script has come to its end.")}};
+    manual.options = {
+        {{QStringLiteral("save")},
+         QStringLiteral("OUT"),
+         QStringLiteral(
+             "Save the document as this scene file when the script has come to its end. A file that is there "
+             "already is replaced, but none that the document was read from.")}};
     manual.examples = {
         {QStringLiteral("lumenta script parts-list.js robot.glb"),
          QStringLiteral("Lists what the model is made of, by docs/examples/scripts/parts-list.js.")},

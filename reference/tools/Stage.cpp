@@ -3,15 +3,15 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IMaterial.h"
 #include "lumenta/interfaces/INode.h"
+#include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"
 #include "reference/tools/ModelSource.h"
-#include "reference/tools/Services.h"
 #include "reference/tools/Texts.h"
 
 namespace Host {
 
 Stage::Stage(Model&& model, const RenderOptions& options, ProgressBar& bar)
-    : m_document(std::make_unique<Document>(TheApplication()))
+    : m_document(NewDocument())
 {
     Scene& scene = GetScene();
     const QString source = model.fileName;

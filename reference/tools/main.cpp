@@ -14,7 +14,9 @@
 #include <new>
 #include <vector>
 
+#include <fcntl.h>
 #include <langinfo.h>
+#include <unistd.h>
 
 namespace {
 
@@ -59,6 +61,8 @@ Verb FindVerb(const QString& name)
 
 void ShowHelp(const QStringList& words)
 {
+    if (words.size() > 1)
+        throw UsageError{QString(), QStringLiteral("one VERB is enough, but here is also ") + Quoted(words[1])};
     const bool ofVerb = !words.isEmpty() && !words.first().startsWith(QLatin1Char('-'));
     Print(ManualPage(ofVerb ? FindVerb(words.first()).manual : CommandManual()));
 }
@@ -136,6 +140,14 @@ void HandleMessage(QtMsgType type, const QMessageLogContext&, const QString& mes
     std::abort();
 }
 
+/// Files would take the numbers of streams that are closed, and what is printed
+/// would end up in them. The wrong direction keeps it an error to use one.
+void OccupyClosedStreams()
+{
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
 /// Outside of any locale names of files are UTF-8, not ASCII.
 void ChooseEncoding()
 {
@@ -148,6 +160,7 @@ void ChooseEncoding()
 
 int main(int argc, char* argv[])
 {
+    OccupyClosedStreams();
     ChooseEncoding();
     qInstallMessageHandler(HandleMessage);
     // A file that grows beyond a limit is an error to report, not to die of.

@@ -14,6 +14,7 @@
 
 using Change = void (*)(SceneBuilder&);
 Q_DECLARE_METATYPE(Change)
+Q_DECLARE_METATYPE(aiVector3D)
 
 // Assimp leaves memory behind when it meets a broken file. What the loader
 // itself leaves behind still counts.
@@ -55,6 +56,8 @@ private Q_SLOTS:
     void KeepsTheStrongestWeights();
     void TellsEqualNamesApart();
     void SharesNormalsByPosition();
+    void FacesOutwardsWhereMirrored_data();
+    void FacesOutwardsWhereMirrored();
     void ReportsDamage();
     void RefusesWhatItCannotHold();
     void ReadsMaterialsImagesAndTheUpAxis();
@@ -294,6 +297,29 @@ void AssimpLoaderTest::SharesNormalsByPosition()
     QCOMPARE(meshes.at(0).vertices[1].normal, across);
     QCOMPARE(meshes.at(1).vertices[1].normal, across);
     QCOMPARE(meshes.at(2).vertices[0].normal, (TVec3<float>{0, 0, -1}));
+}
+
+void AssimpLoaderTest::FacesOutwardsWhereMirrored_data()
+{
+    QTest::addColumn<aiVector3D>("node"); // how it stretches
+    QTest::addColumn<aiVector3D>("bone"); // likewise; nothing for a rigid mesh
+    QTest::addColumn<float>("outside");   // along z
+    QTest::newRow("rigid, mirrored and tiny") << aiVector3D(-1e-7f, 1e-7f, 1e-7f) << aiVector3D(0) << 1.0f;
+    QTest::newRow("a mirrored node, but a bone places its mesh") << aiVector3D(-1, -1, -1) << aiVector3D(1) << 1.0f;
+    QTest::newRow("a mirrored bone") << aiVector3D(1) << aiVector3D(-1, -1, -1) << -1.0f;
+}
+
+void AssimpLoaderTest::FacesOutwardsWhereMirrored()
+{
+    SceneBuilder builder;
+    QFETCH(aiVector3D, node);
+    QFETCH(aiVector3D, bone);
+    const float weight = bone.x * bone.x;
+    aiMesh* const mesh = builder.AddMesh(builder.AddNode(builder.root, "mesh", aiMatrix4x4(node, {}, {})));
+    builder.AddNode(builder.root, "bone", aiMatrix4x4(bone, {}, {}));
+    builder.AddBone(mesh, "bone", {}, {{0, weight}, {1, weight}, {2, weight}});
+    const Host::Model model = Host::ModelFromAssimp(builder.scene, "model");
+    QTEST(MeshesOf(*model.scene).at(0).vertices[0].normal.z, "outside"); // comes from the corners
 }
 
 /// Of all this one triangle is sound: it comes out, and the rest is reported.

@@ -41,6 +41,12 @@ inline bool IntoFullDevice()
     return dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO) >= 0;
 }
 
+/// Standard input is none.
+inline bool FromFolder()
+{
+    return dup2(open("/", O_RDONLY), STDIN_FILENO) >= 0;
+}
+
 struct Outcome {
     int exitCode;
     QString output;

@@ -74,6 +74,8 @@ private Q_SLOTS:
         fails("set oak.mtl diffuse=red", "oak.mtl: diffuse: 'red' is not a colour, #rrggbb or four numbers 'r g b a'");
         fails("set oak.mtl gloss=\uffff", "oak.mtl: a name or a value holds characters that no such file can keep");
         fails("new oak.mtl", "oak.mtl: exists; --force would replace it");
+        for (const QString own : {"new maps/oak.png texture=maps/oak.png", "set oak.mtl gloss=2 -o maps/oak.png"})
+            fails(own + " --force", "maps/oak.png: would overwrite a texture of the material");
         fails("set here/wall.mtl gloss=1", "here/wall.mtl: Can't parse XML material description");
         fails("set oak.mtl gloss", "'gloss' is not NAME=VALUE" + tail);
         fails("set oak.mtl", "neither NAME=VALUE nor --name is given" + tail);
@@ -106,7 +108,8 @@ private Q_SLOTS:
         QVERIFY(!before.isEmpty());
         QCOMPARE(Picture("there/wall.lumenta --size 60 --samples 4"), before);
 
-        QCOMPARE(Complaint("convert there/wall.lumenta wall.ply"), QString());
+        QCOMPARE(Complaint("convert there/wall.lumenta wall.ply"),
+                 QString("wall.ply: warning: Materials were left out."));
         QCOMPARE(Facts("info wall.ply")["meshes"][0]["triangles"].toInt(), 1);
         QVERIFY(QFile::remove(Path("there/wall.png")));
         QCOMPARE(Facts("info there/wall.lumenta")["textures"][0]["found"].toString(), QString("missing"));
@@ -161,6 +164,8 @@ private Q_SLOTS:
         fails("clip w.lumenta --animation 0 --from 0 --to 1 --name c", "w.lumenta: a document has no animation");
         fails("convert w.lumenta w.lumenta", "w.lumenta: exists; --force would replace it");
         fails("convert w.lumenta link.lumenta --force", "link.lumenta: would overwrite what is read");
+        fails("script oak.mtl w.lumenta --save link.lumenta", "link.lumenta: would overwrite what is read");
+        fails("script oak.mtl :box --save no/a.lumenta", "no/a.lumenta: the folder 'no' does not exist");
         fails("convert here/wall.obj here/wall.glb",
               "here/wall.glb: files beside it might replace 'wall.mtl'; --force allows that");
         fails("convert here/wall.obj here/wall.glb --force",

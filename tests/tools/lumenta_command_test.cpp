@@ -202,6 +202,7 @@ private Q_SLOTS:
         misuses("", "", "no verb is given");
         const QString verbs = "'info', 'render', 'pick', 'clip', 'convert', 'material', 'script'";
         misuses("", "help paint", "there is no verb 'paint', but " + verbs);
+        misuses("", "help info pick", "one VERB is enough, but here is also 'pick'");
         misuses("", "sing", "there is no verb 'sing', but " + verbs);
         misuses("info", "jump.x --colour", "unknown option '--colour'");
         misuses("", "-platform xcb", "unknown option '-p'"); // the toolkit would know it

@@ -22,6 +22,7 @@ private Q_SLOTS:
         row("an error in line 3", "bad.js :figure",
             "1 /begun\n/ lumenta: bad.js:3: Error: scene.find(name): invalid parameter '7', string expected\n");
         row("no script", "gone.js :figure", "1 // lumenta: gone.js: Can't open the file\n");
+        row("no script but a folder", "- :figure", "1 // lumenta: standard input: Is a directory\n");
         row("no saver", "args.js :figure --save a.b", "1 // lumenta: a.b: Can't find scene saver for file 'a.b'\n");
         row("no word for the model", "args.js", "2 // lumenta: MODEL is missing; see 'lumenta help script'\n");
         row("nowhere to print", "endless.js :figure", "1 // lumenta: standard output: No space left on device\n");
@@ -44,7 +45,9 @@ private Q_SLOTS:
         write("page.js", page.mid(page.indexOf("```js") + 5).split('`').first());
 
         QFETCH(QString, words);
-        CommandRunner command(folder.path(), words.startsWith("endless") ? IntoFullDevice : Hardship());
+        CommandRunner command(folder.path(), words.startsWith("endless") ? IntoFullDevice
+                                             : words.startsWith("- ")    ? Hardship(FromFolder)
+                                                                         : Hardship());
         const Outcome outcome = command.Run(("script " + words).split(' '));
         const QString all = QString("%1 /%2/ %3").arg(outcome.exitCode).arg(outcome.output, outcome.errors);
         QFETCH(QString, told);

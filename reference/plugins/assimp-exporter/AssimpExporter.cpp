@@ -76,7 +76,7 @@ void AssimpExporter::Write(const IScene& scene, const QString& strFileName, std:
 {
     const ExportTraits& traits = TraitsOf(nFormat);
     StagedFiles files(strFileName);
-    MaterialWriter materials(scene, strFileName, traits.embedsImages, m_warnings);
+    MaterialWriter materials(scene, strFileName, traits, m_warnings);
     const std::unique_ptr<aiScene> model = SceneWriter(scene, traits, materials, m_warnings).Write();
     WriteByAssimp(*model, traits.assimpId, files.GetFileName());
 

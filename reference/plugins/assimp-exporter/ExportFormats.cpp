@@ -14,13 +14,13 @@ struct Entry {
 // without images: some of those that it writes there end the process that reads
 // them.
 constexpr Entry kEntries[] = {
-    {"glTF 2.0, one file", "glb", {"glb2", true, true, true}},
-    {"glTF 2.0", "gltf", {"gltf2", true, true, true}},
-    {"Autodesk FBX", "fbx", {"fbxa", true, false, false}},
-    {"Collada", "dae", {"collada", true, false, true}},
-    {"Wavefront OBJ", "obj", {"obj", false, false, false}},
-    {"Stereolithography", "stl", {"stlb", false, false, false}},
-    {"Stanford Polygon Library", "ply", {"plyb", false, false, false}},
+    {"glTF 2.0, one file", "glb", {"glb2", true, true, true, true, true}},
+    {"glTF 2.0", "gltf", {"gltf2", true, true, true, true, true}},
+    {"Autodesk FBX", "fbx", {"fbxa", true, false, false, true, false}},
+    {"Collada", "dae", {"collada", true, false, true, true, false}},
+    {"Wavefront OBJ", "obj", {"obj", false, false, false, true, false}},
+    {"Stereolithography", "stl", {"stlb", false, false, false, false, false}},
+    {"Stanford Polygon Library", "ply", {"plyb", false, false, false, false, false}},
 };
 
 std::vector<sModelExportFormat> CollectFormats()

@@ -12,6 +12,8 @@ struct ExportTraits {
     bool hasTree;      ///< Keeps nodes and their matrices; else meshes are written where they stand.
     bool embedsImages; ///< Can hold images itself.
     bool isInMeters;   ///< Its unit is fixed. All others keep that of the scene.
+    bool hasMaterials; ///< Keeps more than shapes.
+    bool isLinear;     ///< Has colours in linear light; all others as a screen shows them.
 };
 
 /// In the order of the traits. Formats that Assimp writes but nothing can read

@@ -5,6 +5,7 @@
 #include "lumenta/interfaces/IMaterial.h"
 #include "lumenta/interfaces/IScene.h"
 #include "reference/host/images/Png.h"
+#include "reference/plugins/assimp-exporter/ExportFormats.h"
 
 #include <QFileInfo>
 
@@ -29,9 +30,12 @@ float OnScreen(float linear)
     return std::min(std::round(screen * steps) / steps * hair, 1.0f);
 }
 
-aiColor3D OnScreen(const ColorF& color, float factor)
+aiColor3D InFile(const ColorF& color, float factor, bool isLinear)
 {
-    return {OnScreen(color.r * factor), OnScreen(color.g * factor), OnScreen(color.b * factor)};
+    const auto component = [&](float light) {
+        return isLinear ? std::clamp(light * factor, 0.0f, 1.0f) : OnScreen(light * factor);
+    };
+    return {component(color.r), component(color.g), component(color.b)};
 }
 
 aiString ToAssimp(const QString& text)
@@ -71,10 +75,11 @@ void Release(std::vector<std::unique_ptr<T>>& from, T**& to, unsigned int& count
 
 } // namespace
 
-MaterialWriter::MaterialWriter(const IScene& scene, const QString& strFileName, bool bEmbed, QStringList& warnings)
+MaterialWriter::MaterialWriter(const IScene& scene, const QString& strFileName, const ExportTraits& traits,
+                               QStringList& warnings)
     : m_strDocumentFolder(scene.GetFileName().isEmpty() ? QString() : QFileInfo(scene.GetFileName()).absolutePath())
     , m_strFileName(strFileName)
-    , m_bEmbed(bEmbed)
+    , m_traits(traits)
     , m_warnings(warnings)
 {
 }
@@ -99,12 +104,13 @@ std::unique_ptr<aiMaterial> MaterialWriter::Write(const IMaterial& material)
 {
     auto target = std::make_unique<aiMaterial>();
     const aiString name = ToAssimp(material.GetName());
-    const aiColor3D diffuse = OnScreen(material.GetDiffuseColor(), 1.0f);
-    const aiColor3D specular = OnScreen(material.GetSpecularColor(), material.GetSpecularLevel());
-    const aiColor3D emission = OnScreen(material.GetEmissionColor(), material.GetEmissionLevel());
+    const aiColor3D diffuse = InFile(material.GetDiffuseColor(), 1.0f, m_traits.isLinear);
+    const aiColor3D specular = InFile(material.GetSpecularColor(), material.GetSpecularLevel(), m_traits.isLinear);
+    const aiColor3D emission = InFile(material.GetEmissionColor(), material.GetEmissionLevel(), m_traits.isLinear);
     const float opacity = material.GetOpacity(), shininess = material.GetShininess();
     const int isTwoSided = material.IsTwoSided();
     target->AddProperty(&name, AI_MATKEY_NAME);
+    if (!m_traits.hasMaterials) return target; // some writers would give the texture of one mesh to all
     target->AddProperty(&diffuse, 1, AI_MATKEY_COLOR_DIFFUSE);
     target->AddProperty(&specular, 1, AI_MATKEY_COLOR_SPECULAR);
     target->AddProperty(&emission, 1, AI_MATKEY_COLOR_EMISSIVE);
@@ -144,7 +150,7 @@ QString MaterialWriter::Add(const QImage& image, const QString& strMaterial)
 {
     QString& name = m_names[image.cacheKey()];
     if (!name.isEmpty()) return name;
-    if (m_bEmbed) {
+    if (m_traits.embedsImages) {
         name = QStringLiteral("*%1").arg(m_textures.size());
         m_textures.push_back(Embedded(EncodedPng(image)));
         return name;

@@ -19,17 +19,19 @@ struct aiTexture;
 
 namespace Host {
 
-/// Writes each material that is asked for once. Colours are written as a screen
-/// shows them, as loaders here take those of files.
+struct ExportTraits;
+
+/// Writes each material that is asked for once; no more than its name for a format
+/// without materials.
 ///
 /// A texture is a reference to its file, relative to the folder of the model where
 /// it lies in that. An image without a file goes into the model, or where its
 /// format has no room beside it.
 class MaterialWriter {
 public:
-    /// \param strFileName of the model
-    /// \param warnings    outlives the writer; gets a sentence for whatever is lost
-    MaterialWriter(const IScene& scene, const QString& strFileName, bool bEmbed, QStringList& warnings);
+    /// \param strFileName      of the model
+    /// \param traits, warnings outlive the writer; the latter get a sentence for whatever is lost
+    MaterialWriter(const IScene& scene, const QString& strFileName, const ExportTraits& traits, QStringList& warnings);
     ~MaterialWriter();
 
     /// Which of the model's materials it is.
@@ -48,7 +50,7 @@ private:
 
     const QString m_strDocumentFolder; ///< Empty for a document that has no file.
     const QString m_strFileName;
-    const bool m_bEmbed;
+    const ExportTraits& m_traits;
     QStringList& m_warnings;
     std::map<const IMaterial*, unsigned int> m_known;
     std::vector<std::unique_ptr<aiMaterial>> m_materials;

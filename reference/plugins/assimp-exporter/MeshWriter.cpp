@@ -70,12 +70,13 @@ void WriteTriangles(const std::vector<unsigned int>& indices, bool isMirrored, a
     }
 }
 
-} // namespace
-
+/// Whether what is placed so has its left where its right was.
 bool IsMirroring(const Matrix& matrix)
 {
     return Dot(Cross(Row(matrix, 0), Row(matrix, 1)), Row(matrix, 2)) < 0.0f;
 }
+
+} // namespace
 
 std::unique_ptr<aiMesh> WriteMesh(const IMesh& mesh, const Matrix& placement, const Matrix2& texture,
                                   unsigned int nMaterial)

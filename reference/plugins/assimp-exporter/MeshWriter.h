@@ -12,9 +12,6 @@ struct aiMesh;
 
 namespace Host {
 
-/// Whether what is placed so has its left where its right was.
-bool IsMirroring(const Matrix& matrix);
-
 /// Corners run anticlockwise as seen from outside and texture coordinates have
 /// their origin bottom left, as Assimp has them.
 /// \param placement of the vertices; a mirroring one keeps the outside outside

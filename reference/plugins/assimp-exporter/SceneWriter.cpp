@@ -29,14 +29,6 @@ Matrix Turn(float scale)
              0.0f, 0.0f, 0.0f, 1.0f}};
 }
 
-/// Changes sides, there and back.
-Matrix Mirror(bool bMirrored)
-{
-    Matrix matrix;
-    matrix(0, 0) = bMirrored ? -1.0f : 1.0f;
-    return matrix;
-}
-
 /// Assimp's matrices stand left of column vectors.
 aiMatrix4x4 ToAssimp(const Matrix& matrix)
 {
@@ -91,7 +83,6 @@ struct SceneWriter::Pending {
     aiNode* target; ///< The top, where the format has no tree.
     Matrix world;   ///< In the file.
     int nDepth;
-    bool bMirrored = false; ///< `world` changes sides.
 };
 
 SceneWriter::SceneWriter(const IScene& scene, const ExportTraits& traits, MaterialWriter& materials,
@@ -149,10 +140,8 @@ void SceneWriter::AddChildren(const Pending& parent, std::vector<Pending>& pendi
         if (isMesh && !child->IsVisible()) m_hidden += child->GetName();
         if (!child->IsVisible() && child->GetChildren().empty()) continue;
         Pending next{child, parent.target, child->GetMatrix() * parent.world, parent.nDepth + 1};
-        next.bMirrored = IsMirroring(next.world);
         if (m_traits.hasTree) {
-            const Matrix local = Mirror(next.bMirrored) * child->GetMatrix() * Mirror(parent.bMirrored);
-            targets.push_back(MakeNode(child->GetName(), local));
+            targets.push_back(MakeNode(child->GetName(), child->GetMatrix()));
             next.target = targets.back().get();
         }
         pending.push_back(next);
@@ -166,7 +155,7 @@ void SceneWriter::AddChildren(const Pending& parent, std::vector<Pending>& pendi
 void SceneWriter::AddMeshes(const Pending& entry)
 {
     const IMeshNode& source = *qobject_cast<IMeshNode*>(entry.source);
-    const Matrix placement = m_traits.hasTree ? Mirror(entry.bMirrored) : entry.world;
+    const Matrix placement = m_traits.hasTree ? Matrix() : entry.world;
     std::vector<unsigned int> indices;
     for (std::size_t i = 0; i < source.GetMeshes().size(); ++i) {
         const IMesh& mesh = *source.GetMeshes()[i];
@@ -190,6 +179,7 @@ void SceneWriter::AddMeshes(const Pending& entry)
 void SceneWriter::TellOfLosses()
 {
     if (!m_hidden.isEmpty()) m_warnings += QStringLiteral("What is hidden was left out: %1.").arg(Listed(m_hidden));
+    if (!m_traits.hasMaterials) m_warnings += QStringLiteral("Materials were left out.");
     if (m_nLights > 0) m_warnings += QStringLiteral("Of lights only the places were taken over.");
 }
 

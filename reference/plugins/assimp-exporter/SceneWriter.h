@@ -16,9 +16,6 @@ constexpr int kDeepestTree = 1000;
 
 /// Turns a scene into one of Assimp's: y-up, in the unit that the format has. The
 /// tree hangs under one node, which turns it.
-///
-/// No matrix of it mirrors, since readers disagree about what is outside then:
-/// nodes that are mirrored within the world hold mirrored meshes instead.
 class SceneWriter {
 public:
     /// \param traits, materials, warnings  outlive the writer

@@ -215,6 +215,7 @@ Model ModelFromAssimp(const aiScene& source, const QString& strFileName, double 
         animation.release();
     }
     PoseAtRest(scene);
+    FaceOutwards(scene);
     model.warnings = report.Warnings();
     return model;
 }

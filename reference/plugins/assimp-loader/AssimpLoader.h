@@ -16,6 +16,8 @@ constexpr double kUsualTicksPerSecond = 25.0;
 /// its bones, posed exactly as the bones' offset matrices say. Where one bone
 /// is bound in several ways, helper nodes stand below it, at the end of
 /// Scene::nodes. Meshes without normals get smooth ones from their triangles.
+/// Below a matrix that mirrors, triangles are turned so that they face outwards
+/// at rest; an animation that begins or ends to mirror turns them inside out.
 /// Each animation of the file becomes one with a single layer; a file that does
 /// not tell the length of a tick is played at `ticksPerSecond`, which is positive
 /// and finite. Morph targets, cameras and lights are left out.

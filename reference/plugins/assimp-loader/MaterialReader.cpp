@@ -1,7 +1,9 @@
 #include "reference/plugins/assimp-loader/MaterialReader.h"
 
 #include "lumenta/foundation/Color.h"
+#include "reference/host/Studio.h"
 #include "reference/plugins/assimp-loader/AssimpValues.h"
+#include "reference/plugins/assimp-loader/MetadataReader.h"
 #include "reference/plugins/assimp-loader/Report.h"
 
 #include <assimp/material.h>
@@ -13,12 +15,13 @@ namespace Host {
 
 namespace {
 
-void ReadColor(const aiMaterial& source, const char* key, unsigned int type, unsigned int index, const char* name,
-               Material& material)
+void ReadColor(const aiMaterial& source, const char* key, unsigned int type, unsigned int index, bool isLinear,
+               const char* name, Material& material)
 {
     aiColor4D color;
-    if (source.Get(key, type, index, color) == aiReturn_SUCCESS)
-        material.parameters[QLatin1String(name)] = ColorToQColor({color.r, color.g, color.b, color.a});
+    if (source.Get(key, type, index, color) != aiReturn_SUCCESS) return;
+    material.parameters[QLatin1String(name)] = isLinear ? QColor(PixelFromLinear({color.r, color.g, color.b}))
+                                                        : ColorToQColor({color.r, color.g, color.b, color.a});
 }
 
 void ReadNumber(const aiMaterial& source, const char* key, unsigned int type, unsigned int index, const char* name,
@@ -44,17 +47,17 @@ void ReadTexture(const aiMaterial& source, ReadMaterial& read)
     }
 }
 
-ReadMaterial ReadOne(const aiMaterial& source)
+ReadMaterial ReadOne(const aiMaterial& source, bool isLinear)
 {
     ReadMaterial read;
     aiString name;
     if (source.Get(AI_MATKEY_NAME, name) == aiReturn_SUCCESS)
         read.material.name = ToText(name);
 
-    ReadColor(source, AI_MATKEY_COLOR_DIFFUSE, "diffuse", read.material);
-    ReadColor(source, AI_MATKEY_COLOR_SPECULAR, "specular", read.material);
-    ReadColor(source, AI_MATKEY_COLOR_AMBIENT, "ambient", read.material);
-    ReadColor(source, AI_MATKEY_COLOR_EMISSIVE, "emissive", read.material);
+    ReadColor(source, AI_MATKEY_COLOR_DIFFUSE, isLinear, "diffuse", read.material);
+    ReadColor(source, AI_MATKEY_COLOR_SPECULAR, isLinear, "specular", read.material);
+    ReadColor(source, AI_MATKEY_COLOR_AMBIENT, isLinear, "ambient", read.material);
+    ReadColor(source, AI_MATKEY_COLOR_EMISSIVE, isLinear, "emissive", read.material);
     ReadNumber(source, AI_MATKEY_OPACITY, "opacity", read.material);
     // Nobody models what cannot be seen: exporters disagree about which end is opaque.
     if (read.material.parameters.value(QStringLiteral("opacity")) == 0.0)
@@ -103,9 +106,10 @@ QMap<int, QStringList> NamesOfImages(const aiScene& source, const std::vector<Re
 
 std::vector<ReadMaterial> ReadMaterials(const aiScene& source, QMap<QString, QImage>& images, Report& report)
 {
+    const bool isLinear = HasLinearColors(source);
     std::vector<ReadMaterial> materials;
     for (unsigned int i = 0; i < source.mNumMaterials; ++i)
-        materials.push_back(ReadOne(*source.mMaterials[i]));
+        materials.push_back(ReadOne(*source.mMaterials[i], isLinear));
 
     const QMap<int, QStringList> names = NamesOfImages(source, materials);
     for (int i = 0; i < static_cast<int>(source.mNumTextures); ++i) {

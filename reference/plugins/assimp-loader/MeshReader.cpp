@@ -64,6 +64,11 @@ Triangles ReadTriangles(const aiMesh& source)
     return read;
 }
 
+bool IsMirroring(const Matrix& matrix)
+{
+    return ToWideMatrix(matrix).Determinant() < 0.0;
+}
+
 /// Posing writes neither tangents nor handedness: they have to be there.
 std::vector<MeshVertex> HeadsOf(const std::vector<SkinAnimation::SkinVertex>& vertices)
 {
@@ -121,6 +126,27 @@ void ShareNormals(SkinAnimation::Node& node, const std::vector<SkinAnimation::Ge
         }
     }
     node.normalCount = slots.size();
+}
+
+void FaceOutwards(const SkinAnimation::Scene& scene)
+{
+    std::vector<bool> bones;
+    for (const SkinAnimation::Node* const node : scene.nodes)
+        bones.push_back(IsMirroring(node->skinTransform));
+    for (const SkinAnimation::Node* const node : scene.nodes) {
+        const bool isRigidMirrored = IsMirroring(node->meshTransform);
+        const bool isBindMirrored = IsMirroring(node->bindTransform);
+        for (SkinAnimation::Geometry* const geometry : node->geometries) {
+            for (std::size_t i = 0; i < geometry->indices.size(); i += 3) {
+                const SkinAnimation::SkinVertex& corner = geometry->vertices[geometry->indices[i]];
+                const bool hasBone = geometry->skinned && corner.weights[0] > 0.0f;
+                if (!(hasBone ? isBindMirrored != bones[corner.boneIndices[0]] : isRigidMirrored)) continue;
+                std::swap(geometry->indices[i + 1], geometry->indices[i + 2]);
+                if (!geometry->normalIndices.empty())
+                    std::swap(geometry->normalIndices[i + 1], geometry->normalIndices[i + 2]);
+            }
+        }
+    }
 }
 
 } // namespace Host

@@ -12,6 +12,7 @@ struct aiMesh;
 namespace SkinAnimation {
 struct Geometry;
 struct Node;
+struct Scene;
 } // namespace SkinAnimation
 
 namespace Host {
@@ -35,5 +36,9 @@ bool HasUsableNormals(const aiMesh& source);
 /// Gives the geometries one slot of the node's normal buffer for each position
 /// that occurs in them, so that they come out smooth, also from one to the next.
 void ShareNormals(SkinAnimation::Node& node, const std::vector<SkinAnimation::Geometry*>& geometries);
+
+/// Turns the triangles round that a mirroring matrix, of their node or of the
+/// strongest bone of their first corner, puts inside out in the current pose.
+void FaceOutwards(const SkinAnimation::Scene& scene);
 
 } // namespace Host

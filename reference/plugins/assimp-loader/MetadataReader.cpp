@@ -49,6 +49,14 @@ QVariant ValueOf(const aiMetadataEntry& entry)
     }
 }
 
+/// As the importer calls itself.
+QString FormatOf(const aiScene& source)
+{
+    aiString format;
+    if (source.mMetaData) source.mMetaData->Get(AI_METADATA_SOURCE_FORMAT, format);
+    return ToText(format);
+}
+
 } // namespace
 
 QMap<QString, QVariant> ReadMetadata(const aiScene& source)
@@ -96,11 +104,14 @@ float MillimetersPerUnitOf(const aiScene& source)
         const float millimeters = centimeters * kMillimetersPerCentimeter;
         return std::isfinite(millimeters) && millimeters > 0.0f ? millimeters : 0.0f;
     }
-    aiString format;
-    source.mMetaData->Get(AI_METADATA_SOURCE_FORMAT, format);
-    const QString name = ToText(format);
+    const QString name = FormatOf(source);
     const bool inMeters = name.startsWith(QLatin1String("Collada")) || name.startsWith(QLatin1String("glTF"));
     return inMeters ? kMillimetersPerMeter : 0.0f;
+}
+
+bool HasLinearColors(const aiScene& source)
+{
+    return FormatOf(source).startsWith(QLatin1String("glTF2"));
 }
 
 } // namespace Host

@@ -26,4 +26,8 @@ TVec3<float> UpAxisOf(const aiScene& source);
 /// its root node.
 float MillimetersPerUnitOf(const aiScene& source);
 
+/// Whether colours are in linear light, as glTF has them since its second
+/// version; those of other formats are as a screen shows them.
+bool HasLinearColors(const aiScene& source);
+
 } // namespace Host
