@@ -94,6 +94,7 @@ private Q_SLOTS:
     void ShapesHoldTheirValues();
     void ExportsAreWholeOrNot_data();
     void ExportsAreWholeOrNot();
+    void ExportsFindTextures();
     void UploadsTellHowTheyEnd_data();
     void UploadsTellHowTheyEnd();
 };
@@ -204,6 +205,18 @@ void MakersTest::ExportsAreWholeOrNot()
     if (name == "m.stl") expected.back() = 0.0; // it has no texture coordinates
     for (std::size_t i = 0; i < expected.size(); ++i)
         QVERIFY(std::fabs(seen.at(i) - expected[i]) <= 1e-5 * std::max(1.0, expected[i]));
+}
+
+void MakersTest::ExportsFindTextures()
+{
+    const QTemporaryDir folder;
+    SaveDataToFile(folder.filePath("wood.png"), "its content doesn't matter");
+    Scene scene;
+    Fill(scene);
+    scene.SetFileName(folder.filePath("a.lumenta"));
+    scene.FindMaterial("paint")->SetImageFile(eMaterialSlotDiffuse, "C:\\maps\\wood.png");
+    AssimpExporter().Export(scene, folder.filePath("m.obj"), {});
+    QVERIFY(ReadAllFile(folder.filePath("m.mtl")).contains("map_Kd wood.png\n"));
 }
 
 void MakersTest::UploadsTellHowTheyEnd_data()

@@ -127,6 +127,9 @@ private Q_SLOTS:
             QVERIFY(m_manager->FindImage("photo.png") == image && image);
         QVERIFY(!image && !m_manager->FindImage("photo.png") && m_manager->CreateImage({2, 1})->HasAlpha());
         QVERIFY_EXCEPTION_THROWN(m_manager->CreateImage({2, 0}), InvalidParameterException);
+        IImage* const made = m_manager->CreateImage({2, 1});
+        QVERIFY_EXCEPTION_THROWN(made->Resize({1 << 30, 1 << 30}), OutOfMemoryException);
+        QCOMPARE(made->GetSize(), QSize(2, 1));
     }
 
     void NamesFormatsAndRecentFiles()
