@@ -45,13 +45,12 @@ void Choose(const QMainWindow& window, const QString& menu, const QString& title
     qFatal("there is no '%s' in '%s'", qPrintable(title), qPrintable(menu));
 }
 
-template <typename Dialog> void Type(Dialog& box, const QString& text) { box.setTextValue(text), box.accept(); }
+void Type(QInputDialog& box, const QString& text) { box.setTextValue(text), box.accept(); }
 
 void Drop(QWidget& onto, const QMimeData& mime)
 {
-    const QPoint middle = onto.rect().center();
-    QDragEnterEvent enter(middle, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-    QDropEvent drop(middle, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QDragEnterEvent enter(onto.rect().center(), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(onto.rect().center(), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&onto, &enter), QApplication::sendEvent(&onto, &drop);
 }
 
@@ -113,35 +112,22 @@ QString Chosen(int kind, const QString& start, const QString& typed, QMessageBox
     return dialog->Show("Title", "Why", desk.Path(start)).mid(desk.folder.path().size()) + read;
 }
 
-/// Gives one answer after another, none of them for "", and notes what it is told and asked.
-struct Person final : IUserInterface {
-    QStringList answers, heard;
-    bool Answer(const QString& asked)
-    {
-        heard += asked;
-        return !answers.value(0).isEmpty() || (answers.removeFirst(), false);
-    }
-    bool AskText(const QString&, const QString& label, QString& text) override { return Answer(label) && (text = answers.takeFirst(), true); }
-    bool AskChoice(const QString& title, const QStringList&, int& choice) override { return Answer(title) && (choice = answers.takeFirst().toInt(), true); }
-    bool AskYesNo(const QString& question) override { return Answer(question) && answers.takeFirst() == "yes"; }
-    IFileDialog* CreateFileDialog(int, QObject*) override { return new Folder(*this); }
-    void ShowWarning(const QString& text) override { heard += text; }
-    void ShowError(const QString& text) override { heard += text; }
-    bool SetProgress(int percent) override { return percent < 50; }
-    bool OpenUrl(const QUrl& url) override { return heard += "open " + url.toString(), true; }
-    struct Folder final : IFileDialog {
-        Person& person;
-        explicit Folder(Person& owner) : person(owner) {}
-        void AddFilter(const QString&, const QStringList&) override {}
-        QString Show(const QString&, const QString& text, const QString& start) override { return person.Answer(text + start) ? person.answers.takeFirst() : QString(); }
-    };
-    // clang-format off: nothing to be read here
-    bool AskColor(ColorF&) override { StandIn::No(); } void ShowMessage(const QString&) override { StandIn::No(); } void ShowStatus(const QString&) override {}
-    void BeginProgress(const QString&) override {} void EndProgress() override {} QObject* GetMainWindow() const override { return nullptr; }
+/// Gives one answer after another, none of them for "", chooses one folder, and notes what it is told and asked.
+struct Person final : StandIn::UserInterface {
+    QStringList answers;
+    explicit Person(const QStringList& given) : answers(given) { answer = "/new"; }
+    bool Answers(const QString& question) { return asked += question, !answers.value(0).isEmpty() || (answers.removeFirst(), false); }
+    bool AskText(const QString&, const QString& label, QString& text) override { return Answers(label) && (text = answers.takeFirst(), true); }
+    bool AskChoice(const QString& title, const QStringList&, int& choice) override { return Answers(title) && (choice = answers.takeFirst().toInt(), true); }
+    bool AskYesNo(const QString& question) override { return Answers(question) && answers.takeFirst() == "yes"; }
+    // clang-format off
+    bool SetProgress(int percent) override { return percent < 50; } bool OpenUrl(const QUrl& url) override { return asked += "open " + url.toString(), true; }
+    void ShowWarning(const QString& text) override { asked += text; } void ShowError(const QString& text) override { asked += text; }
+    void BeginProgress(const QString&) override {} void EndProgress() override {} void ShowStatus(const QString&) override {}
     // clang-format on
 };
 
-/// Says one word after another, each when it is spoken to; a "%" would never be followed by one.
+/// Says one word after another, each when it is spoken to.
 struct Uploader final : IUploader {
     Person& person;
     QStringList words;
@@ -149,27 +135,25 @@ struct Uploader final : IUploader {
     void Speak()
     {
         const QString word = words.takeFirst();
-        if (word == "done") Q_EMIT done("u:1"); // before it returns
-        QTimer::singleShot(0, this, [=] {
-            if (word == "%") Q_EMIT progress(60); else if (word == "pin") Q_EMIT urlForPin("u:2"); else if (word == "auth") Q_EMIT failedAuth();
-            else if (word == "settings") Q_EMIT requestSettings(); else if (word == "failed") Q_EMIT failed("No room");
-        });
+        if (word == "done") return Q_EMIT done("u:1"); // before it returns
+        const QMap<QString, std::function<void()>> said{{"%", [=] { Q_EMIT progress(60); }}, {"pin", [=] { Q_EMIT urlForPin("u:2"); }},
+            {"auth", [=] { Q_EMIT failedAuth(); }}, {"settings", [=] { Q_EMIT requestSettings(); }}, {"failed", [=] { Q_EMIT failed("No room"); }}};
+        QTimer::singleShot(0, this, said[word]);
     }
-    void Upload(const QString& file, const QMap<QString, QVariant>& with) override { person.heard += file + "->" + with["folder"].toString() + with["pin"].toString(), Speak(); }
-    void SetPin(const QString& pin) override { words.value(0) == "none" ? IUploader::SetPin(pin) : (person.heard += "pin " + pin, Speak()); }
-    void Cancel() override { person.heard += "cancel", Q_EMIT failed("Cancelled"); }
+    void Upload(const QString& file, const QMap<QString, QVariant>& with) override { person.asked += file + "->" + with["folder"].toString() + with["pin"].toString(), Speak(); }
+    void SetPin(const QString& pin) override { words.value(0) == "none" ? IUploader::SetPin(pin) : (person.asked += "pin " + pin, Speak()); }
+    void Cancel() override { person.asked += "cancel", Q_EMIT failed("Cancelled"); }
 };
 
-/// What is heard of an upload where "/last" was used before.
+/// What is heard of an upload where "/last" was used before, and what is kept for the next.
 QString Published(const QString& words, const QStringList& answers)
 {
     Desk desk;
-    Person person;
-    person.answers = answers;
-    Uploader uploader(person, words);
-    desk.application.GetSettings()->SetValue("publish/x/folder", "/last");
-    try { Publish(uploader, "f", "x", desk.application.GetSettings(), person); } catch (const Exception& exception) { person.heard += '!' + exception.GetErrorText(); }
-    return person.heard.join('|') + '>' + desk.application.GetSettings()->GetValue("publish/x/folder", {}).toString();
+    Person person(answers);
+    ISettings& settings = *desk.application.GetSettings();
+    settings.SetValue("publish/x/folder", "/last");
+    try { Publish(*QScopedPointer<Uploader>(new Uploader(person, words)), "f", "x", &settings, person); } catch (const Exception& exception) { person.asked += '!' + exception.GetErrorText(); }
+    return person.asked.join('|') + '>' + settings.GetValue("publish/x/folder", {}).toString();
 }
 
 /// Another program's, which knows of a drop only what it can read of it, and says so.
@@ -263,8 +247,7 @@ private Q_SLOTS:
         Desk desk;
         QScopedPointer<Generator> prism(new Generator);
         desk.panel.ShowGenerator(prism.data());
-        Q_EMIT desk.Row<QComboBox>("Preset").activated(1);
-        QVERIFY(desk.Row<QSpinBox>("Sides").value() == 6 && desk.Row<QComboBox>("Preset").currentIndex() == -1);
+        QVERIFY((Q_EMIT desk.Row<QComboBox>("Preset").activated(1), desk.Row<QSpinBox>("Sides").value() == 6 && desk.Row<QComboBox>("Preset").currentIndex() == -1));
         OnNext<QMessageBox>(Confirm);
         desk.Row<QSpinBox>("Sides").setValue(12), desk.Row<QSpinBox>("Sides").setValue(7); // which throws
         QVERIFY(prism->sides == 9 && desk.Row<QSpinBox>("Sides").value() == 9 && (prism.reset(), !desk.panel.widget()));
@@ -308,16 +291,15 @@ private Q_SLOTS:
     void Publishing_data()
     {
         AnswerColumns();
-        const QString asked = "Publish into|f->|Where to publish it?", shown = "|It is published at u:1\nOpen it?";
-        const QString denied = "|That place does not accept it, or not with this pin|Where to publish it?";
-        Row("the last place again", Published("done", {"0", "yes"}), "Publish into|f->/last" + shown + "|open u:1>/last");
-        Row("another place, which is kept", Published("settings done", {"1", "/new", "no"}), asked + "|f->/new" + shown + ">/new");
-        Row("no place after all", Published("settings", {"1", ""}), asked + ">/last");
-        Row("a pin, at the second go", Published("pin auth done", {"0", "bad", "/new", "good", "no"}), "Publish into|f->/last|open u:2|The pin from u:2:|pin bad" + denied + "/last|Pin, if there is one:|f->/newgood" + shown + ">/new");
-        Row("a pin that nobody has", Published("pin", {"0", ""}), "Publish into|f->/last|open u:2|The pin from u:2:|cancel>/last");
-        Row("a pin that nobody takes", Published("pin none", {"0", "1"}), "Publish into|f->/last|open u:2|The pin from u:2:|!Not implement>/last");
-        Row("a failure", Published("failed", {"0"}), "Publish into|f->/last|No room>/last");
-        Row("cancelled on the way, of which no error is made", Published("%", {"0"}), "Publish into|f->/last|cancel>/last");
+        const QString shown = "|It is published at u:1\nOpen it?";
+        const QString first = "Publish into|f->/last", place = "|[dialog 3]|[Publish|Where to publish it?|%1]|[deleted]";
+        Row("the last place again", Published("done", {"0", "yes"}), first + shown + "|open u:1>/last");
+        Row("another place, which is kept", Published("settings done", {"1", "no"}), "Publish into|f->" + place.arg("") + "|f->/new" + shown + ">/new");
+        Row("a pin, at the second go", Published("pin auth done", {"0", "bad", "good", "no"}), first + "|open u:2|The pin from u:2:|pin bad|That place does not accept it, or not with this pin" + place.arg("/last") + "|Pin, if there is one:|f->/newgood" + shown + ">/new");
+        Row("a pin that nobody has", Published("pin", {"0", ""}), first + "|open u:2|The pin from u:2:|cancel>/last");
+        Row("a pin that nobody takes", Published("pin none", {"0", "1"}), first + "|open u:2|The pin from u:2:|!Not implement>/last");
+        Row("a failure", Published("failed", {"0"}), first + "|No room>/last");
+        Row("cancelled on the way, of which no error is made", Published("%", {"0"}), first + "|cancel>/last");
     }
 
     void Publishing() { CompareAnswer(); }
@@ -329,23 +311,19 @@ private Q_SLOTS:
         const auto file = [&](const QString& name, auto then) { OnNext<QFileDialog>([=, &desk](QFileDialog& box) { box.findChild<QLineEdit*>("fileNameEdit")->setText(desk.Path(name)), QMetaObject::invokeMethod(&box, "accept"), then(); }); };
         Host::Scene& scene = *window.GetDocument().GetScene();
         window.Open(":figure"), window.centralWidget()->resize(300, 300);
-        QVERIFY(QImage(3, 2, QImage::Format_RGB32).save(desk.Path("bark.png")));
-        Drop(*window.centralWidget(), FileData(desk.Path("bark.png")));
-        const auto& materials = scene.GetMaterials();
+        QImage(3, 2, QImage::Format_RGB32).save(desk.Path("bark.png")), Drop(*window.centralWidget(), FileData(desk.Path("bark.png")));
         const auto isPapered = [](const IMaterial* each) { return each->GetImage(eMaterialSlotDiffuse) && each->GetImage(eMaterialSlotDiffuse)->GetSize() == QSize(3, 2); };
-        QVERIFY(std::count_if(materials.begin(), materials.end(), isPapered) == 1);
-        const int alone = int(scene.GetRoot()->GetChildren().size());
-        Drop(*window.centralWidget(), FileData(kCube));
-        QVERIFY(int(scene.GetRoot()->GetChildren().size()) == alone + 1);
+        QVERIFY(std::count_if(scene.GetMaterials().begin(), scene.GetMaterials().end(), isPapered) == 1);
+        QVERIFY((Drop(*window.centralWidget(), FileData(kCube)), scene.GetRoot()->GetChildren().size() == 2)); // beside the figure
 
-        OnNext<QInputDialog>([](QInputDialog& box) { Type(box, "all"); });
-        Choose(window, "&Snapshots", "&Take..."), scene.GetRoot()->GetChildren()[0]->SetVisible(false);
-        OnNext<QInputDialog>([](QInputDialog& box) { Type(box, "both"); });
-        Choose(window, "&Snapshots", "&Take..."), Choose(window, "all", "Re&store"), Choose(window, "both", "Re&move");
-        QVERIFY(scene.GetRoot()->GetChildren()[0]->IsVisible() && scene.GetSnapshotManager()->GetSnapshots().size() == 1);
+        for (const char* name : {"all", "one"}) {
+            OnNext<QInputDialog>([=](QInputDialog& box) { Type(box, name); });
+            Choose(window, "&Snapshots", "&Take..."), scene.GetRoot()->GetChildren()[0]->SetVisible(false);
+        }
+        QVERIFY((Choose(window, "all", "Re&store"), Choose(window, "one", "Re&move"), scene.GetRoot()->GetChildren()[0]->IsVisible() && scene.GetSnapshotManager()->GetSnapshots().size() == 1));
 
-        file("out.obj", [] { OnNext<QMessageBox>(Confirm); }), Choose(window, "&File", "&Export...");
-        QVERIFY(!desk.application.ReadModel(desk.Path("out.obj")).scene->nodes.empty());
+        file("out.obj", [] { OnNext<QMessageBox>(Confirm); });
+        QVERIFY((Choose(window, "&File", "&Export..."), !desk.application.ReadModel(desk.Path("out.obj")).scene->nodes.empty()));
         SaveDataToFile(desk.Path("s.js"), "print(args, scene.nodes.length > 1)\nnone()");
         file("s.js", [] { OnNext<QInputDialog>([](QInputDialog& box) { Type(box, "\"a b\" c"); }); });
         Choose(window, "S&cripts", "&Run...");
@@ -366,7 +344,7 @@ private Q_SLOTS:
         QTest::mouseClick(&view, Qt::LeftButton, {}, view.rect().center()), QTest::keyClick(&view, Qt::Key_Delete);
         OnNext<QInputDialog>([](QInputDialog& box) { box.reject(); });
         QVERIFY(window.isWindowModified() && !window.close());
-        OnNext<QInputDialog>([](QInputDialog& box) { box.setTextValue("Discard them"), box.accept(); });
+        OnNext<QInputDialog>([](QInputDialog& box) { Type(box, "Discard them"); });
         QVERIFY(window.close() && desk.application.GetSettings()->GetValue("window/geometry", {}).isValid());
     }
 

@@ -10,7 +10,7 @@ namespace StandIn {
 
 [[noreturn]] inline void No() { qFatal("a stand-in was asked for what it is not for"); }
 
-struct UserInterface final : IUserInterface {
+struct UserInterface : IUserInterface {
     QStringList asked;
     QString answer; ///< What the user chooses; "!" for a dialog that throws.
 
