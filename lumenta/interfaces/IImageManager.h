@@ -30,7 +30,7 @@ struct ImageLoaderInfo {
 /// Where images come from and go to: it knows the plug-ins that read and write
 /// them, and holds what is loaded, so that one file is in memory once.
 ///
-/// **Who implements it:** the host. **Who calls it:** materials, panels,
+/// **Who implements it:** the host, or a plug-in for it. **Who calls it:** materials, panels,
 /// plug-ins, and the library's image helpers.
 /// **Thread:** the application's. **Ownership:** images belong to the manager
 /// until ReleaseImage(); savers belong to the caller.
