@@ -15,20 +15,20 @@ namespace {
 
 using Float4 = float __attribute__((vector_size(16)));
 
-inline Float4 Splat(float value)
+inline Float4 Splat4(float value)
 {
     return Float4{value, value, value, value};
 }
 
 /// Four floats from any address; the fourth must be readable too.
-inline Float4 Load4(const float* source)
+inline Float4 Load4(const void* source)
 {
     Float4 lanes;
     std::memcpy(&lanes, source, sizeof lanes);
     return lanes;
 }
 
-inline void Store4(float* destination, Float4 lanes)
+inline void Store4(void* destination, Float4 lanes)
 {
     std::memcpy(destination, &lanes, sizeof lanes);
 }
@@ -36,7 +36,10 @@ inline void Store4(float* destination, Float4 lanes)
 /// Three lanes into a vector; what lies behind it is somebody else's.
 inline void Store3(TVec3<float>& destination, Float4 lanes)
 {
-    std::memcpy(&destination, &lanes, sizeof destination);
+    using Float2 = float __attribute__((vector_size(8)));
+    const Float2 firstTwo = __builtin_shufflevector(lanes, lanes, 0, 1);
+    std::memcpy(&destination, &firstTwo, sizeof firstTwo);
+    destination.z = lanes[2];
 }
 
 template <int A, int B, int C, int D>

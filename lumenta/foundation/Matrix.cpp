@@ -68,7 +68,7 @@ void Multiply(Matrix& result, const Matrix& a, const Matrix& b)
     for (int i = 0; i < 4; ++i) {
         // Row i of the result needs row i of `a` alone, so `a` may be overwritten row by row.
         const float* row = a.m + 4 * i;
-        Store4(result.m + 4 * i, Splat(row[0]) * b0 + Splat(row[1]) * b1 + Splat(row[2]) * b2 + Splat(row[3]) * b3);
+        Store4(result.m + 4 * i, Splat4(row[0]) * b0 + Splat4(row[1]) * b1 + Splat4(row[2]) * b2 + Splat4(row[3]) * b3);
     }
 }
 
@@ -95,7 +95,7 @@ bool Inverse(Matrix& destination, const Matrix& source)
     if (determinant == 0.0f)
         return false;
 
-    const Float4 reciprocal = Splat(1.0f / determinant);
+    const Float4 reciprocal = Splat4(1.0f / determinant);
     const Float4 columns[4] = {cofactors0 * reciprocal,
                                MinorsOfRow(row0, row2, row3) * oddSigns * reciprocal,
                                MinorsOfRow(row0, row1, row3) * evenSigns * reciprocal,

@@ -1,8 +1,7 @@
 #pragma once
 
-// Private to the kernels. Floats side by side, in the vector dialect that GCC
-// and Clang share: +, -, * and / work lane by lane, and each lane rounds exactly
-// as the scalar expression does.
+// Private to the kernels: what they need beyond Float4.h, and floats eight side by
+// side.
 //
 // Where the processor has registers of eight, a Float8 is one of them. Elsewhere
 // it is a pair of fours: GCC takes an eight apart badly.
@@ -10,7 +9,7 @@
 // Everything has internal linkage: this header is compiled for several
 // processors, and no two of them may ever share a compiled copy.
 
-#include "lumenta/foundation/Vector.h"
+#include "lumenta/foundation/Float4.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,39 +25,12 @@ namespace {
 
 // ---------------------------------------------------------------------- four
 
-using Float4 = float __attribute__((vector_size(16)));
 using Mask4 = std::int32_t __attribute__((vector_size(16)));
-
-LUMENTA_LANES_INLINE Float4 Splat4(float value)
-{
-    return Float4{value, value, value, value};
-}
-
-LUMENTA_LANES_INLINE Float4 Load4(const void* source)
-{
-    Float4 lanes;
-    std::memcpy(&lanes, source, sizeof lanes);
-    return lanes;
-}
-
-LUMENTA_LANES_INLINE void Store4(void* destination, Float4 lanes)
-{
-    std::memcpy(destination, &lanes, sizeof lanes);
-}
 
 /// A vector behind which nothing may be read.
 LUMENTA_LANES_INLINE Float4 Load3(const TVec3<float>& source)
 {
     return Float4{source.x, source.y, source.z, 0.0f};
-}
-
-/// Three lanes into a vector; what lies behind it is somebody else's.
-LUMENTA_LANES_INLINE void Store3(TVec3<float>& destination, Float4 lanes)
-{
-    using Float2 = float __attribute__((vector_size(8)));
-    const Float2 firstTwo = __builtin_shufflevector(lanes, lanes, 0, 1);
-    std::memcpy(&destination, &firstTwo, sizeof firstTwo);
-    destination.z = lanes[2];
 }
 
 /// Each root is rounded as std::sqrt() does.

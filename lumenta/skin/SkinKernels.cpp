@@ -26,7 +26,7 @@ Kernels::BoneRows RowsOf(const Matrix& move, const Matrix& inverse)
     const Float4 abHigh = __builtin_shufflevector(a, b, 2, 6, 3, 7);
     const Float4 turned[] = {__builtin_shufflevector(abLow, c, 0, 1, 4, 4),
                              __builtin_shufflevector(abLow, c, 2, 3, 5, 5),
-                             __builtin_shufflevector(abHigh, c, 0, 1, 6, 6), Splat(-0.0f)};
+                             __builtin_shufflevector(abHigh, c, 0, 1, 6, 6), Splat4(-0.0f)};
     Kernels::BoneRows result;
     for (int i = 0; i < 4; ++i) {
         Store4(result.rows[i], Load4(move.m + 4 * i));

@@ -1,7 +1,7 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/serializers/SceneSerializers.h"
-#include "reference/host/IModelExporter.h"
 #include "reference/host/images/ReplaceFile.h"
+#include "reference/host/services/ModelExporters.h"
 #include "reference/host/services/SceneSetup.h"
 #include "reference/tools/DocumentSource.h"
 #include "reference/tools/Failure.h"
@@ -12,7 +12,6 @@
 #include "reference/tools/Texts.h"
 #include "reference/tools/Verbs.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 #include <functional>
@@ -29,16 +28,9 @@ struct Writer {
     bool writesSeveral = false; ///< Files beside, under names that begin alike.
 };
 
-/// Calls use(exporter) for each exporter of models until it answers true.
-template <typename Use>
-void ForEachExporter(const Use& use)
+std::vector<ModelExporter> AllExporters()
 {
-    const PluginHost& plugins = TheApplication().Plugins();
-    for (const PluginService& service : plugins.ServicesOf<IExporter>()) {
-        const std::shared_ptr<IExporter> exporter = plugins.CreateService<IExporter>(service.id);
-        auto* const models = qobject_cast<IModelExporter*>(exporter.get());
-        if (models && use(std::shared_ptr<IModelExporter>(exporter, models))) return;
-    }
+    return ModelExporters(TheApplication().Plugins());
 }
 
 /// Savers of scene files come first. Nothing where nobody writes such files.
@@ -46,21 +38,13 @@ std::optional<Writer> WriterFor(const QString& fileName)
 {
     if (CanSaveScene(TheApplication().GetSerializers(), fileName))
         return Writer{[](Document& document, const QString& name) { return document.Save(name); }};
-    const QString suffix = QFileInfo(fileName).suffix();
-    std::optional<Writer> writer;
-    ForEachExporter([&](const std::shared_ptr<IModelExporter>& exporter) {
-        for (const sModelExportFormat& format : exporter->GetFormats()) {
-            if (!format.extensions.contains(suffix, Qt::CaseInsensitive)) continue;
-            const auto write = [exporter](Document& document, const QString& name) {
-                exporter->Export(*document.GetScene(), name, QString());
-                return exporter->GetWarnings();
-            };
-            writer = Writer{write, true};
-            return true;
-        }
-        return false;
-    });
-    return writer;
+    const ModelExporter exporter = ExporterFor(AllExporters(), fileName);
+    if (!exporter) return std::nullopt;
+    const auto write = [exporter](Document& document, const QString& name) {
+        exporter->Export(*document.GetScene(), name, QString());
+        return exporter->GetWarnings();
+    };
+    return Writer{write, true};
 }
 
 /// Of all files that can be written, with dots.
@@ -69,31 +53,21 @@ QStringList WrittenSuffixes()
     QStringList suffixes;
     for (const SerializerInfo& info : TheApplication().GetSerializers()->GetSavers())
         suffixes += QLatin1Char('.') + info.extension;
-    ForEachExporter([&suffixes](const std::shared_ptr<IModelExporter>& exporter) {
+    for (const ModelExporter& exporter : AllExporters())
         for (const sModelExportFormat& format : exporter->GetFormats())
             for (const QString& extension : format.extensions)
                 suffixes += QLatin1Char('.') + extension;
-        return false;
-    });
     suffixes.removeDuplicates();
     return suffixes;
 }
 
-/// Files that those beside `fileName` might replace, since their names begin
-/// like that of the file: "duck.mtl", "duck-1.png" for "duck.obj". The source
-/// itself is none of them.
+/// Files that the export of `source` might replace beside. The source itself is
+/// none of them.
 QStringList Endangered(const QString& fileName, const QString& source)
 {
-    const QFileInfo target(TargetPath(fileName));
-    const QString base = target.completeBaseName();
     QStringList endangered;
-    const QFileInfoList files = target.dir().entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
-    for (const QFileInfo& file : files) {
-        const QString name = file.fileName();
-        const bool isAlike =
-            name.startsWith(base) && name.size() > base.size() && !name[base.size()].isLetterOrNumber();
-        if (isAlike && file != target && file != QFileInfo(source)) endangered += file.filePath();
-    }
+    for (const QFileInfo& file : FilesBeside(TargetPath(fileName)))
+        if (file != QFileInfo(source)) endangered += file.filePath();
     return endangered;
 }
 

@@ -10,6 +10,7 @@
 #include "lumenta/scene/BoundingBoxes.h"
 #include "lumenta/scene/NodeHierarchy.h"
 #include "reference/host/document/SceneMaterial.h"
+#include "reference/host/NodeKind.h"
 #include "reference/tools/InfoTexts.h"
 #include "reference/tools/Json.h"
 #include "reference/tools/Texts.h"
@@ -22,20 +23,6 @@
 namespace Host {
 
 namespace {
-
-QString KindOf(const INode& node)
-{
-    switch (node.GetType()) {
-    case eNodeTypeGroup:
-        return QStringLiteral("group");
-    case eNodeTypeMesh:
-        return QStringLiteral("mesh");
-    case eNodeTypeLight:
-        return QStringLiteral("light");
-    default:
-        return QString::number(node.GetType());
-    }
-}
 
 /// Triangles, and the materials of the meshes, each once.
 void AddMeshFacts(QJsonObject& facts, INode* pNode)
@@ -63,7 +50,7 @@ QJsonArray Nodes(const IScene& scene)
         QJsonObject facts{
             {QStringLiteral("name"), node->GetName()},
             {QStringLiteral("parent"), parent == places.end() ? -1 : parent->second},
-            {QStringLiteral("kind"), KindOf(*node)},
+            {QStringLiteral("kind"), NodeKind(*node)},
             {QStringLiteral("visible"), node->IsVisible()},
         };
         AddMeshFacts(facts, node);

@@ -5,6 +5,7 @@
 #include "lumenta/interfaces/IMeshNode.h"
 #include "lumenta/scene/BoundingBoxes.h"
 #include "lumenta/scene/NodeHierarchy.h"
+#include "reference/host/NodeKind.h"
 #include "reference/host/script/ScriptBindings.h"
 #include "reference/host/script/ScriptCall.h"
 
@@ -16,16 +17,7 @@ namespace {
 
 QScriptValue GetType(ScriptCall& call)
 {
-    switch (call.ThisNode().GetType()) {
-    case eNodeTypeGroup:
-        return QStringLiteral("group");
-    case eNodeTypeMesh:
-        return QStringLiteral("mesh");
-    case eNodeTypeLight:
-        return QStringLiteral("light");
-    default:
-        return QStringLiteral("other");
-    }
+    return NodeKind(call.ThisNode());
 }
 
 QScriptValue SetParent(ScriptCall& call)
