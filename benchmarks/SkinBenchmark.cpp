@@ -211,11 +211,14 @@ void AddSkinRows(std::vector<Row>& rows)
         AddSkinning(rows, size, Influences::Four, {AtLeast(1.0, kNaive), AtLeast(1.0, kNaiveO3)});
     for (const std::size_t size : {5000, 50000})
         AddSkinning(rows, size, Influences::Four, {AtLeast(4.0, kNaiveO3)});
+    for (const std::size_t size : {10000, 100000, 1000000})
+        AddSkinning(rows, size, Influences::Four, {});
     AddSkinning(rows, 500000, Influences::Four, {AtLeast(4.0, kNaiveO3), AtMost(1.6, kTouch)});
     AddSkinning(rows, 50000, Influences::Random, {AtLeast(4.5, kNaive), AtMost(1.15, "UpdateMesh/four/50000")});
     AddSkinning(rows, 50000, Influences::InRuns, {AtLeast(4.5, kNaive), AtMost(0.85, "UpdateMesh/four/50000")});
     AddNormals(rows, 5000, true);
-    AddNormals(rows, 500000, false);
+    for (const std::size_t size : {10000, 100000, 1000000})
+        AddNormals(rows, size, false);
     AddPosing(rows, 60, 300, 3.7);
     AddPosing(rows, 500, 3000, 45.0);
 }
