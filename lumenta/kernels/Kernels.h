@@ -1,8 +1,8 @@
 #pragma once
 
 // Private to the library: the loops that are compiled once for each processor
-// level. The level is chosen when the first kernel is asked for, from what the
-// processor can do, and never changes. All levels answer with the same bits.
+// level. The level is chosen from what the processor can do, and never changes.
+// All levels answer with the same bits.
 
 #include "lumenta/foundation/MeshVertex.h"
 
@@ -46,6 +46,12 @@ struct PoseQuery {
 
 /// The kernels of one level.
 struct Table {
+    /// Of sixteen floats each, row by row. The result may be one of the factors.
+    void (*multiply)(float* result, const float* a, const float* b);
+
+    /// \return false, and nothing written, where the determinant is exactly 0
+    bool (*invert)(float* destination, const float* source);
+
     /// Triangles that the segment may meet, in blocks of eight, from triangle
     /// `first` on. What it passes over, no exact test can accept.
     /// \param candidates bit i for the i-th triangle of the block; never 0
@@ -69,6 +75,8 @@ struct Table {
 #if defined(LUMENTA_LEVEL)
 // What this level's table is made of.
 namespace LUMENTA_LEVEL {
+void Multiply(float* result, const float* a, const float* b);
+bool Invert(float* destination, const float* source);
 std::size_t FindCandidates(const SegmentQuery& query, const MeshVertex* vertices, const std::uint32_t* indices,
                            std::size_t count, std::size_t first, unsigned& candidates);
 void PoseVertices(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
@@ -84,7 +92,16 @@ extern const Table baselineTable;
 extern const Table avx2Table;
 #endif
 
-/// Those of this processor.
-const Table& Chosen();
+#if !defined(LUMENTA_LEVEL)
+/// Those of this processor. What it can do is known since the program started.
+inline const Table& Chosen()
+{
+#if defined(__x86_64__)
+    return __builtin_cpu_supports("avx2") ? avx2Table : baselineTable;
+#else
+    return baselineTable;
+#endif
+}
+#endif
 
 } // namespace Kernels

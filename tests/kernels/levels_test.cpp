@@ -72,6 +72,33 @@ class LevelsTest : public QObject {
     }
 
 private Q_SLOTS:
+    void Matrices_data() { Levels(); }
+
+    void Matrices()
+    {
+        QFETCH(const Kernels::Table*, level);
+        Random random(3);
+        int singular = 0;
+        for (int round = 0; round < 200000; ++round) {
+            std::vector<Matrix> ours{Workloads::RandomTransform(random), Workloads::RandomTransform(random), Matrix()};
+            for (float& value : ours[round % 2].m)
+                if (round % 3 == 0) value = Workloads::OddFloat(random);
+            if (round % 7 == 0) std::memcpy(ours[1].m + 4, ours[1].m + 4 * random.Below(4), 16); // singular, if not by rounding
+            std::vector<Matrix> plain = ours;
+
+            // The result may be either operand, or neither.
+            const std::size_t to = random.Below(3);
+            level->multiply(ours[to].m, ours[0].m, ours[1].m);
+            Naive::Multiply(plain[to], plain[0], plain[1]);
+            QVERIFY(Same(ours, plain));
+            const bool isInverted = Naive::Inverse(plain[to], plain[1]);
+            QCOMPARE(level->invert(ours[to].m, ours[1].m), isInverted);
+            QVERIFY(Same(ours, plain));
+            singular += !isInverted;
+        }
+        QVERIFY2(singular > 1000, qPrintable(QString::number(singular)));
+    }
+
     void Skins_data() { Levels(); }
 
     void Skins()
