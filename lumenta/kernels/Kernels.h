@@ -4,6 +4,7 @@
 // level. The level is chosen from what the processor can do, and never changes.
 // All levels answer with the same bits.
 
+#include "lumenta/foundation/BBox.h"
 #include "lumenta/foundation/MeshVertex.h"
 
 #include <cstddef>
@@ -24,6 +25,12 @@ struct SegmentQuery {
     TVec3<float> direction; ///< Of length 1.
     float reach;            ///< Sum of the absolute coordinates of both ends.
     float tolerance;
+};
+
+/// A segment whose ends are moved side by side: each coordinate of the start four
+/// times, then that of the end.
+struct SegmentEnds {
+    alignas(32) float x[8], y[8], z[8];
 };
 
 /// A matrix for positions beside the turned inverse that moves normals: row by
@@ -52,6 +59,12 @@ struct Table {
     /// \return false, and nothing written, where the determinant is exactly 0
     bool (*invert)(float* destination, const float* source);
 
+    /// Takes a segment into the space of a node.
+    /// \param global sixteen floats: from there to the segment's space
+    /// \param local  receives start and end there, if they meet the box
+    /// \return whether they do; false where `global` has no inverse
+    bool (*meetBox)(const float* global, const SegmentEnds& ends, const TBBox<float>& box, TVec3<float>* local);
+
     /// Triangles that the segment may meet, in blocks of eight, from triangle
     /// `first` on. What it passes over, no exact test can accept.
     /// \param candidates bit i for the i-th triangle of the block; never 0
@@ -77,6 +90,7 @@ struct Table {
 namespace LUMENTA_LEVEL {
 void Multiply(float* result, const float* a, const float* b);
 bool Invert(float* destination, const float* source);
+bool MeetBox(const float* global, const SegmentEnds& ends, const TBBox<float>& box, TVec3<float>* local);
 std::size_t FindCandidates(const SegmentQuery& query, const MeshVertex* vertices, const std::uint32_t* indices,
                            std::size_t count, std::size_t first, unsigned& candidates);
 void PoseVertices(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,

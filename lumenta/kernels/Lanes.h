@@ -112,6 +112,14 @@ LUMENTA_LANES_INLINE Float8 Interleave(Float8 v)
     return __builtin_shufflevector(v, v, 0, 4, 1, 5, 2, 6, 3, 7);
 }
 
+/// The first or the second half of that, in both halves.
+template <int Half>
+LUMENTA_LANES_INLINE Float8 InterleaveTwice(Float8 v)
+{
+    constexpr int i = 2 * Half;
+    return __builtin_shufflevector(v, v, i, i + 4, i + 1, i + 5, i, i + 4, i + 1, i + 5);
+}
+
 LUMENTA_LANES_INLINE Float8 Sqrt8(Float8 v)
 {
     return reinterpret_cast<Float8>(_mm256_sqrt_ps(reinterpret_cast<__m256>(v)));
@@ -195,6 +203,14 @@ LUMENTA_LANES_INLINE Float8 LowHigh(const Float8& a, const Float8& b)
 LUMENTA_LANES_INLINE Float8 Interleave(const Float8& v)
 {
     return {__builtin_shufflevector(v.low, v.high, 0, 4, 1, 5), __builtin_shufflevector(v.low, v.high, 2, 6, 3, 7)};
+}
+
+template <int Half>
+LUMENTA_LANES_INLINE Float8 InterleaveTwice(const Float8& v)
+{
+    constexpr int i = 2 * Half;
+    const Float4 half = __builtin_shufflevector(v.low, v.high, i, i + 4, i + 1, i + 5);
+    return {half, half};
 }
 
 LUMENTA_LANES_INLINE Float8 Sqrt8(const Float8& v)

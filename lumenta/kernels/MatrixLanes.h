@@ -87,8 +87,13 @@ LUMENTA_LANES_INLINE Float8 Minors(const OtherColumns& top, const OtherColumns& 
            + top.third * (middle.first * bottom.second - middle.second * bottom.first);
 }
 
+/// Four columns, two side by side.
+struct MatrixColumns {
+    Float8 first, last;
+};
+
 /// \return false, and nothing written, where the determinant is exactly 0
-LUMENTA_LANES_INLINE bool Invert(MatrixRows& inverse, const TwinRows& m)
+LUMENTA_LANES_INLINE bool Invert(MatrixColumns& inverse, const TwinRows& m)
 {
     const OtherColumns row0 = OtherColumnsOf(m.row[0]);
     const OtherColumns row1 = OtherColumnsOf(m.row[1]);
@@ -103,11 +108,25 @@ LUMENTA_LANES_INLINE bool Invert(MatrixRows& inverse, const TwinRows& m)
 
     const Float8 reciprocal =
         Join(Float4{1.0f, -1.0f, 1.0f, -1.0f}, Float4{-1.0f, 1.0f, -1.0f, 1.0f}) / Splat8(determinant);
-    const Float8 columns0And1 = minors0And1 * reciprocal;
-    const Float8 columns2And3 = minors2And3 * reciprocal;
-    inverse = {Interleave(Mix<0, 4, 1, 5>(columns0And1, columns2And3)),
-               Interleave(Mix<2, 6, 3, 7>(columns0And1, columns2And3))};
+    inverse = {minors0And1 * reciprocal, minors2And3 * reciprocal};
     return true;
+}
+
+LUMENTA_LANES_INLINE bool Invert(MatrixRows& inverse, const TwinRows& m)
+{
+    MatrixColumns columns;
+    if (!Invert(columns, m)) return false;
+    inverse = {Interleave(Mix<0, 4, 1, 5>(columns.first, columns.last)),
+               Interleave(Mix<2, 6, 3, 7>(columns.first, columns.last))};
+    return true;
+}
+
+LUMENTA_LANES_INLINE TwinRows TwinRowsOf(const MatrixColumns& m)
+{
+    const Float8 rows0And1 = Mix<0, 4, 1, 5>(m.first, m.last);
+    const Float8 rows2And3 = Mix<2, 6, 3, 7>(m.first, m.last);
+    return {InterleaveTwice<0>(rows0And1), InterleaveTwice<1>(rows0And1), InterleaveTwice<0>(rows2And3),
+            InterleaveTwice<1>(rows2And3)};
 }
 
 } // namespace
