@@ -73,7 +73,8 @@ std::shared_ptr<View> ManyMeshes()
 
 Contest PickingOfMany()
 {
-    Contest contest = Picking(ManyMeshes());
+    const auto view = ManyMeshes();
+    Contest contest = Picking({view, &view->scene}, view->pixels);
     contest.count *= kMeshNodes;
     return contest;
 }
@@ -134,32 +135,32 @@ void AddLists(std::vector<Row>& rows, const std::string& name, ListCall ours, Li
 
 } // namespace
 
-Contest Picking(const std::shared_ptr<View>& view)
+Contest Picking(const std::shared_ptr<IScene>& scene, const std::vector<QPoint>& pixels)
 {
-    const auto ours = [view](const QPoint& pixel) {
+    const auto ours = [scene](const QPoint& pixel) {
         INode* node = nullptr;
         const IMesh* mesh = nullptr;
-        FindNodeByScreenPoint(pixel, View::kSize, view->scene, node, mesh);
+        FindNodeByScreenPoint(pixel, View::kSize, *scene, node, mesh);
         return std::make_pair(node, mesh);
     };
-    const auto naive = [view](const QPoint& pixel) {
-        const Naive::Picked picked = Naive::Pick(pixel, View::kSize, view->scene);
+    const auto naive = [scene](const QPoint& pixel) {
+        const Naive::Picked picked = Naive::Pick(pixel, View::kSize, *scene);
         return std::make_pair(picked.node, picked.mesh);
     };
     bool isAnyHit = false;
-    for (const QPoint& pixel : view->pixels) {
+    for (const QPoint& pixel : pixels) {
         Require(ours(pixel) == naive(pixel), "pick");
         isAnyHit = isAnyHit || ours(pixel).first;
     }
     Require(isAnyHit, "view: nothing is to be seen");
 
-    const auto all = [view](const auto& pick) {
-        return [view, pick] {
-            for (const QPoint& pixel : view->pixels)
+    const auto all = [pixels](const auto& pick) {
+        return [pixels, pick] {
+            for (const QPoint& pixel : pixels)
                 benchmark::DoNotOptimize(pick(pixel));
         };
     };
-    return {view->pixels.size(), {{kOurs, all(ours)}, {kNaive, all(naive)}}};
+    return {pixels.size(), {{kOurs, all(ours)}, {kNaive, all(naive)}}};
 }
 
 void AddTreeRows(std::vector<Row>& rows)
