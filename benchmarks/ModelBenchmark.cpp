@@ -2,9 +2,13 @@
 #include "benchmarks/NaiveO3.h"
 #include "benchmarks/Picking.h"
 #include "benchmarks/Workloads.h"
+#include "lumenta/scene/BoundingBoxes.h"
+#include "reference/host/document/Scene.h"
 #include "reference/plugins/assimp-loader/AssimpLoader.h"
 
 #include <QFileInfo>
+
+#include <map>
 
 namespace Bench {
 
@@ -41,17 +45,55 @@ struct Keeper final : IMeshNodeBuilder {
     }
 };
 
-/// A model from a file, and moments of its first animation.
+/// What poses need of a scene.
+std::unique_ptr<Scene> CopyOf(const Scene& source)
+{
+    auto scene = std::make_unique<Scene>();
+    scene->scale = source.scale;
+    scene->offset = source.offset;
+    std::map<const Node*, Node*> copyOf{{nullptr, nullptr}};
+    for (const Node* const node : source.nodes) {
+        Node* const parent = copyOf.at(node->parent);
+        Node* const copy = new Node(node->name, node->originGlobalTransform, node->geometryTransform, parent);
+        copyOf[node] = copy;
+        scene->nodes.push_back(copy);
+        if (parent)
+            parent->children.push_back(copy);
+        else
+            scene->root = copy;
+        copy->localTransform = node->localTransform;
+        copy->normalCount = node->normalCount;
+        for (const Geometry* const geometry : node->geometries)
+            copy->geometries.push_back(new Geometry(*geometry));
+    }
+    for (const Animation* const animation : source.animations) {
+        scene->animations.push_back(new Animation(*animation));
+        for (AnimationLayer& layer : scene->animations.back()->layers)
+            for (NodeTrack& track : layer.tracks)
+                track.node = copyOf.at(track.node);
+    }
+    return scene;
+}
+
+/// A model, and moments of its first animation.
 struct Actor {
     std::unique_ptr<Scene> scene;
     std::vector<Geometry*> geometries;
     std::vector<float> times;
-    std::size_t next = 0;
+    std::size_t next;
+    std::vector<TVec3<float>> normals;
     Keeper keeper;
     IdleBuilder idle;
 
     explicit Actor(const QString& name)
-        : scene(Host::LoadModel(FileOf(name)).scene)
+        : Actor(Host::LoadModel(FileOf(name)).scene)
+    {
+    }
+
+    /// \param first of the moments that is shown
+    explicit Actor(std::unique_ptr<Scene> model, std::size_t first = 0)
+        : scene(std::move(model))
+        , next(first)
     {
         for (const Node* node : scene->nodes)
             geometries.insert(geometries.end(), node->geometries.begin(), node->geometries.end());
@@ -66,6 +108,17 @@ struct Actor {
     float Next() { return times[next++ % times.size()]; }
     void Pose() { scene->CalculateAnimation(0, Next()); }
     void PoseBy(decltype(Naive::CalculateAnimation) way) { way(*scene, *scene->animations[0], Next()); }
+
+    /// Calls way(geometry, node, normals) for each geometry, with the sums of its node.
+    template <typename Way>
+    void ForEach(const Way& way)
+    {
+        for (Node* const node : scene->nodes) {
+            normals.assign(node->geometries.empty() ? 0 : node->normalCount, TVec3<float>{});
+            for (Geometry* const geometry : node->geometries)
+                way(*geometry, *node, normals);
+        }
+    }
 
     /// What is posed, to whom it may concern.
     void Emit()
@@ -124,11 +177,55 @@ Contest Posing(const QString& name)
 Contest Skinning(const QString& name)
 {
     const auto actor = std::make_shared<Actor>(name);
-    const std::vector<Way> ways{{kOurs, [actor] { actor->scene->CreateMeshes(actor->idle); }},
-                                {kNaive, [actor] { Naive::PoseMeshes(*actor->scene); }},
-                                {kNaiveO3, [actor] { NaiveO3::PoseMeshes(*actor->scene); }}};
+    const auto by = [actor](const auto& update) {
+        return [=] {
+            const Scene& scene = *actor->scene;
+            actor->ForEach([&](Geometry& geometry, const Node& node, const auto&) { update(geometry, node, scene); });
+        };
+    };
+    const std::vector<Way> ways{
+        {kOurs, by([](Geometry& g, const Node& n, const Scene& s) { g.UpdateMesh(&n, s.scale, s.offset, s.nodes); })},
+        {kNaive, by([](Geometry& g, const Node& n, const Scene& s) {
+             Naive::UpdateMesh(g, n, s.scale, s.offset, s.nodes);
+         })},
+        {kNaiveO3, by([](Geometry& g, const Node& n, const Scene& s) {
+             NaiveO3::UpdateMesh(g, n, s.scale, s.offset, s.nodes);
+         })}};
     RequireSame(
         ways, [&] { actor->Reset(); }, [&] { return actor->Vertices(); });
+    return {1, ways};
+}
+
+/// Sums of the triangles' normals, written back to the vertices; without the dividing between.
+/// As if the file brought no normals of its own: each vertex has a sum.
+Contest Shading(const QString& name)
+{
+    const auto actor = std::make_shared<Actor>(name);
+    for (Node* const node : actor->scene->nodes) {
+        node->normalCount = 0;
+        for (Geometry* const geometry : node->geometries) {
+            geometry->normalIndices = geometry->indices;
+            for (std::uint32_t& slot : geometry->normalIndices)
+                slot += static_cast<std::uint32_t>(node->normalCount);
+            node->normalCount += geometry->vertices.size();
+        }
+    }
+    const auto by = [actor](const auto& shade) { return [=] { actor->ForEach(shade); }; };
+    using Normals = std::vector<TVec3<float>>;
+    const std::vector<Way> ways{{kOurs, by([](Geometry& geometry, const Node&, Normals& normals) {
+                                     geometry.CollectNormals(normals);
+                                     geometry.SetNormals(normals);
+                                 })},
+                                {kNaive, by([](Geometry& geometry, const Node&, Normals& normals) {
+                                     Naive::CollectNormals(geometry, normals);
+                                     Naive::SetNormals(geometry, normals);
+                                 })},
+                                {kNaiveO3, by([](Geometry& geometry, const Node&, Normals& normals) {
+                                     NaiveO3::CollectNormals(geometry, normals);
+                                     NaiveO3::SetNormals(geometry, normals);
+                                 })}};
+    RequireSame(
+        ways, [] {}, [&] { return actor->Vertices(); });
     return {1, ways};
 }
 
@@ -138,63 +235,61 @@ Contest Emitting(const QString& name)
     return {1, {{kOurs, [actor] { actor->Emit(); }}, {kTouch, [actor] { actor->Copy(); }}}};
 }
 
-/// Instances that show one model, each at another time, one after the other.
-Contest Playing(const QString& name)
+/// Scenes of one model, each at another time: all that a frame takes.
+Contest Playing(const QString& name, std::size_t count)
 {
-    const auto actor = std::make_shared<Actor>(name);
-    const auto ours = [actor] {
-        actor->Pose();
-        actor->keeper.BeginModel({}, 0);
-        actor->scene->CreateMeshes(actor->keeper);
+    const std::unique_ptr<Scene> model = Host::LoadModel(FileOf(name)).scene;
+    const auto actors = std::make_shared<std::vector<std::unique_ptr<Actor>>>();
+    while (actors->size() < count)
+        actors->push_back(std::make_unique<Actor>(CopyOf(*model), actors->size()));
+    const auto ours = [actors] {
+        for (const auto& actor : *actors) {
+            actor->Pose();
+            actor->keeper.BeginModel({}, 0);
+            actor->scene->CreateMeshes(actor->keeper);
+        }
     };
-    const auto naive = [actor] {
-        actor->PoseBy(Naive::CalculateAnimation);
-        Naive::PoseMeshes(*actor->scene);
-        actor->Copy();
+    const auto naive = [actors] {
+        for (const auto& actor : *actors) {
+            actor->PoseBy(Naive::CalculateAnimation);
+            Naive::PoseMeshes(*actor->scene);
+            actor->Copy();
+        }
     };
-    RequireSame(
-        {{kOurs, ours}, {kNaive, naive}}, [&] { actor->Reset(); }, [&] { return actor->Vertices(); });
-    const auto all = [](const auto& instance) {
-        return [instance] {
-            for (std::size_t i = 0; i < kInstances; ++i)
-                instance();
-        };
+    const auto reset = [&] {
+        for (std::size_t i = 0; i < count; ++i) {
+            (*actors)[i]->Reset();
+            (*actors)[i]->next = i;
+        }
     };
-    return {kInstances, {{kOurs, all(ours)}, {kNaive, all(naive)}}};
+    const std::vector<Way> ways{{kOurs, ours}, {kNaive, naive}};
+    RequireSame(ways, reset, [&] { return actors->back()->Vertices(); });
+    return {count, ways};
 }
 
-/// A model, or many in rows, so placed that they fill the view.
+/// A model in a document, or many in rows, so placed that they fill the view.
 Contest Looking(const QString& name, std::size_t count)
 {
-    const Actor actor(name);
-    const auto view = std::make_shared<View>();
+    const auto scene = std::make_shared<Host::Scene>();
+    INode* const first = scene->AddModel(Host::LoadModel(FileOf(name)), scene->GetRoot());
     TBBox<float> box;
-    for (const Geometry* geometry : actor.geometries) {
-        view->meshes.push_back(std::make_unique<StandIn::Mesh>());
-        StandIn::Mesh& mesh = *view->meshes.back();
-        mesh.vertices = geometry->meshVertices;
-        mesh.indices = geometry->indices;
-        for (const MeshVertex& vertex : mesh.vertices)
-            mesh.box.Extend(vertex.position);
-        box.Extend(mesh.box);
-    }
+    UpdateBBoxRecursive(box, scene->GetRoot(), Matrix());
     const float size = Length(box.max - box.min);
     const auto side = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(count))));
-    for (std::size_t i = 0; i < count; ++i) {
-        view->nodes.push_back(std::make_unique<StandIn::Node>(eNodeTypeMesh, &view->scene.root));
-        StandIn::Node& node = *view->nodes.back();
-        node.matrix.SetTranslation(
-            {0.0f, 0.5f * size * static_cast<float>(i % side), 0.5f * size * static_cast<float>(i / side)});
-        for (const auto& mesh : view->meshes)
-            node.Add(*mesh);
+    for (std::size_t i = 1; i < count; ++i) {
+        Matrix place;
+        const TVec3<float> way{0.0f, static_cast<float>(i % side), static_cast<float>(i / side)};
+        place.SetTranslation(way * (0.5f * size));
+        scene->DuplicateNodes({first})[0]->SetMatrix(first->GetMatrix() * place);
     }
     const float extent = 0.5f * size * static_cast<float>(side - 1);
     const TVec3<float> middle = box.Center() + TVec3<float>{0.0f, 0.5f * extent, 0.5f * extent};
-    view->scene.camera.matrix.SetTranslation(middle - TVec3<float>{1.2f * (size + extent), 0.0f, 0.0f});
+    scene->GetCamera()->LookAt(middle - TVec3<float>{1.2f * (size + extent), 0.0f, 0.0f}, middle);
+    std::vector<QPoint> pixels;
     for (int y = kPixelStep / 2; y < View::kSize.y; y += kPixelStep)
         for (int x = kPixelStep / 2; x < View::kSize.x; x += kPixelStep)
-            view->pixels.emplace_back(x, y);
-    return Picking(view);
+            pixels.emplace_back(x, y);
+    return Picking(scene, pixels);
 }
 
 void AddModel(std::vector<Row>& rows, const QString& name, bool isQuick)
@@ -204,10 +299,12 @@ void AddModel(std::vector<Row>& rows, const QString& name, bool isQuick)
         rows.push_back({prefix + what, element, isQuick && isSmall, {}, prepare});
     };
     add("/pose", "frame", true, [name] { return Posing(name); });
-    add("/skin, normals", "frame", true, [name] { return Skinning(name); });
+    add("/skin", "frame", true, [name] { return Skinning(name); });
+    add("/new normals", "frame", true, [name] { return Shading(name); });
     add("/emission", "frame", true, [name] { return Emitting(name); });
+    add("/all of it", "frame", true, [name] { return Playing(name, 1); });
     add("/pick", "pick", true, [name] { return Looking(name, 1); });
-    add("/crowd, frame", "instance", false, [name] { return Playing(name); });
+    add("/crowd, frame", "instance", false, [name] { return Playing(name, kInstances); });
     add("/crowd, pick", "pick", false, [name] { return Looking(name, kInstances); });
 }
 

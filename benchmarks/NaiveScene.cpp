@@ -145,6 +145,24 @@ std::vector<INode*> SortAccordingToTheSceneTree(const std::vector<INode*>& nodes
     return result;
 }
 
+bool IsIntersect(const Ray& ray, const TBBox<float>& box)
+{
+    return Plain::IsIntersect(ray, box);
+}
+
+void UpdateBBoxRecursive(TBBox<float>& box, const INode* node, const Matrix& parentMatrix)
+{
+    Matrix global;
+    Naive::Multiply(global, node->GetMatrix(), parentMatrix);
+    const auto* const meshNode = node->GetType() == 1 && node->IsVisible() ? qobject_cast<IMeshNode*>(node) : nullptr;
+    if (meshNode)
+        for (const IMesh* const mesh : meshNode->GetMeshes())
+            for (const MeshVertex& vertex : mesh->GetVertices())
+                box.Extend(Plain::Moved(vertex.position, global));
+    for (const INode* const child : node->GetChildren())
+        Naive::UpdateBBoxRecursive(box, child, global);
+}
+
 float Trace(const Ray& ray, const IMesh& mesh)
 {
     if (mesh.GetOwner() && mesh.GetOwner()->IsExcludedFromTracing())

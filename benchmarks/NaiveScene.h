@@ -13,7 +13,11 @@ std::vector<INode*> CollectAllChildren(const std::vector<INode*>& nodes);
 
 std::vector<INode*> SortAccordingToTheSceneTree(const std::vector<INode*>& nodes, INode* root, bool reverse);
 
+bool IsIntersect(const Ray& ray, const TBBox<float>& box);
+
 float Trace(const Ray& ray, const IMesh& mesh);
+
+void UpdateBBoxRecursive(TBBox<float>& box, const INode* node, const Matrix& parentMatrix);
 
 /// A ray clipped at what it picks; a miss is null and null.
 struct Picked {

@@ -19,7 +19,7 @@ struct View {
     std::vector<QPoint> pixels;
 };
 
-/// Picking through every pixel; its elements are the pixels.
-Contest Picking(const std::shared_ptr<View>& view);
+/// Picking through every pixel of a view of View::kSize; its elements are the pixels.
+Contest Picking(const std::shared_ptr<IScene>& scene, const std::vector<QPoint>& pixels);
 
 } // namespace Bench

@@ -1,6 +1,7 @@
 #include "benchmarks/NaiveScene.h"
 #include "benchmarks/Picking.h"
 #include "benchmarks/Workloads.h"
+#include "lumenta/scene/BoundingBoxes.h"
 #include "lumenta/scene/NodeHierarchy.h"
 #include "lumenta/scene/Picking.h"
 
@@ -51,7 +52,7 @@ Contest Listing(std::size_t count, ListCall ours, ListCall naive)
 }
 
 /// Mesh nodes of a few triangles, side by side before the camera.
-Contest PickingOfMany()
+std::shared_ptr<View> ManyMeshes()
 {
     const auto view = std::make_shared<View>();
     Random random(2);
@@ -67,9 +68,31 @@ Contest PickingOfMany()
     }
     for (std::size_t i = 0; i < kPixels; ++i)
         view->pixels.emplace_back(static_cast<int>(random.Below(800)), static_cast<int>(random.Below(600)));
-    Contest contest = Picking(view);
+    return view;
+}
+
+Contest PickingOfMany()
+{
+    const auto view = ManyMeshes();
+    Contest contest = Picking({view, &view->scene}, view->pixels);
     contest.count *= kMeshNodes;
     return contest;
+}
+
+Contest BoxOfMany()
+{
+    const auto view = ManyMeshes();
+    const auto box = std::make_shared<std::vector<TBBox<float>>>(1);
+    const auto measure = [=](decltype(UpdateBBoxRecursive)* update) {
+        return [=] {
+            box->front() = {};
+            update(box->front(), &view->scene.root, Matrix());
+        };
+    };
+    const std::vector<Way> ways{{kOurs, measure(UpdateBBoxRecursive)}, {kNaive, measure(Naive::UpdateBBoxRecursive)}};
+    RequireSame(
+        ways, [] {}, [&] { return *box; });
+    return {kMeshNodes * view->meshes[0]->vertices.size(), ways};
 }
 
 Nodes OurChildren(const Tree& tree)
@@ -112,37 +135,38 @@ void AddLists(std::vector<Row>& rows, const std::string& name, ListCall ours, Li
 
 } // namespace
 
-Contest Picking(const std::shared_ptr<View>& view)
+Contest Picking(const std::shared_ptr<IScene>& scene, const std::vector<QPoint>& pixels)
 {
-    const auto ours = [view](const QPoint& pixel) {
+    const auto ours = [scene](const QPoint& pixel) {
         INode* node = nullptr;
         const IMesh* mesh = nullptr;
-        FindNodeByScreenPoint(pixel, View::kSize, view->scene, node, mesh);
+        FindNodeByScreenPoint(pixel, View::kSize, *scene, node, mesh);
         return std::make_pair(node, mesh);
     };
-    const auto naive = [view](const QPoint& pixel) {
-        const Naive::Picked picked = Naive::Pick(pixel, View::kSize, view->scene);
+    const auto naive = [scene](const QPoint& pixel) {
+        const Naive::Picked picked = Naive::Pick(pixel, View::kSize, *scene);
         return std::make_pair(picked.node, picked.mesh);
     };
     bool isAnyHit = false;
-    for (const QPoint& pixel : view->pixels) {
+    for (const QPoint& pixel : pixels) {
         Require(ours(pixel) == naive(pixel), "pick");
         isAnyHit = isAnyHit || ours(pixel).first;
     }
     Require(isAnyHit, "view: nothing is to be seen");
 
-    const auto all = [view](const auto& pick) {
-        return [view, pick] {
-            for (const QPoint& pixel : view->pixels)
+    const auto all = [pixels](const auto& pick) {
+        return [pixels, pick] {
+            for (const QPoint& pixel : pixels)
                 benchmark::DoNotOptimize(pick(pixel));
         };
     };
-    return {view->pixels.size(), {{kOurs, all(ours)}, {kNaive, all(naive)}}};
+    return {pixels.size(), {{kOurs, all(ours)}, {kNaive, all(naive)}}};
 }
 
 void AddTreeRows(std::vector<Row>& rows)
 {
     rows.push_back({"FindNodeByScreenPoint/10000", "node", true, {AtLeast(1.85, kNaive)}, PickingOfMany});
+    rows.push_back({"UpdateBBoxRecursive/10000", "vertex", true, {AtLeast(2.2, kNaive)}, BoxOfMany});
     AddLists(rows, "CollectAllChildren/root", OurChildren, NaiveChildren, 100000);
     AddLists(rows, "CollectAllChildren/shuffled", OurShuffled, NaiveShuffled, 10000);
     AddLists(rows, "SortNodes", OurSorted, NaiveSorted, 100000);

@@ -1,6 +1,6 @@
 #include "lumenta/foundation/Matrix.h"
 
-#include "lumenta/foundation/Float4.h"
+#include "lumenta/kernels/Kernels.h"
 
 #include <QDebug>
 
@@ -12,23 +12,6 @@
 namespace {
 
 constexpr float kDegreesToRadians = 0.017453292f;
-
-/// The determinant of a 3×3 minor, lane by lane. Every cofactor, and through
-/// them the determinant, comes from this one expansion: a different order of
-/// the same terms would round differently.
-inline Float4 Minor(Float4 a, Float4 b, Float4 c, Float4 d, Float4 e, Float4 f, Float4 g, Float4 h, Float4 i)
-{
-    return a * (e * i - f * h) - b * (d * i - f * g) + c * (d * h - e * g);
-}
-
-/// The minors of one row: lane j leaves out column j, and the rows given are
-/// the three others from top to bottom.
-inline Float4 MinorsOfRow(Float4 top, Float4 middle, Float4 bottom)
-{
-    return Minor(Shuffle<1, 0, 0, 0>(top), Shuffle<2, 2, 1, 1>(top), Shuffle<3, 3, 3, 2>(top),
-                 Shuffle<1, 0, 0, 0>(middle), Shuffle<2, 2, 1, 1>(middle), Shuffle<3, 3, 3, 2>(middle),
-                 Shuffle<1, 0, 0, 0>(bottom), Shuffle<2, 2, 1, 1>(bottom), Shuffle<3, 3, 3, 2>(bottom));
-}
 
 } // namespace
 
@@ -61,15 +44,7 @@ void Matrix::SetRotation(const TVec3<float>& degrees)
 
 void Multiply(Matrix& result, const Matrix& a, const Matrix& b)
 {
-    const Float4 b0 = Load4(b.m);
-    const Float4 b1 = Load4(b.m + 4);
-    const Float4 b2 = Load4(b.m + 8);
-    const Float4 b3 = Load4(b.m + 12);
-    for (int i = 0; i < 4; ++i) {
-        // Row i of the result needs row i of `a` alone, so `a` may be overwritten row by row.
-        const float* row = a.m + 4 * i;
-        Store4(result.m + 4 * i, Splat4(row[0]) * b0 + Splat4(row[1]) * b1 + Splat4(row[2]) * b2 + Splat4(row[3]) * b3);
-    }
+    Kernels::Chosen().multiply(result.m, a.m, b.m);
 }
 
 Matrix operator*(const Matrix& a, const Matrix& b)
@@ -81,28 +56,7 @@ Matrix operator*(const Matrix& a, const Matrix& b)
 
 bool Inverse(Matrix& destination, const Matrix& source)
 {
-    const Float4 row0 = Load4(source.m);
-    const Float4 row1 = Load4(source.m + 4);
-    const Float4 row2 = Load4(source.m + 8);
-    const Float4 row3 = Load4(source.m + 12);
-
-    const Float4 evenSigns = {1.0f, -1.0f, 1.0f, -1.0f};
-    const Float4 oddSigns = {-1.0f, 1.0f, -1.0f, 1.0f};
-    const Float4 cofactors0 = MinorsOfRow(row1, row2, row3) * evenSigns;
-
-    const Float4 terms = row0 * cofactors0;
-    const float determinant = terms[0] + terms[1] + terms[2] + terms[3];
-    if (determinant == 0.0f)
-        return false;
-
-    const Float4 reciprocal = Splat4(1.0f / determinant);
-    const Float4 columns[4] = {cofactors0 * reciprocal,
-                               MinorsOfRow(row0, row2, row3) * oddSigns * reciprocal,
-                               MinorsOfRow(row0, row1, row3) * evenSigns * reciprocal,
-                               MinorsOfRow(row0, row1, row2) * oddSigns * reciprocal};
-    for (int i = 0; i < 4; ++i)
-        Store4(destination.m + 4 * i, Float4{columns[0][i], columns[1][i], columns[2][i], columns[3][i]});
-    return true;
+    return Kernels::Chosen().invert(destination.m, source.m);
 }
 
 void TransformPoint(TVec3<float>& point, const Matrix& matrix)

@@ -1,9 +1,10 @@
 #pragma once
 
 // Private to the library: the loops that are compiled once for each processor
-// level. The level is chosen when the first kernel is asked for, from what the
-// processor can do, and never changes. All levels answer with the same bits.
+// level. The level is chosen from what the processor can do, and never changes.
+// All levels answer with the same bits.
 
+#include "lumenta/foundation/BBox.h"
 #include "lumenta/foundation/MeshVertex.h"
 
 #include <cstddef>
@@ -26,6 +27,12 @@ struct SegmentQuery {
     float tolerance;
 };
 
+/// A segment whose ends are moved side by side: each coordinate of the start four
+/// times, then that of the end.
+struct SegmentEnds {
+    alignas(32) float x[8], y[8], z[8];
+};
+
 /// A matrix for positions beside the turned inverse that moves normals: row by
 /// row four floats of the one, then four of the other. The fourth row of the
 /// latter is -0, which adds nothing to any number.
@@ -46,6 +53,18 @@ struct PoseQuery {
 
 /// The kernels of one level.
 struct Table {
+    /// Of sixteen floats each, row by row. The result may be one of the factors.
+    void (*multiply)(float* result, const float* a, const float* b);
+
+    /// \return false, and nothing written, where the determinant is exactly 0
+    bool (*invert)(float* destination, const float* source);
+
+    /// Takes a segment into the space of a node.
+    /// \param global sixteen floats: from there to the segment's space
+    /// \param local  receives start and end there, if they meet the box
+    /// \return whether they do; false where `global` has no inverse
+    bool (*meetBox)(const float* global, const SegmentEnds& ends, const TBBox<float>& box, TVec3<float>* local);
+
     /// Triangles that the segment may meet, in blocks of eight, from triangle
     /// `first` on. What it passes over, no exact test can accept.
     /// \param candidates bit i for the i-th triangle of the block; never 0
@@ -69,6 +88,9 @@ struct Table {
 #if defined(LUMENTA_LEVEL)
 // What this level's table is made of.
 namespace LUMENTA_LEVEL {
+void Multiply(float* result, const float* a, const float* b);
+bool Invert(float* destination, const float* source);
+bool MeetBox(const float* global, const SegmentEnds& ends, const TBBox<float>& box, TVec3<float>* local);
 std::size_t FindCandidates(const SegmentQuery& query, const MeshVertex* vertices, const std::uint32_t* indices,
                            std::size_t count, std::size_t first, unsigned& candidates);
 void PoseVertices(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
@@ -84,7 +106,16 @@ extern const Table baselineTable;
 extern const Table avx2Table;
 #endif
 
-/// Those of this processor.
-const Table& Chosen();
+#if !defined(LUMENTA_LEVEL)
+/// Those of this processor. What it can do is known since the program started.
+inline const Table& Chosen()
+{
+#if defined(__x86_64__)
+    return __builtin_cpu_supports("avx2") ? avx2Table : baselineTable;
+#else
+    return baselineTable;
+#endif
+}
+#endif
 
 } // namespace Kernels

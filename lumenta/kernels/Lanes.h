@@ -82,11 +82,22 @@ LUMENTA_LANES_INLINE Float8 Load8(const float* source)
     return lanes;
 }
 
+LUMENTA_LANES_INLINE void Store8(float* destination, Float8 lanes)
+{
+    std::memcpy(destination, &lanes, sizeof lanes);
+}
+
 LUMENTA_LANES_INLINE Float8 Join(Float4 low, Float4 high)
 {
     // As an intrinsic, because GCC takes its second half from memory only then.
     return reinterpret_cast<Float8>(
         _mm256_insertf128_ps(_mm256_castps128_ps256(reinterpret_cast<__m128>(low)), reinterpret_cast<__m128>(high), 1));
+}
+
+/// Four floats in both halves.
+LUMENTA_LANES_INLINE Float8 LoadTwice(const float* source)
+{
+    return reinterpret_cast<Float8>(_mm256_broadcast_ps(reinterpret_cast<const __m128*>(source)));
 }
 
 LUMENTA_LANES_INLINE Float4 Low(Float8 v)
@@ -106,6 +117,26 @@ LUMENTA_LANES_INLINE Float8 Mix(Float8 a, Float8 b)
     constexpr auto place = [](int lane, int half) { return (lane < 4 ? lane : lane + 4) + 4 * half; };
     return __builtin_shufflevector(a, b, place(A, 0), place(B, 0), place(C, 0), place(D, 0), place(A, 1), place(B, 1),
                                    place(C, 1), place(D, 1));
+}
+
+/// The low half of the one beside the high half of the other.
+LUMENTA_LANES_INLINE Float8 LowHigh(Float8 a, Float8 b)
+{
+    return __builtin_shufflevector(a, b, 0, 1, 2, 3, 12, 13, 14, 15);
+}
+
+/// The lanes of both halves in turns, as the eight of one row.
+LUMENTA_LANES_INLINE Float8 Interleave(Float8 v)
+{
+    return __builtin_shufflevector(v, v, 0, 4, 1, 5, 2, 6, 3, 7);
+}
+
+/// The first or the second half of that, in both halves.
+template <int Half>
+LUMENTA_LANES_INLINE Float8 InterleaveTwice(Float8 v)
+{
+    constexpr int i = 2 * Half;
+    return __builtin_shufflevector(v, v, i, i + 4, i + 1, i + 5, i, i + 4, i + 1, i + 5);
 }
 
 LUMENTA_LANES_INLINE Float8 Sqrt8(Float8 v)
@@ -179,6 +210,17 @@ LUMENTA_LANES_INLINE Float8 Load8(const float* source)
     return {Load4(source), Load4(source + 4)};
 }
 
+LUMENTA_LANES_INLINE void Store8(float* destination, const Float8& lanes)
+{
+    Store4(destination, lanes.low);
+    Store4(destination + 4, lanes.high);
+}
+
+LUMENTA_LANES_INLINE Float8 LoadTwice(const float* source)
+{
+    return {Load4(source), Load4(source)};
+}
+
 LUMENTA_LANES_INLINE Float4 Low(const Float8& v)
 {
     return v.low;
@@ -193,6 +235,24 @@ template <int A, int B, int C, int D>
 LUMENTA_LANES_INLINE Float8 Mix(const Float8& a, const Float8& b)
 {
     return {__builtin_shufflevector(a.low, b.low, A, B, C, D), __builtin_shufflevector(a.high, b.high, A, B, C, D)};
+}
+
+LUMENTA_LANES_INLINE Float8 LowHigh(const Float8& a, const Float8& b)
+{
+    return {a.low, b.high};
+}
+
+LUMENTA_LANES_INLINE Float8 Interleave(const Float8& v)
+{
+    return {__builtin_shufflevector(v.low, v.high, 0, 4, 1, 5), __builtin_shufflevector(v.low, v.high, 2, 6, 3, 7)};
+}
+
+template <int Half>
+LUMENTA_LANES_INLINE Float8 InterleaveTwice(const Float8& v)
+{
+    constexpr int i = 2 * Half;
+    const Float4 half = __builtin_shufflevector(v.low, v.high, i, i + 4, i + 1, i + 5);
+    return {half, half};
 }
 
 LUMENTA_LANES_INLINE Float8 Sqrt8(const Float8& v)

@@ -1,5 +1,6 @@
 #include "lumenta/scene/BoundingBoxes.h"
 
+#include "lumenta/foundation/Float4.h"
 #include "lumenta/interfaces/IMesh.h"
 #include "lumenta/scene/NodeHierarchy.h"
 #include "lumenta/scene/PlacedWalk.h"
@@ -25,6 +26,23 @@ TBBox<float> OwnBox(const INode& node)
     return box;
 }
 
+/// Extends `box` by the positions, moved as TransformPoint() does, the axes side
+/// by side.
+void ExtendByMoved(TBBox<float>& box, const std::vector<MeshVertex>& vertices, const Matrix& global)
+{
+    const Float4 rows[] = {Load4(global.m), Load4(global.m + 4), Load4(global.m + 8), Load4(global.m + 12)};
+    Float4 low{box.min.x, box.min.y, box.min.z, 0.0f};
+    Float4 high{box.max.x, box.max.y, box.max.z, 0.0f};
+    for (const MeshVertex& vertex : vertices) {
+        const TVec3<float>& p = vertex.position;
+        const Float4 moved = rows[0] * Splat4(p.x) + rows[1] * Splat4(p.y) + rows[2] * Splat4(p.z) + rows[3];
+        low = moved < low ? moved : low;
+        high = moved > high ? moved : high;
+    }
+    Store3(box.min, low);
+    Store3(box.max, high);
+}
+
 } // namespace
 
 void UpdateBBoxRecursive(TBBox<float>& box, const INode* pNode, const Matrix& parentMatrix)
@@ -33,13 +51,8 @@ void UpdateBBoxRecursive(TBBox<float>& box, const INode* pNode, const Matrix& pa
         const IMeshNode* const meshNode = AsMeshNode(node);
         if (!meshNode || !node.IsVisible())
             return;
-        for (const IMesh* const mesh : meshNode->GetMeshes()) {
-            for (const MeshVertex& vertex : mesh->GetVertices()) {
-                TVec3<float> position = vertex.position;
-                TransformPoint(position, global);
-                box.Extend(position);
-            }
-        }
+        for (const IMesh* const mesh : meshNode->GetMeshes())
+            ExtendByMoved(box, mesh->GetVertices(), global);
     });
 }
 

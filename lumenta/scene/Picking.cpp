@@ -38,65 +38,84 @@ Ray PickRay(const QPoint& point, const TVec2<float>& viewSize, const IFreeCamera
     return {position, position + Normalized(direction) * kReach};
 }
 
-/// Clips `ray` at the nearest mesh of `node`.
-/// \return that mesh, or null for a miss
-const IMesh* ClipAtMeshes(Ray& ray, const IMeshNode& node, const Matrix& global)
-{
-    Matrix inverse;
-    if (!Inverse(inverse, global))
-        return nullptr;
-    Vec3 start = ray.start;
-    Vec3 end = ray.end;
-    TransformPoint(start, inverse);
-    TransformPoint(end, inverse);
-    Ray local(start, end);
-    if (!local.IsIntersect(node.GetBBox()))
-        return nullptr;
+/// A ray on its way through the tree, clipped at whatever is hit.
+class Tracer {
+public:
+    explicit Tracer(const Ray& ray)
+        : m_ray(ray)
+    {
+        SpreadEnds();
+    }
 
-    const IMesh* nearest = nullptr;
-    float f = 1.0f;
-    for (const IMesh* const mesh : node.GetMeshes()) {
-        if (!local.IsIntersect(mesh->GetBBox()))
-            continue;
-        const float t = local.Trace(*mesh);
-        if (t < 1.0f) {
-            local.Clip(t);
-            f = f * t;
-            nearest = mesh;
+    const Ray& GetRay() const { return m_ray; }
+    const Hit& GetHit() const { return m_hit; }
+
+    /// Clips the ray at the nearest visible thing under `root`. Only what is
+    /// nearer than all before it can still be hit.
+    void Trace(INode* root)
+    {
+        WalkPlaced(root, Matrix(), [this](INode& node, const Matrix& global) {
+            if (!node.IsVisible())
+                return;
+            if (const IMeshNode* const meshNode = AsMeshNode(node))
+                TraceMeshes(node, *meshNode, global);
+            else if (const ILightNode* const light = AsLightNode(node))
+                TraceLight(node, *light, global);
+        });
+    }
+
+private:
+    void TraceMeshes(INode& node, const IMeshNode& meshNode, const Matrix& global)
+    {
+        Vec3 ends[2];
+        if (!m_kernels.meetBox(global.m, m_ends, meshNode.GetBBox(), ends))
+            return;
+        Ray local(ends[0], ends[1]);
+        const IMesh* nearest = nullptr;
+        float f = 1.0f;
+        for (const IMesh* const mesh : meshNode.GetMeshes()) {
+            if (!local.IsIntersect(mesh->GetBBox()))
+                continue;
+            const float t = local.Trace(*mesh);
+            if (t < 1.0f) {
+                local.Clip(t);
+                f = f * t;
+                nearest = mesh;
+            }
+        }
+        if (nearest)
+            ClipAt(f, {&node, nearest});
+    }
+
+    void TraceLight(INode& node, const ILightNode& light, const Matrix& global)
+    {
+        const float t = m_ray.Trace(global.GetTranslation(), light.GetRadius());
+        if (t < 1.0f)
+            ClipAt(t, {&node, nullptr});
+    }
+
+    void ClipAt(float t, const Hit& hit)
+    {
+        m_ray.Clip(t);
+        m_hit = hit;
+        SpreadEnds();
+    }
+
+    void SpreadEnds()
+    {
+        for (int i = 0; i < 8; ++i) {
+            const Vec3& end = i < 4 ? m_ray.start : m_ray.end;
+            m_ends.x[i] = end.x;
+            m_ends.y[i] = end.y;
+            m_ends.z[i] = end.z;
         }
     }
-    if (nearest)
-        ray.Clip(f);
-    return nearest;
-}
 
-bool ClipAtLight(Ray& ray, const ILightNode& light, const Matrix& global)
-{
-    const float t = ray.Trace(global.GetTranslation(), light.GetRadius());
-    if (!(t < 1.0f))
-        return false;
-    ray.Clip(t);
-    return true;
-}
-
-/// Clips `ray` at the nearest visible thing under `root`. Only what is nearer
-/// than all before it can still be hit.
-Hit TraceTree(Ray& ray, INode* root)
-{
-    Hit hit;
-    WalkPlaced(root, Matrix(), [&](INode& node, const Matrix& global) {
-        if (!node.IsVisible())
-            return;
-        if (const IMeshNode* const meshNode = AsMeshNode(node)) {
-            if (const IMesh* const mesh = ClipAtMeshes(ray, *meshNode, global))
-                hit = {&node, mesh};
-        } else if (const ILightNode* const light = AsLightNode(node)) {
-            if (ClipAtLight(ray, *light, global))
-                hit = {&node, nullptr};
-        }
-    });
-    return hit;
-}
+    const Kernels::Table& m_kernels = Kernels::Chosen();
+    Ray m_ray;
+    Kernels::SegmentEnds m_ends; ///< Of the ray.
+    Hit m_hit;
+};
 
 /// Whether the ground doesn't lie between the start of a ray and its hit.
 bool IsBeforeGround(const Vec3& start, const Vec3& hit)
@@ -123,20 +142,21 @@ void FindNodeByScreenPoint(const QPoint& point, const TVec2<float>& viewSize, IS
 {
     pNode = nullptr;
     pMesh = nullptr;
-    Ray ray = PickRay(point, viewSize, *scene.GetCamera());
-    const Hit hit = TraceTree(ray, scene.GetRoot());
-    pNode = hit.node;
-    pMesh = hit.mesh;
+    Tracer tracer(PickRay(point, viewSize, *scene.GetCamera()));
+    tracer.Trace(scene.GetRoot());
+    pNode = tracer.GetHit().node;
+    pMesh = tracer.GetHit().mesh;
 }
 
 bool FindIntersectionByScreenPoint(const QPoint& point, const TVec2<float>& viewSize, IScene& scene,
                                    TVec3<float>& result)
 {
     const Ray whole = PickRay(point, viewSize, *scene.GetCamera());
-    Ray ray = whole;
-    const bool isHit = TraceTree(ray, scene.GetRoot()).node != nullptr;
+    Tracer tracer(whole);
+    tracer.Trace(scene.GetRoot());
+    const bool isHit = tracer.GetHit().node != nullptr;
     if (isHit)
-        result = ray.end;
+        result = tracer.GetRay().end;
     if (!scene.IsGroundPlaneEnabled() || (isHit && IsBeforeGround(whole.start, result)))
         return isHit;
     return MeetGround(whole, result);

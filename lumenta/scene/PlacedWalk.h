@@ -7,6 +7,7 @@
 #include "lumenta/interfaces/ILightNode.h"
 #include "lumenta/interfaces/IMeshNode.h"
 #include "lumenta/interfaces/INode.h"
+#include "lumenta/kernels/Kernels.h"
 
 #include <vector>
 
@@ -26,18 +27,28 @@ inline const ILightNode* AsLightNode(const INode& node)
 template <typename Node, typename Visit>
 void WalkPlaced(Node* top, const Matrix& parentGlobal, const Visit& visit)
 {
-    struct Pending {
+    /// Those still to come, for as long as there are any.
+    struct Siblings {
         Matrix parentGlobal;
-        Node* node;
+        Node* const* next;
+        Node* const* end;
     };
-    std::vector<Pending> pending{{parentGlobal, top}};
-    while (!pending.empty()) {
-        Node& node = *pending.back().node;
-        const Matrix global = node.GetMatrix() * pending.back().parentGlobal;
-        pending.pop_back();
+    constexpr std::ptrdiff_t kAhead = 4; // nodes: about as long as memory takes
+    const Kernels::Table& kernels = Kernels::Chosen();
+    std::vector<Siblings> levels{{parentGlobal, &top, &top + 1}};
+    while (!levels.empty()) {
+        Siblings& siblings = levels.back();
+        Node& node = **siblings.next++;
+        const bool isLast = siblings.next == siblings.end;
+        if (siblings.end - siblings.next >= kAhead)
+            __builtin_prefetch(siblings.next[kAhead - 1]);
+        Matrix global;
+        kernels.multiply(global.m, node.GetMatrix().m, siblings.parentGlobal.m);
+        if (isLast)
+            levels.pop_back();
         visit(node, global);
         const std::vector<INode*>& children = node.GetChildren();
-        for (auto child = children.rbegin(); child != children.rend(); ++child)
-            pending.push_back({global, *child});
+        if (!children.empty())
+            levels.push_back({global, children.data(), children.data() + children.size()});
     }
 }

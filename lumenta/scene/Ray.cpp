@@ -2,6 +2,7 @@
 
 #include "lumenta/interfaces/IMesh.h"
 #include "lumenta/interfaces/IMeshNode.h"
+#include "lumenta/kernels/BoxLanes.h"
 #include "lumenta/scene/TraceTriangles.h"
 
 #include <algorithm>
@@ -92,18 +93,7 @@ Ray::Ray(const Vec3& from, const Vec3& to)
 
 bool Ray::IsIntersect(const TBBox<float>& box) const
 {
-    const Vec3 boxCentre = box.Center();
-    const Vec3 e = boxCentre - box.min;
-    const Vec3 d = centre - boxCentre;
-    const Vec3& h = halfDelta;
-    const Vec3& a = absHalfDelta;
-
-    // Any axis that separates the two, of the box's first, then across the segment.
-    const bool apart = std::fabs(d.x) > e.x + a.x || std::fabs(d.y) > e.y + a.y || std::fabs(d.z) > e.z + a.z
-        || std::fabs(d.z * h.y - d.y * h.z) > a.y * e.z + e.y * a.z
-        || std::fabs(h.z * d.x - d.z * h.x) > a.z * e.x + e.z * a.x
-        || std::fabs(d.y * h.x - d.x * h.y) > a.x * e.y + e.x * a.y;
-    return !apart;
+    return Overlap({Load3(centre), Load3(halfDelta), Load3(absHalfDelta)}, box);
 }
 
 bool Ray::IsIntersect(const Vec3& sphereCentre, float radius) const

@@ -118,6 +118,7 @@ public:
     /// An opaque picture of the requested size, format RGB32; where it was
     /// stopped, black from some row on. Degenerate or non-finite triangles are
     /// left out.
+    /// \param progress is told 1 as soon as all is ready for the first pixel
     /// \throws OutOfMemoryException the picture does not fit in memory
     virtual QImage Render(const PictureRequest& request, const Progress& progress) = 0;
 };

@@ -11,12 +11,23 @@
 
 namespace Host {
 
+namespace {
+
+std::unique_ptr<IRender> CreateRenderer(const RenderOptions& options)
+{
+    const Timed timed(options.pStopwatch, eStagePlugins);
+    return TheApplication().CreateRenderer(options.renderer);
+}
+
+} // namespace
+
 PictureMaker::PictureMaker(const RenderOptions& options, const QString& source, ProgressBar& bar)
-    : m_renderer(TheApplication().CreateRenderer(options.renderer))
+    : m_renderer(CreateRenderer(options))
     , m_settings{options.take.size, options.samplesPerPixel, options.threads}
     , m_fileName(options.fileName)
     , m_source(source)
     , m_bar(bar)
+    , m_pStopwatch(options.pStopwatch)
 {
 }
 
@@ -28,6 +39,11 @@ QImage PictureMaker::Draw(const IScene& scene, const Progress& progress)
     QObject::connect(m_renderer.get(), &IRender::done, &listener, [&](eRenderExitCode exitCode) { code = exitCode; });
     QObject::connect(m_renderer.get(), &IRender::log, &listener, [&](const QString& line) { lines += line; });
     if (progress) QObject::connect(m_renderer.get(), &IRender::progress, &listener, progress);
+    const Timed timed(m_pStopwatch, eStagePreparing);
+    if (m_pStopwatch)
+        QObject::connect(m_renderer.get(), &IRender::progress, &listener, [this](int nPercent) {
+            if (nPercent > 0) m_pStopwatch->Begin(eStageDrawing);
+        });
 
     m_renderer->Start(scene, m_settings);
     if (!code) Wait();

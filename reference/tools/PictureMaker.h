@@ -27,6 +27,7 @@ private:
     QString m_fileName;
     QString m_source;
     ProgressBar& m_bar;
+    Stopwatch* m_pStopwatch;
     QStringList m_said; ///< By the renderer.
 };
 

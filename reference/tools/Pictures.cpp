@@ -62,6 +62,7 @@ void WritePictures(Stage& stage, const QString& source, const RenderOptions& opt
     PictureMaker maker(options, source, bar);
     if (IsSeries(options.fileName) || options.take.nFrames == 1) {
         Draw(stage, maker, bar, [&](int number, const QImage& picture) {
+            const Timed timed(options.pStopwatch, eStageWriting);
             WriteImageFile(NumberedFileName(options.fileName, number), picture);
         });
         return;
@@ -72,6 +73,7 @@ void WritePictures(Stage& stage, const QString& source, const RenderOptions& opt
         const Frame& frame = stage.GetSequence().GetFrames()[static_cast<std::size_t>(number)];
         pictures.push_back({picture, Caption(frame, options.take)});
     });
+    const Timed timed(options.pStopwatch, eStageWriting);
     WriteImageFile(options.fileName, MakeContactSheet(pictures, TitleOf(source, stage.GetScene(), options.take)));
 }
 

@@ -1,34 +1,85 @@
 #include "reference/tools/DocumentSource.h"
 #include "reference/tools/ModelSource.h"
 #include "reference/tools/Pictures.h"
+#include "reference/tools/Services.h"
 #include "reference/tools/Stage.h"
+#include "reference/tools/Texts.h"
 #include "reference/tools/Verbs.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
 
 namespace Host {
 
 namespace {
 
-void RenderDocument(const Arguments& arguments, const QString& source)
+constexpr const char* kStageNames[] = {"plug-ins",  "reading", "pose",    "skin and normals", "document", "framing",
+                                       "preparing", "drawing", "writing", "rest"};
+static_assert(std::size(kStageNames) == eStageCount, "each has a name");
+
+/// A line for each stage, and one for all.
+QString TimesText(const std::array<qint64, eStageCount>& times)
+{
+    const qint64 all = std::accumulate(times.begin(), times.end(), qint64(0));
+    Table table({QStringLiteral("stage"), QStringLiteral(">ms"), QStringLiteral(">share")});
+    const auto add = [&](const char* name, qint64 time) {
+        const double part = static_cast<double>(time) / static_cast<double>(std::max(all, qint64(1)));
+        table.AddRow({QLatin1String(name), QString::number(static_cast<double>(time) * 1e-6, 'f', 1),
+                      QString::number(100.0 * part, 'f', 1) + QStringLiteral(" %")});
+    };
+    for (std::size_t i = 0; i < times.size(); ++i)
+        add(kStageNames[i], times[i]);
+    add("all", all);
+    return table.Text();
+}
+
+void RenderDocument(const Arguments& arguments, const QString& source, Stopwatch* pStopwatch)
 {
     RefuseModelOptions(arguments, source);
     arguments.RequiredText(QStringLiteral("o"));
     ProgressBar bar;
-    std::unique_ptr<Document> document = OpenDocument(source, bar);
-    const RenderOptions options = ReadRenderOptions(arguments, QStringLiteral("render"), document->GetScene());
+    std::unique_ptr<Document> document;
+    {
+        const Timed timed(pStopwatch, eStageReading);
+        document = OpenDocument(source, bar);
+    }
+    RenderOptions options = ReadRenderOptions(arguments, QStringLiteral("render"), document->GetScene());
+    options.pStopwatch = pStopwatch;
     MakePictures(std::move(document), source, options, bar);
+}
+
+void RenderModel(const Arguments& arguments, const QString& source, Stopwatch* pStopwatch)
+{
+    RenderOptions options = ReadRenderOptions(arguments, QStringLiteral("render"));
+    options.pStopwatch = pStopwatch;
+    arguments.RequiredText(QStringLiteral("o"));
+
+    ProgressBar bar;
+    Model model;
+    {
+        const Timed timed(pStopwatch, eStageReading);
+        model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, kLoaded));
+    }
+    options.take.animation = FindShownAnimation(model, arguments, options.plays);
+    MakePictures(std::move(model), options, bar);
 }
 
 void Run(const Arguments& arguments)
 {
     const QString source = arguments.OnlyWord(QStringLiteral("MODEL"));
-    if (IsDocument(source)) return RenderDocument(arguments, source);
-    RenderOptions options = ReadRenderOptions(arguments, QStringLiteral("render"));
-    arguments.RequiredText(QStringLiteral("o"));
-
-    ProgressBar bar;
-    Model model = OpenModel(source, bar.Part(QStringLiteral("reading"), 0, kLoaded));
-    options.take.animation = FindShownAnimation(model, arguments, options.plays);
-    MakePictures(std::move(model), options, bar);
+    std::optional<Stopwatch> stopwatch;
+    if (arguments.Has(QStringLiteral("stats"))) stopwatch.emplace();
+    Stopwatch* const pStopwatch = stopwatch ? &*stopwatch : nullptr;
+    if (pStopwatch) {
+        const Timed timed(pStopwatch, eStagePlugins);
+        TheApplication().RendererNames(); // who asks first has them looked for
+    }
+    if (IsDocument(source))
+        RenderDocument(arguments, source, pStopwatch);
+    else
+        RenderModel(arguments, source, pStopwatch);
+    if (stopwatch) Print(TimesText(stopwatch->GetTimes()));
 }
 
 } // namespace
@@ -58,6 +109,13 @@ Verb RenderVerb()
     };
     manual.options = RenderOptionTable();
     manual.options.insert(manual.options.begin(), AnimationOption());
+    manual.options.push_back(
+        {{QStringLiteral("stats")},
+         QString(),
+         QStringLiteral("Tell where the time went: milliseconds of each stage and its share of all. \"reading\" is the "
+                        "file and its textures; \"framing\" finds where the camera must stand for all poses; "
+                        "\"preparing\" is what the renderer does before the first pixel, as copying the scene and "
+                        "building a tree of its triangles.")});
     manual.examples = {
         {QStringLiteral("lumenta render robot.glb -o robot.png"), QStringLiteral("The rest pose.")},
         {QStringLiteral("lumenta render robot.glb --animation walk --time 250 -o step.png"),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "reference/host/Stopwatch.h"
 #include "reference/tools/CommandLine.h"
 #include "reference/tools/FrameSequence.h"
 
@@ -22,6 +23,7 @@ struct RenderOptions {
     bool ground = true;
     int samplesPerPixel = 16;
     int threads = 0;
+    Stopwatch* pStopwatch = nullptr; ///< Null where nobody asks where the time goes.
 
     /// Whether time or frames were asked for, which takes an animation.
     bool plays = false;

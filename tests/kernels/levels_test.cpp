@@ -72,6 +72,79 @@ class LevelsTest : public QObject {
     }
 
 private Q_SLOTS:
+    void Matrices_data() { Levels(); }
+
+    void Matrices()
+    {
+        QFETCH(const Kernels::Table*, level);
+        Random random(3);
+        int singular = 0;
+        for (int round = 0; round < 200000; ++round) {
+            std::vector<Matrix> ours{Workloads::RandomTransform(random), Workloads::RandomTransform(random), Matrix()};
+            for (float& value : ours[round % 2].m)
+                if (round % 3 == 0) value = Workloads::OddFloat(random);
+            if (round % 7 == 0) std::memcpy(ours[1].m + 4, ours[1].m + 4 * random.Below(4), 16); // singular, if not by rounding
+            std::vector<Matrix> plain = ours;
+
+            // The result may be either operand, or neither.
+            const std::size_t to = random.Below(3);
+            level->multiply(ours[to].m, ours[0].m, ours[1].m);
+            Naive::Multiply(plain[to], plain[0], plain[1]);
+            QVERIFY(Same(ours, plain));
+            const bool isInverted = Naive::Inverse(plain[to], plain[1]);
+            QCOMPARE(level->invert(ours[to].m, ours[1].m), isInverted);
+            QVERIFY(Same(ours, plain));
+            singular += !isInverted;
+        }
+        QVERIFY2(singular > 1000, qPrintable(QString::number(singular)));
+    }
+
+    void Boxes_data() { Levels(); }
+
+    void Boxes()
+    {
+        QFETCH(const Kernels::Table*, level);
+        Random random(4);
+        int met = 0, singular = 0;
+        for (int round = 0; round < 200000; ++round) {
+            // Every other round all on a grid, where many only touch.
+            const auto point = [&random, round] {
+                const Vec3 p = Workloads::RandomVector(random, -4.0f, 4.0f);
+                return round % 2 != 0 ? p : Vec3{std::floor(p.x), std::floor(p.y), std::floor(p.z)};
+            };
+            Matrix global = round % 2 != 0 ? Workloads::RandomTransform(random) : Matrix();
+            Ray ray(point(), point());
+            TBBox<float> box;
+            if (round % 16 != 1) box.Extend(point()), box.Extend(point());
+            if (round % 8 == 3) std::swap(box.min, box.max);
+            if (round % 5 == 0) global.m[random.Below(16)] = Workloads::OddFloat(random);
+            if (round % 7 == 0) (random.Below(2) != 0 ? box.min : box.max) = OddVector(random);
+            if (round % 9 == 0) ray = {ray.start, OddVector(random)};
+
+            Kernels::SegmentEnds ends;
+            for (int i = 0; i < 8; ++i) {
+                const Vec3& end = i < 4 ? ray.start : ray.end;
+                ends.x[i] = end.x;
+                ends.y[i] = end.y;
+                ends.z[i] = end.z;
+            }
+            std::vector<Vec3> ours(2), theirs{ray.start, ray.end};
+            const bool isMet = level->meetBox(global.m, ends, box, ours.data());
+
+            Matrix inverse;
+            const bool isInverted = Naive::Inverse(inverse, global);
+            for (Vec3& end : theirs)
+                TransformPoint(end, inverse);
+            const Ray local(theirs[0], theirs[1]);
+            QCOMPARE(local.IsIntersect(box), Naive::IsIntersect(local, box));
+            QCOMPARE(isMet, isInverted && Naive::IsIntersect(local, box));
+            QVERIFY(!isMet || Same(ours, theirs));
+            met += isMet;
+            singular += !isInverted;
+        }
+        QVERIFY2(met > 20000 && met < 180000 && singular > 100, qPrintable(QString::number(met)));
+    }
+
     void Skins_data() { Levels(); }
 
     void Skins()

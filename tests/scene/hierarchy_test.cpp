@@ -28,8 +28,8 @@ QString PositionOf(const INode* node)
 class HierarchyTest : public QObject {
     Q_OBJECT
 
-    // r(a(b, c), d(e)), a stranger x, and y, which its parent d doesn't list.
-    Node r, a{0, &r}, b{0, &a}, c{0, &a}, d{0, &r}, e{0, &d}, x, y;
+    // r(a(b, c), d(e)), a stranger x, y, which its parent d doesn't list, and p and q, each under the other.
+    Node r, a{0, &r}, b{0, &a}, c{0, &a}, d{0, &r}, e{0, &d}, x, y, p, q{0, &p};
 
 private Q_SLOTS:
     void Lists_data()
@@ -40,6 +40,8 @@ private Q_SLOTS:
         QTest::newRow("all of a branch") << CollectAllChildren(MakeListOfNodes(&a)) << List{&a, &b, &c};
         QTest::newRow("a child before its parent") << CollectAllChildren(MakeListOfNodes(&b, &a)) << List{&b, &a, &c};
         QTest::newRow("listed twice") << CollectAllChildren({&a, &a, &c, &r}) << List{&a, &b, &c, &r, &d, &e};
+        q.children = {&q, &p, &c};
+        QTest::newRow("each under the other") << CollectAllChildren({&q}) << List{&q, &p, &c};
         QTest::newRow("sorted, each once") << sorted({&e, &b, &a, &e, &a}, &r, false) << List{&a, &b, &e};
         QTest::newRow("sorted back to front") << sorted({&a, &e, &b}, &r, true) << List{&e, &b, &a};
         QTest::newRow("only what is under the root") << sorted({&d, &c, &x, &r, &a}, &a, false) << List{&a, &c};
@@ -83,13 +85,14 @@ private Q_SLOTS:
         Workloads::Random random(2);
         for (int round = 0; round < 5000; ++round) {
             // Odd rounds: whatever hangs where, also twice, as long as nothing hangs under itself.
-            std::deque<Node> nodes(9);
-            for (std::uint32_t i = 1; i < 8; ++i)
+            const std::uint32_t size = round % 50 == 0 ? 1 + random.Below(800) : 9;
+            std::deque<Node> nodes(size);
+            for (std::uint32_t i = 1; i + 1 < size; ++i)
                 for (std::uint32_t times = round % 2 ? random.Below(4) : 1; times > 0; --times)
                     nodes[random.Below(i)].children.push_back(&nodes[i]);
             List list;
-            for (std::uint32_t count = random.Below(12); count > 0; --count)
-                list.push_back(&nodes[random.Below(9)]);
+            for (std::uint32_t count = random.Below(size + 3); count > 0; --count)
+                list.push_back(&nodes[random.Below(size)]);
             const bool reverse = random.Below(2) == 0;
             QCOMPARE(CollectAllChildren(list), Naive::CollectAllChildren(list));
             QCOMPARE(SortAccordingToTheSceneTree(list, &nodes[0], reverse),

@@ -151,6 +151,10 @@ private Q_SLOTS:
             QVERIFY(node == picked.node && mesh == picked.mesh && found == (node != nullptr));
             QCOMPARE(Floats(point), Floats(picked.ray.end));
             hits += node != nullptr;
+            TBBox<float> box, naiveBox;
+            UpdateBBoxRecursive(box, &w.root, w.camera.matrix);
+            Naive::UpdateBBoxRecursive(naiveBox, &w.root, w.camera.matrix);
+            QCOMPARE(Floats(box), Floats(naiveBox));
         }
         QVERIFY(hits > 200);
     }

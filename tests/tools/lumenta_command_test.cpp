@@ -8,7 +8,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QElapsedTimer>
+#include <QRegularExpression>
 #include <QTemporaryDir>
+
+#include <cmath>
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -306,6 +310,44 @@ private Q_SLOTS:
         QVERIFY(!first.isNull());
     }
 
+    void TellsWhereTheTimeGoes_data()
+    {
+        AddTexts({"words"}, {{"a model in motion", ":figure --animation walk --frames 3 --samples 1"},
+                             {"painted, in files", kModels + "Testwuson.X --time 5 --renderer painter -o %d.png"},
+                             {"a document", ":bottle --samples 1"}});
+    }
+
+    /// Each stage on a line of its own; what surely takes time took some; no more than all.
+    void TellsWhereTheTimeGoes()
+    {
+        QFETCH(QString, words);
+        QElapsedTimer clock;
+        clock.start();
+        const Outcome outcome = Run("render -o a.png --size 64x64 --stats " + words);
+        const double most = double(clock.nsecsElapsed()) * 1e-6;
+        QCOMPARE(outcome.errors, QString());
+        QStringList lines = outcome.output.split('\n', Qt::SkipEmptyParts), stages;
+        QVERIFY(QRegularExpression("^  stage +ms +share$").match(lines.takeFirst()).hasMatch());
+        QMap<QString, double> times;
+        double sum = 0.0, shares = 0.0;
+        for (const QString& line : lines) {
+            const auto match = QRegularExpression(R"(^  (\S.*?) +(\d+\.\d) +(\d+\.\d) %$)").match(line);
+            QVERIFY2(match.hasMatch(), qPrintable(line));
+            stages += match.captured(1);
+            times[stages.last()] = match.captured(2).toDouble();
+            sum += times[stages.last()];
+            shares += match.captured(3).toDouble();
+        }
+        QCOMPARE(stages.join(", "), QString("plug-ins, reading, pose, skin and normals, document, framing, preparing, "
+                                            "drawing, writing, rest, all"));
+        const double all = times["all"];
+        QVERIFY2(all <= most && std::fabs(sum - 2.0 * all) < 1.0 && std::fabs(shares - 200.0) < 1.0,
+                 qPrintable(outcome.output));
+        for (const QString stage : {"plug-ins", "drawing", "writing"})
+            QVERIFY2(times[stage] > 0.0, qPrintable(outcome.output));
+        QCOMPARE(times["skin and normals"] > 0.0, !words.contains("bottle"));
+    }
+
     void KeepsNamesFromTheTerminal()
     {
         const QString people = Run("info triangle.obj").output;
@@ -508,7 +550,7 @@ private Q_SLOTS:
         AddTexts({"words", "options"}, {{"the command", "--help", verbs},
                                         {"the command, as a verb", "help", verbs},
                                         {"info", "help info", "--json"},
-                                        {"render", "render --help", picture},
+                                        {"render", "render --help", picture + " --stats"},
                                         {"pick", "pick -h", view + "--map --legend --overlay --json"},
                                         {"clip", "clip -h", picture + " --from --to --name"},
                                         {"convert", "convert -h", "--animation --time --force"},

@@ -11,8 +11,9 @@ PosedModel::PosedModel(std::unique_ptr<SkinAnimation::Scene> scene)
         m_rest.push_back(pNode->localTransform);
 }
 
-void PosedModel::Pose(int nAnimation, float time, IMeshNodeBuilder& builder)
+void PosedModel::Pose(int nAnimation, float time, IMeshNodeBuilder& builder, Stopwatch* pStopwatch)
 {
+    const Timed timed(pStopwatch, eStagePose);
     // An animation leaves nodes that it doesn't move where the one before has left them.
     for (std::size_t i = 0; i < m_rest.size(); ++i)
         m_scene->nodes[i]->localTransform = m_rest[i];
@@ -26,6 +27,7 @@ void PosedModel::Pose(int nAnimation, float time, IMeshNodeBuilder& builder)
     } else {
         m_scene->CalculateAnimation(nAnimation, time);
     }
+    const Timed handingOver(pStopwatch, eStageMeshes);
     builder.BeginModel(QString(), m_scene->nodes.size());
     m_scene->CreateMeshes(builder);
     builder.EndModel();

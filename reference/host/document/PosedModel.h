@@ -2,6 +2,7 @@
 
 #include "lumenta/platform/IMeshNodeBuilder.h"
 #include "lumenta/skin/Scene.h"
+#include "reference/host/Stopwatch.h"
 #include "reference/host/document/Node.h"
 
 #include <QPointer>
@@ -21,7 +22,8 @@ public:
 
     /// Hands every visible mesh to `builder`, always the same ones in the same order.
     /// \param nAnimation −1 for the model at rest
-    void Pose(int nAnimation, float time, IMeshNodeBuilder& builder);
+    /// \param pStopwatch may be null
+    void Pose(int nAnimation, float time, IMeshNodeBuilder& builder, Stopwatch* pStopwatch);
 
     /// Where a posed mesh goes.
     struct Part {

@@ -21,6 +21,7 @@ class MeshNode;
 class Node;
 class PosedModel;
 class SnapshotManager;
+class Stopwatch;
 struct PosedMesh;
 struct SceneState;
 
@@ -54,6 +55,10 @@ public:
     /// Makes what generates the meshes of a source; null for one that is a model's.
     using MeshMaker = std::function<std::unique_ptr<IGenerator>(const QString& strSource)>;
     void SetMeshMaker(MeshMaker maker) { m_maker = std::move(maker); }
+
+    /// Tells where the time of posing goes.
+    /// \param pStopwatch must outlive the scene; or null
+    void SetStopwatch(Stopwatch* pStopwatch) { m_pStopwatch = pStopwatch; }
 
     /// Hangs a model under a node, as a group that turns it upright (see
     /// Upright()) and bears the name of its file, or else of its top node. In it
@@ -241,6 +246,7 @@ private:
     Batch m_batch;
     ModelReader m_reader;
     MeshMaker m_maker;
+    Stopwatch* m_pStopwatch = nullptr;
     QString m_strFileName;
     Settings m_settings;
     bool m_bModified = false;

@@ -303,7 +303,7 @@ INode* Scene::HangModel(Model&& model, Node& parent, const QString& strName, con
     const Matrix upright = Upright(model.up);
     auto posed = std::make_unique<PosedModel>(std::move(model.scene));
     MeshCollector collector;
-    posed->Pose(-1, 0.0f, collector);
+    posed->Pose(-1, 0.0f, collector, m_pStopwatch);
 
     Change change(m_batch, PlannedAdding(strName));
     parent.SceneOrThrow(); // a slot may have removed it
@@ -400,6 +400,7 @@ void Scene::SetAnimation(int nAnimation, float time)
 void Scene::Play(PosedModel* pModel, int nAnimation, float time)
 {
     if (pModel == m_pPlaying && nAnimation == m_nPlaying && time == m_time) return;
+    const Timed timed(m_pStopwatch, eStageDocument);
     Change change(m_batch);
     const bool isThere =
         std::any_of(m_models.begin(), m_models.end(), [&](const auto& model) { return model.get() == pModel; });
@@ -414,12 +415,13 @@ void Scene::Play(PosedModel* pModel, int nAnimation, float time)
 
 void Scene::PoseModel(PosedModel& model, int nAnimation, float time, Change& change)
 {
-    const auto rewrite = [&change](const PosedModel::Part& part, const std::vector<MeshVertex>& vertices) {
+    const auto rewrite = [&](const PosedModel::Part& part, const std::vector<MeshVertex>& vertices) {
+        const Timed timed(m_pStopwatch, eStageDocument);
         if (part.pNode && part.pNode->GetScene() && part.pNode->ReplaceVertices(*part.pMesh, vertices))
             change.Changed(*part.pNode, eNodeChangedMesh);
     };
     MeshRewriter rewriter(model.parts, rewrite);
-    model.Pose(nAnimation, time, rewriter);
+    model.Pose(nAnimation, time, rewriter, m_pStopwatch);
 }
 
 } // namespace Host

@@ -114,12 +114,14 @@ public:
         if (request.MustStop())
             return image;
         const LightTracer tracer(request);
+        if (progress)
+            progress(1);
         RowWork work(tracer, image);
         Helpers helpers(work, ThreadCount(request) - 1);
         bool isWhole = true;
         while (isWhole && work.RunOne()) {
             if (progress)
-                progress(std::min(work.Percent(), 99));
+                progress(std::clamp(work.Percent(), 1, 99));
             isWhole = !work.HasRowsLeft() || !request.MustStop();
         }
         work.Stop(); // no rows are left, or none are wanted

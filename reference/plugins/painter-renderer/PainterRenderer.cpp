@@ -31,7 +31,7 @@ bool PaintStudio(QImage& image, const Studio& studio, const PictureRequest& requ
         shadow.emplace(request, surfaces, studio);
     for (int y = 0; y < studio.size.height(); ++y) {
         if (progress)
-            progress(kStudioShare * y / studio.size.height());
+            progress(std::max(kStudioShare * y / studio.size.height(), 1));
         if (request.MustStop())
             return false;
         QRgb* const row = reinterpret_cast<QRgb*>(image.scanLine(y));
