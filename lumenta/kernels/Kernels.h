@@ -18,11 +18,10 @@ namespace Kernels {
 /// Triangles that are looked at side by side.
 constexpr std::size_t kBlock = 8;
 
-/// What the candidates among a mesh's triangles are looked for with.
-struct SegmentQuery {
+/// What a mesh's triangles are tested against.
+struct Segment {
     TVec3<float> start;
-    TVec3<float> direction; ///< Of length 1.
-    float reach;            ///< Sum of the absolute coordinates of both ends.
+    TVec3<float> end;
     float tolerance;
 };
 
@@ -46,12 +45,11 @@ struct PoseQuery {
 
 /// The kernels of one level.
 struct Table {
-    /// Triangles that the segment may meet, in blocks of eight, from triangle
-    /// `first` on. What it passes over, no exact test can accept.
-    /// \param candidates bit i for the i-th triangle of the block; never 0
-    /// \return the first triangle of that block, or `count` where none is left
-    std::size_t (*findCandidates)(const SegmentQuery& query, const MeshVertex* vertices, const std::uint32_t* indices,
-                                  std::size_t count, std::size_t first, unsigned& candidates);
+    /// The first triangle, from `first` on, that the segment meets. It looks at blocks
+    /// of eight: fewer that are left are not asked.
+    /// \return that triangle, or the first of those left, which is `count` without any
+    std::size_t (*findHit)(const Segment& segment, const MeshVertex* vertices, const std::uint32_t* indices,
+                           std::size_t count, std::size_t first);
 
     /// Writes position, normal and texture coordinate.
     void (*poseVertices)(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
@@ -69,8 +67,8 @@ struct Table {
 #if defined(LUMENTA_LEVEL)
 // What this level's table is made of.
 namespace LUMENTA_LEVEL {
-std::size_t FindCandidates(const SegmentQuery& query, const MeshVertex* vertices, const std::uint32_t* indices,
-                           std::size_t count, std::size_t first, unsigned& candidates);
+std::size_t FindHit(const Segment& segment, const MeshVertex* vertices, const std::uint32_t* indices, std::size_t count,
+                    std::size_t first);
 void PoseVertices(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
                   MeshVertex* posed);
 void AddFaceNormals(const MeshVertex* vertices, const std::uint32_t* indices, const std::uint32_t* slotOfCorner,

@@ -72,7 +72,13 @@ using Mask8 = std::int32_t __attribute__((vector_size(32)));
 
 LUMENTA_LANES_INLINE Float8 Join(Float4 low, Float4 high)
 {
-    return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+    return reinterpret_cast<Float8>(
+        _mm256_set_m128(reinterpret_cast<__m128>(high), reinterpret_cast<__m128>(low)));
+}
+
+LUMENTA_LANES_INLINE Float8 Splat8(float v)
+{
+    return Float8{v, v, v, v, v, v, v, v};
 }
 
 LUMENTA_LANES_INLINE Float4 Low(Float8 v)
@@ -129,6 +135,7 @@ struct Mask8 {
     Mask4 high;
 
     LUMENTA_LANES_INLINE Mask8 operator&(const Mask8& b) const { return {low & b.low, high & b.high}; }
+    LUMENTA_LANES_INLINE Mask8 operator|(const Mask8& b) const { return {low | b.low, high | b.high}; }
 };
 
 struct Float8 {
@@ -141,11 +148,18 @@ struct Float8 {
     LUMENTA_LANES_INLINE Float8 operator/(const Float8& b) const { return {low / b.low, high / b.high}; }
     LUMENTA_LANES_INLINE Mask8 operator>(const Float8& b) const { return {low > b.low, high > b.high}; }
     LUMENTA_LANES_INLINE Mask8 operator<(const Float8& b) const { return {low < b.low, high < b.high}; }
+    LUMENTA_LANES_INLINE Mask8 operator>=(const Float8& b) const { return {low >= b.low, high >= b.high}; }
+    LUMENTA_LANES_INLINE Mask8 operator<=(const Float8& b) const { return {low <= b.low, high <= b.high}; }
 };
 
 LUMENTA_LANES_INLINE Float8 Join(Float4 low, Float4 high)
 {
     return {low, high};
+}
+
+LUMENTA_LANES_INLINE Float8 Splat8(float v)
+{
+    return {Splat4(v), Splat4(v)};
 }
 
 LUMENTA_LANES_INLINE Float4 Low(const Float8& v)
@@ -194,11 +208,6 @@ LUMENTA_LANES_INLINE Float8 Select(const std::int32_t* masks, const Float8& a, c
 }
 
 #endif
-
-LUMENTA_LANES_INLINE Float8 Splat8(float value)
-{
-    return Join(Splat4(value), Splat4(value));
-}
 
 LUMENTA_LANES_INLINE Float8 Load8(const float* source)
 {

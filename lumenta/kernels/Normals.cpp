@@ -22,7 +22,7 @@ LUMENTA_LANES_INLINE void AddBlock(const MeshVertex* vertices, const std::uint32
                                    const std::uint32_t* slotOfCorner, std::size_t count, TVec3<float>* sums)
 {
     const Vec8 b = Corners(vertices, indices + 1);
-    Vec8 n = Cross8(Corners(vertices, indices) - b, Corners(vertices, indices + 2) - b);
+    Vec8 n = Cross(Corners(vertices, indices) - b, Corners(vertices, indices + 2) - b);
     // A number divided by 1 is that number: only zero lengths are spared.
     const Float8 divisors = OneForZero(Sqrt8(Square(n)));
     n = {n.x / divisors, n.y / divisors, n.z / divisors};

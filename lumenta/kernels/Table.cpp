@@ -5,7 +5,7 @@
 
 namespace Kernels {
 
-const Table LUMENTA_TABLE(LUMENTA_LEVEL) = {LUMENTA_LEVEL::FindCandidates, LUMENTA_LEVEL::PoseVertices,
+const Table LUMENTA_TABLE(LUMENTA_LEVEL) = {LUMENTA_LEVEL::FindHit, LUMENTA_LEVEL::PoseVertices,
                                             LUMENTA_LEVEL::AddFaceNormals, LUMENTA_LEVEL::NormalizeAll};
 
 } // namespace Kernels
