@@ -198,6 +198,30 @@ private Q_SLOTS:
         }
         QVERIFY2(hits > 5000, qPrintable(QString::number(hits)));
     }
+
+    void ManyTriangles_data() { Levels(); }
+
+    // Enough of them, on shared corners, to be asked for ahead.
+    void ManyTriangles()
+    {
+        QFETCH(const Kernels::Table*, level);
+        Random random(23);
+        std::vector<Vec3> corners(999);
+        for (Vec3& corner : corners)
+            corner = Workloads::RandomVector(random, -1.0f, 1.0f);
+        StandIn::Mesh mesh(corners);
+        mesh.indices.resize(3 * 270005);
+        for (unsigned int& index : mesh.indices)
+            index = random.Below(999);
+        mesh.box = {};
+        for (int i = 0; i < 8; ++i) {
+            const Vec3 start = Workloads::RandomVector(random, -1.0f, 1.0f) + Vec3{i < 4 ? 0.0f : 3.0f, 0.0f, 0.0f};
+            const Vec3 end = start + Workloads::RandomVector(random, -1.0f, 1.0f) * 0.1f;
+            const float ours = TraceTriangles(*level, start, end, 0.0f, mesh.vertices.data(), mesh.indices.data(), 270005);
+            QVERIFY(Same(std::vector<float>{ours}, std::vector<float>{Naive::Trace(Ray(start, end), mesh)}));
+            QCOMPARE(ours < 1.0f, i < 4);
+        }
+    }
 };
 
 QTEST_APPLESS_MAIN(LevelsTest)
