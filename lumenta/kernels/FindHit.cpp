@@ -76,8 +76,8 @@ LUMENTA_LANES_INLINE Line LineOf(const Segment& segment)
     return {Splat(start), Splat((end - start) / usable), Splat8(kGrown * g * g)};
 }
 
-/// Those that can't be passed over.
-LUMENTA_LANES_INLINE unsigned Candidates(const Line& line, const Triangle<Float8>& triangles)
+/// Those that the exact test need not see.
+LUMENTA_LANES_INLINE unsigned PassedOver(const Line& line, const Triangle<Float8>& triangles)
 {
     const Vec8 e1 = triangles.p1 - triangles.p0;
     const Vec8 e2 = triangles.p2 - triangles.p0;
@@ -88,9 +88,7 @@ LUMENTA_LANES_INLINE unsigned Candidates(const Line& line, const Triangle<Float8
     const Float8 l2 = Larger(a2, b2);
     const Float8 l4 = l2 * l2;
     const Float8 c2 = Square(Cross(triangles.p0 - line.start, line.direction));
-    return 0xffu
-           & ~Bits(((c2 - Splat8(kNear) * l2) * n2 > line.grown * l4)
-                   & (n2 > Splat8(kSliver) * l4 + Splat8(1e-20f)));
+    return Bits(((c2 - Splat8(kNear) * l2) * n2 > line.grown * l4) & (n2 > Splat8(kSliver) * l4 + Splat8(1e-20f)));
 }
 
 /// Whether corners are better asked for ahead: where neighbours share them in a mesh
@@ -116,18 +114,26 @@ std::size_t FindHit(const Segment& segment, const MeshVertex* vertices, const st
 {
     const Line line = LineOf(segment);
     const bool isAskedAhead = IsAskedAhead(indices, count);
-    for (; first + kBlock <= count; first += kBlock) {
-        const std::uint32_t* const corners = indices + 3 * first;
+    std::uint32_t lastBlock[3 * kBlock] = {};
+    for (; first < count; first += kBlock) {
+        const std::uint32_t* corners = indices + 3 * first;
+        unsigned asked = 0xffu;
         if (isAskedAhead && first + kIndicesAhead + 2 * kBlock <= count) AskAhead(vertices, corners);
+        if (first + kBlock > count) {
+            asked >>= first + kBlock - count;
+            std::memcpy(lastBlock, corners, 3 * (count - first) * sizeof *corners);
+            corners = lastBlock;
+        }
+
         const Triangle<Float8> triangles = {Corners(vertices, corners), Corners(vertices, corners + 1),
                                             Corners(vertices, corners + 2)};
-        const unsigned candidates = Candidates(line, triangles);
+        const unsigned candidates = asked & ~PassedOver(line, triangles);
         if (candidates == 0) continue;
         const unsigned hits = Meeting<Float8>().Find(Splat(ToVec(segment.start)), Splat(ToVec(segment.end)), triangles,
                                                      Splat8(segment.tolerance), candidates);
         if (hits != 0) return first + static_cast<unsigned>(__builtin_ctz(hits));
     }
-    return first;
+    return count;
 }
 
 } // namespace Kernels::LUMENTA_LEVEL

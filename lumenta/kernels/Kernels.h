@@ -45,9 +45,7 @@ struct PoseQuery {
 
 /// The kernels of one level.
 struct Table {
-    /// The first triangle, from `first` on, that the segment meets. It looks at blocks
-    /// of eight: fewer that are left are not asked.
-    /// \return that triangle, or the first of those left, which is `count` without any
+    /// The first triangle, from `first` on, that the segment meets; `count` for none.
     std::size_t (*findHit)(const Segment& segment, const MeshVertex* vertices, const std::uint32_t* indices,
                            std::size_t count, std::size_t first);
 

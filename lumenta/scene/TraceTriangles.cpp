@@ -2,6 +2,12 @@
 
 #include "lumenta/kernels/TriangleTest.h"
 
+namespace {
+
+constexpr std::size_t kFew = 4; ///< Fewer triangles are faster tested one by one.
+
+} // namespace
+
 float TraceTriangles(const Kernels::Table& kernels, const TVec3<float>& start, const TVec3<float>& end, float tolerance,
                      const MeshVertex* vertices, const std::uint32_t* indices, std::size_t count)
 {
@@ -9,7 +15,7 @@ float TraceTriangles(const Kernels::Table& kernels, const TVec3<float>& start, c
     Kernels::Segment segment{start, end, tolerance};
     float nearest = 1.0f;
     for (std::size_t i = 0; i < count; ++i) {
-        if (i + Kernels::kBlock <= count) i = kernels.findHit(segment, vertices, indices, count, i);
+        if (i + kFew <= count) i = kernels.findHit(segment, vertices, indices, count, i);
         if (i == count) break;
         const auto corner = [&](int k) { return ToVec(vertices[indices[3 * i + k]].position); };
         Meeting<float> hit;
