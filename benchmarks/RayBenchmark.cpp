@@ -118,7 +118,8 @@ void AddRayRows(std::vector<Row>& rows)
             const std::string name = std::string(isSphere ? "TraceSphere/" : "TraceSoup/") + std::to_string(triangles)
                                      + (isHit ? "/hit" : "/miss");
             const auto make = isSphere ? MakeSphere : MakeSoup;
-            rows.push_back({name, "triangle", triangles <= 10000, targets, [=] { return Tracing(make, triangles, isHit); }});
+            rows.push_back(
+                {name, "triangle", triangles <= 10000, targets, [=] { return Tracing(make, triangles, isHit); }});
         }
     };
     const std::vector<Target> usual{AtLeast(10.0, kNaive), AtLeast(3.2, kGlm)};

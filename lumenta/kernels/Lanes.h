@@ -72,8 +72,7 @@ using Mask8 = std::int32_t __attribute__((vector_size(32)));
 
 LUMENTA_LANES_INLINE Float8 Join(Float4 low, Float4 high)
 {
-    return reinterpret_cast<Float8>(
-        _mm256_set_m128(reinterpret_cast<__m128>(high), reinterpret_cast<__m128>(low)));
+    return reinterpret_cast<Float8>(_mm256_set_m128(reinterpret_cast<__m128>(high), reinterpret_cast<__m128>(low)));
 }
 
 LUMENTA_LANES_INLINE Float8 Splat8(float v)

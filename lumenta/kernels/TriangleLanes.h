@@ -9,10 +9,25 @@
 namespace {
 
 // What Lanes.h has for eight.
-LUMENTA_LANES_INLINE float Sqrt(float v) { return __builtin_sqrtf(v); }
-LUMENTA_LANES_INLINE float OneForZero(float v) { return v == 0.0f ? 1.0f : v; }
-LUMENTA_LANES_INLINE unsigned Bits(bool is) { return is; }
-LUMENTA_LANES_INLINE Float8 Sqrt(const Float8& v) { return Sqrt8(v); }
+LUMENTA_LANES_INLINE float Sqrt(float v)
+{
+    return __builtin_sqrtf(v);
+}
+
+LUMENTA_LANES_INLINE float OneForZero(float v)
+{
+    return v == 0.0f ? 1.0f : v;
+}
+
+LUMENTA_LANES_INLINE unsigned Bits(bool is)
+{
+    return is;
+}
+
+LUMENTA_LANES_INLINE Float8 Sqrt(const Float8& v)
+{
+    return Sqrt8(v);
+}
 
 template <typename Number>
 struct Vec {

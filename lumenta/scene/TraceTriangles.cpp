@@ -17,7 +17,7 @@ float TraceTriangles(const Kernels::Table& kernels, const TVec3<float>& start, c
     for (std::size_t i = 0; i < count; ++i) {
         if (i + kFew <= count) i = kernels.findHit(segment, vertices, indices, count, i);
         if (i == count) break;
-        const auto corner = [&](int k) { return ToVec(vertices[indices[3 * i + k]].position); };
+        const auto corner = [&](std::size_t k) { return ToVec(vertices[indices[3 * i + k]].position); };
         Meeting<float> hit;
         if (hit.Find(ToVec(segment.start), ToVec(segment.end), {corner(0), corner(1), corner(2)}, tolerance, 1u) == 0)
             continue;

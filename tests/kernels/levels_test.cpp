@@ -53,9 +53,10 @@ std::vector<Vec3> HardTriangles(Random& random, const Ray& ray, float scale, con
         Vec3 a = places[std::min(random.Below(6), 2u)];
         const Vec3 u = Workloads::RandomVector(random, -size, size);
         const float thins[] = {0.5f, PowerOf10(random, -3.0f, -1.0f), PowerOf10(random, -7.0f, 0.0f), 0.0f};
-        const Vec3 v = u * random.Between(-1.0f, 2.0f)
-                       + Workloads::RandomVector(random, -size, size) * thins[random.Below(4)];
-        const float distances[] = {0.0f, tolerance * PowerOf10(random, -1.0f, 3.0f), scale * PowerOf10(random, -7.0f, 0.5f)};
+        const Vec3 v =
+            u * random.Between(-1.0f, 2.0f) + Workloads::RandomVector(random, -size, size) * thins[random.Below(4)];
+        const float distances[] = {0.0f, tolerance * PowerOf10(random, -1.0f, 3.0f),
+                                   scale * PowerOf10(random, -7.0f, 0.5f)};
         if (random.Below(3) == 0)
             a = a - u * random.Between(-1.5f, 1.5f) - v * random.Between(-1.5f, 1.5f);
         else
