@@ -11,6 +11,7 @@ decltype(Naive::Inverse) Inverse;
 decltype(Naive::CalculateAnimation) CalculateAnimation;
 decltype(Naive::UpdateMesh) UpdateMesh;
 decltype(Naive::CollectNormals) CollectNormals;
+decltype(Naive::NormalizeAll) NormalizeAll;
 decltype(Naive::SetNormals) SetNormals;
 decltype(Naive::PoseMeshes) PoseMeshes;
 decltype(Naive::Trace) Trace;

@@ -3,6 +3,7 @@
 #include "benchmarks/Peers.h"
 #include "benchmarks/Rows.h"
 #include "benchmarks/Workloads.h"
+#include "lumenta/kernels/Kernels.h"
 
 namespace Bench {
 
@@ -79,6 +80,22 @@ Contest Collecting(std::size_t size)
     RequireSame(
         ways, [&] { skin->Clear(); }, [&] { return skin->normals; });
     return {skin->geometry.indices.size() / 3, ways};
+}
+
+/// The buffer alone, by a kernel that only CreateMeshes() calls.
+Contest Normalizing(std::size_t size)
+{
+    const auto skin = std::make_shared<Skin>(size, Influences::Four);
+    std::vector<TVec3<float>>& normals = skin->normals;
+    const std::vector<Way> ways{{kOurs, [&normals, skin] { Kernels::Chosen().normalizeAll(normals.data(), normals.size()); }},
+                                {kNaive, [&normals, skin] { Naive::NormalizeAll(normals); }},
+                                {kNaiveO3, [&normals, skin] { NaiveO3::NormalizeAll(normals); }}};
+    const auto reset = [&] {
+        skin->Clear();
+        skin->geometry.CollectNormals(normals);
+    };
+    RequireSame(ways, reset, [&] { return normals; });
+    return {normals.size(), ways};
 }
 
 Contest Writing(std::size_t size)
@@ -170,6 +187,7 @@ void AddNormals(std::vector<Row>& rows, std::size_t size, bool isInCache)
     };
     rows.push_back(
         {"Normals/collect" + suffix, "triangle", isInCache, target(1.75), [size] { return Collecting(size); }});
+    rows.push_back({"Normals/normalise" + suffix, "normal", isInCache, target(4.5), [size] { return Normalizing(size); }});
     rows.push_back({"Normals/write" + suffix, "corner", isInCache, target(1.5), [size] { return Writing(size); }});
     rows.push_back({"Normals/all" + suffix, "vertex", isInCache, {}, [size] { return Making(size, false); }});
     rows.push_back({"CreateMeshes" + suffix, "vertex", isInCache, {}, [size] { return Making(size, true); }});
@@ -193,11 +211,14 @@ void AddSkinRows(std::vector<Row>& rows)
         AddSkinning(rows, size, Influences::Four, {AtLeast(1.0, kNaive), AtLeast(1.0, kNaiveO3)});
     for (const std::size_t size : {5000, 50000})
         AddSkinning(rows, size, Influences::Four, {AtLeast(4.0, kNaiveO3)});
+    for (const std::size_t size : {10000, 100000, 1000000})
+        AddSkinning(rows, size, Influences::Four, {});
     AddSkinning(rows, 500000, Influences::Four, {AtLeast(4.0, kNaiveO3), AtMost(1.6, kTouch)});
     AddSkinning(rows, 50000, Influences::Random, {AtLeast(4.5, kNaive), AtMost(1.15, "UpdateMesh/four/50000")});
     AddSkinning(rows, 50000, Influences::InRuns, {AtLeast(4.5, kNaive), AtMost(0.85, "UpdateMesh/four/50000")});
     AddNormals(rows, 5000, true);
-    AddNormals(rows, 500000, false);
+    for (const std::size_t size : {10000, 100000, 1000000})
+        AddNormals(rows, size, false);
     AddPosing(rows, 60, 300, 3.7);
     AddPosing(rows, 500, 3000, 45.0);
 }

@@ -70,14 +70,23 @@ LUMENTA_LANES_INLINE unsigned Bits4(Mask4 mask)
 using Float8 = float __attribute__((vector_size(32)));
 using Mask8 = std::int32_t __attribute__((vector_size(32)));
 
-LUMENTA_LANES_INLINE Float8 Join(Float4 low, Float4 high)
+LUMENTA_LANES_INLINE Float8 Splat8(float value)
 {
-    return reinterpret_cast<Float8>(_mm256_set_m128(reinterpret_cast<__m128>(high), reinterpret_cast<__m128>(low)));
+    return Float8{value, value, value, value, value, value, value, value};
 }
 
-LUMENTA_LANES_INLINE Float8 Splat8(float v)
+LUMENTA_LANES_INLINE Float8 Load8(const float* source)
 {
-    return Float8{v, v, v, v, v, v, v, v};
+    Float8 lanes;
+    std::memcpy(&lanes, source, sizeof lanes);
+    return lanes;
+}
+
+LUMENTA_LANES_INLINE Float8 Join(Float4 low, Float4 high)
+{
+    // As an intrinsic, because GCC takes its second half from memory only then.
+    return reinterpret_cast<Float8>(
+        _mm256_insertf128_ps(_mm256_castps128_ps256(reinterpret_cast<__m128>(low)), reinterpret_cast<__m128>(high), 1));
 }
 
 LUMENTA_LANES_INLINE Float4 Low(Float8 v)
@@ -87,7 +96,7 @@ LUMENTA_LANES_INLINE Float4 Low(Float8 v)
 
 LUMENTA_LANES_INLINE Float4 High(Float8 v)
 {
-    return __builtin_shufflevector(v, v, 4, 5, 6, 7);
+    return reinterpret_cast<Float4>(_mm256_extractf128_ps(reinterpret_cast<__m256>(v), 1));
 }
 
 /// Of each half of four: A to D name lanes, those of `b` counted from 4.
@@ -107,6 +116,11 @@ LUMENTA_LANES_INLINE Float8 Sqrt8(Float8 v)
 LUMENTA_LANES_INLINE Float8 Abs(Float8 v)
 {
     return reinterpret_cast<Float8>(reinterpret_cast<Mask8>(v) & 0x7fffffff);
+}
+
+LUMENTA_LANES_INLINE Float8 OneForZero(Float8 v)
+{
+    return v == 0.0f ? Splat8(1.0f) : v;
 }
 
 LUMENTA_LANES_INLINE Float8 Larger(Float8 a, Float8 b)
@@ -149,16 +163,23 @@ struct Float8 {
     LUMENTA_LANES_INLINE Mask8 operator<(const Float8& b) const { return {low < b.low, high < b.high}; }
     LUMENTA_LANES_INLINE Mask8 operator>=(const Float8& b) const { return {low >= b.low, high >= b.high}; }
     LUMENTA_LANES_INLINE Mask8 operator<=(const Float8& b) const { return {low <= b.low, high <= b.high}; }
+    LUMENTA_LANES_INLINE Mask8 operator==(const Float8& b) const { return {low == b.low, high == b.high}; }
 };
+
+LUMENTA_LANES_INLINE Float8 Splat8(float value)
+{
+    return {Splat4(value), Splat4(value)};
+}
 
 LUMENTA_LANES_INLINE Float8 Join(Float4 low, Float4 high)
 {
     return {low, high};
 }
 
-LUMENTA_LANES_INLINE Float8 Splat8(float v)
+/// Half by half: a copy of the whole would make GCC go by way of the stack.
+LUMENTA_LANES_INLINE Float8 Load8(const float* source)
 {
-    return {Splat4(v), Splat4(v)};
+    return {Load4(source), Load4(source + 4)};
 }
 
 LUMENTA_LANES_INLINE Float4 Low(const Float8& v)
@@ -187,6 +208,11 @@ LUMENTA_LANES_INLINE Float8 Abs(const Float8& v)
     return {Abs4(v.low), Abs4(v.high)};
 }
 
+LUMENTA_LANES_INLINE Float8 OneForZero(const Float8& v)
+{
+    return {OneForZero4(v.low), OneForZero4(v.high)};
+}
+
 LUMENTA_LANES_INLINE Float8 Larger(const Float8& a, const Float8& b)
 {
     return {a.low > b.low ? a.low : b.low, a.high > b.high ? a.high : b.high};
@@ -207,17 +233,5 @@ LUMENTA_LANES_INLINE Float8 Select(const std::int32_t* masks, const Float8& a, c
 }
 
 #endif
-
-LUMENTA_LANES_INLINE Float8 Load8(const float* source)
-{
-    Float8 lanes;
-    std::memcpy(&lanes, source, sizeof lanes);
-    return lanes;
-}
-
-LUMENTA_LANES_INLINE Float8 OneForZero(const Float8& v)
-{
-    return Join(OneForZero4(Low(v)), OneForZero4(High(v)));
-}
 
 } // namespace

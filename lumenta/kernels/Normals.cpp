@@ -1,6 +1,6 @@
 // Normals of triangles, and their sums.
 //
-// What one triangle adds to its slotOfCorner is worked out for eight triangles side by
+// What one triangle adds to its slots is worked out for eight triangles side by
 // side; the adding itself goes on one after the other, in the order of the
 // triangles, since it is the order that rounds.
 
@@ -11,30 +11,51 @@ namespace Kernels::LUMENTA_LEVEL {
 
 namespace {
 
-LUMENTA_LANES_INLINE void Add(Float4 normal, const std::uint32_t* slotOfCorner, TVec3<float>* sums)
-{
-    for (int corner = 0; corner < 3; ++corner)
-        Store3(sums[slotOfCorner[corner]], Load3(sums[slotOfCorner[corner]]) + normal);
-}
+/// Triangles whose normals are worked out before any is added, lest the adding waits
+/// for roots and divisions.
+constexpr std::size_t kTriangles = 32;
 
-/// Of eight triangles; those behind `count` are not there.
-LUMENTA_LANES_INLINE void AddBlock(const MeshVertex* vertices, const std::uint32_t* indices,
-                                   const std::uint32_t* slotOfCorner, std::size_t count, TVec3<float>* sums)
+using Float2 = float __attribute__((vector_size(8)));
+
+/// Normals of triangles as their sums take them: two components, and the third apart.
+struct FaceNormals {
+    float xy[2 * kTriangles];
+    float z[kTriangles];
+};
+
+/// Of eight triangles.
+LUMENTA_LANES_INLINE void FillEight(FaceNormals& normals, std::size_t at, const MeshVertex* vertices,
+                                    const std::uint32_t* indices)
 {
     const Vec8 b = Corners(vertices, indices + 1);
-    Vec8 n = Cross(Corners(vertices, indices) - b, Corners(vertices, indices + 2) - b);
+    const Vec8 n = Cross(Corners(vertices, indices) - b, Corners(vertices, indices + 2) - b);
     // A number divided by 1 is that number: only zero lengths are spared.
     const Float8 divisors = OneForZero(Sqrt8(Square(n)));
-    n = {n.x / divisors, n.y / divisors, n.z / divisors};
+    const Float8 x = n.x / divisors;
+    const Float8 y = n.y / divisors;
+    const Float8 z = n.z / divisors;
+    const Float8 low = Mix<0, 4, 1, 5>(x, y);
+    const Float8 high = Mix<2, 6, 3, 7>(x, y);
+    float* const xy = normals.xy + 2 * at;
+    Store4(xy, Low(low));
+    Store4(xy + 4, Low(high));
+    Store4(xy + 8, High(low));
+    Store4(xy + 12, High(high));
+    Store4(normals.z + at, Low(z));
+    Store4(normals.z + at + 4, High(z));
+}
 
-    const Float8 xyOfFirst = Mix<0, 4, 1, 5>(n.x, n.y);
-    const Float8 xyOfOthers = Mix<2, 6, 3, 7>(n.x, n.y);
-    const Float8 triangles[4] = {Mix<0, 1, 4, 4>(xyOfFirst, n.z), Mix<2, 3, 5, 5>(xyOfFirst, n.z),
-                                 Mix<0, 1, 6, 6>(xyOfOthers, n.z), Mix<2, 3, 7, 7>(xyOfOthers, n.z)};
-    for (std::size_t i = 0; i < 4 && i < count; ++i)
-        Add(Low(triangles[i]), slotOfCorner + 3 * i, sums);
-    for (std::size_t i = 4; i < 8 && i < count; ++i)
-        Add(High(triangles[i - 4]), slotOfCorner + 3 * i, sums);
+/// A triangle mostly waits for a sum of the one before it: nothing but the addition
+/// stands between reading a sum and writing it.
+LUMENTA_LANES_INLINE void Add(const FaceNormals& normals, std::size_t i, TVec3<float>& sum)
+{
+    Float2 summand;
+    Float2 xy;
+    std::memcpy(&summand, normals.xy + 2 * i, sizeof summand);
+    std::memcpy(&xy, &sum.x, sizeof xy);
+    xy = xy + summand;
+    std::memcpy(&sum.x, &xy, sizeof xy);
+    sum.z = sum.z + normals.z[i];
 }
 
 } // namespace
@@ -42,13 +63,29 @@ LUMENTA_LANES_INLINE void AddBlock(const MeshVertex* vertices, const std::uint32
 void AddFaceNormals(const MeshVertex* vertices, const std::uint32_t* indices, const std::uint32_t* slotOfCorner,
                     std::size_t count, TVec3<float>* sums)
 {
-    std::size_t i = 0;
-    for (; i + kBlock <= count; i += kBlock)
-        AddBlock(vertices, indices + 3 * i, slotOfCorner + 3 * i, kBlock, sums);
-    if (i == count) return;
-    std::uint32_t rest[3 * kBlock] = {};
-    std::memcpy(rest, indices + 3 * i, 3 * (count - i) * sizeof *rest);
-    AddBlock(vertices, rest, slotOfCorner + 3 * i, count - i, sums);
+    FaceNormals normals;
+    for (std::size_t first = 0; first < count; first += kTriangles) {
+        const std::size_t size = count - first < kTriangles ? count - first : kTriangles;
+        const std::uint32_t* const corners = indices + 3 * first;
+        std::size_t i = 0;
+        for (; i + kBlock <= size; i += kBlock)
+            FillEight(normals, i, vertices, corners + 3 * i);
+        if (i < size) {
+            std::uint32_t rest[3 * kBlock] = {};
+            std::memcpy(rest, corners + 3 * i, 3 * (size - i) * sizeof *rest);
+            FillEight(normals, i, vertices, rest);
+        }
+        const std::uint32_t* slots = slotOfCorner + 3 * first;
+        for (i = 0; i < size; ++i, slots += 3) {
+            // Read before a sum is written, which might be one of them for all the compiler knows.
+            const std::uint32_t a = slots[0];
+            const std::uint32_t b = slots[1];
+            const std::uint32_t c = slots[2];
+            Add(normals, i, sums[a]);
+            Add(normals, i, sums[b]);
+            Add(normals, i, sums[c]);
+        }
+    }
 }
 
 void NormalizeAll(TVec3<float>* normals, std::size_t count)

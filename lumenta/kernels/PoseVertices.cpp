@@ -1,19 +1,18 @@
 // Moves vertices by the bones that hold them.
 //
 // A matrix row is four lanes, so a point times a matrix is three products of a
-// broadcast component with a row: lane by lane the scalar terms in the scalar
-// order. A vertex's normal stands in the other four lanes beside its position,
-// and beside each row of a bone one of its turned inverse; where the position
-// has a fourth row to add, the normal adds -0, which changes no number. Lanes
-// that no component stands in carry whatever falls out and are never stored.
+// component, spread over the lanes, with a row: lane by lane the scalar terms in
+// the scalar order. A vertex's normal stands in the other four lanes beside its
+// position, and beside each row of a bone one of its turned inverse; where the
+// position has a fourth row to add, the normal adds -0, which changes no number.
+// Lanes that no component stands in carry whatever falls out; the one behind a
+// position is stored, and overwritten by the normal that belongs there.
 //
-// Vertices are taken in groups. Where all of a group are held by as many bones,
-// nothing is asked about any of them. Otherwise four shares are worked out for
-// each, those that it lacks with a bone that exists, and a sum is selected, not
-// added: what is left out may be no number. That is cheaper than a branch which
-// nobody can predict.
-//
-// Roots and divisions come after the sums, in blocks: they would stall them.
+// Nothing that one vertex becomes depends on another, so the order in which they
+// are taken is free. Those of a block that are held by as many bones are taken
+// together: no branch asks about a single vertex, nobody could predict it. Four
+// (or two) go side by side, because the sums of one alone would wait for each
+// other. Roots and divisions come after the sums, they would hold them up.
 
 #include "lumenta/kernels/Kernels.h"
 #include "lumenta/kernels/Lanes.h"
@@ -25,12 +24,49 @@ namespace {
 
 using SkinAnimation::SkinVertex;
 
-constexpr std::size_t kGroup = 4;
-constexpr std::size_t kNormals = 32; ///< In a block.
+/// Vertices of a block, a bit for each.
+using Set = std::uint32_t;
+
+constexpr std::size_t kVertices = 32; ///< In a block.
+constexpr Set kAll = ~Set{0};
+
+/// The vertices of a block that at least so many bones hold.
+struct Held {
+    Set byOne = 0;
+    Set byTwo = 0;
+    Set byThree = 0;
+    Set byFour = 0;
+};
 
 struct Rows {
     Float8 row[4];
 };
+
+/// What all vertices are posed with.
+struct Pose {
+    Rows bind;
+    Rows rigid;
+    Float8 scale;
+    Float8 offset;
+    const BoneRows* bones;
+};
+
+/// A block of vertices before and after. Its normals lie aside until all are there.
+struct Block {
+    const SkinVertex* in;
+    MeshVertex* out;
+    Float4* normals;
+};
+
+/// Components, each spread over the four lanes of the position or the normal.
+struct Spread {
+    Float8 x, y, z;
+};
+
+LUMENTA_LANES_INLINE Spread SpreadOf(const Float8& v)
+{
+    return {Mix<0, 0, 0, 0>(v, v), Mix<1, 1, 1, 1>(v, v), Mix<2, 2, 2, 2>(v, v)};
+}
 
 LUMENTA_LANES_INLINE Rows Load(const BoneRows& source)
 {
@@ -38,10 +74,9 @@ LUMENTA_LANES_INLINE Rows Load(const BoneRows& source)
 }
 
 /// Position and normal times their matrices.
-LUMENTA_LANES_INLINE Float8 Move(const Float8& v, const Rows& m)
+LUMENTA_LANES_INLINE Float8 Move(const Spread& v, const Rows& m)
 {
-    return Mix<0, 0, 0, 0>(v, v) * m.row[0] + Mix<1, 1, 1, 1>(v, v) * m.row[1] + Mix<2, 2, 2, 2>(v, v) * m.row[2]
-           + m.row[3];
+    return v.x * m.row[0] + v.y * m.row[1] + v.z * m.row[2] + m.row[3];
 }
 
 LUMENTA_LANES_INLINE Float8 PositionAndNormal(const SkinVertex& v)
@@ -49,176 +84,145 @@ LUMENTA_LANES_INLINE Float8 PositionAndNormal(const SkinVertex& v)
     return Join(Load4(&v.position), Load4(&v.normal));
 }
 
-/// How many bones hold it: none of a vertex whose first weight is not positive.
-LUMENTA_LANES_INLINE int HoldsOf(const SkinVertex& v)
+/// Of eight vertices. A first weight that is not positive holds nothing, and one of
+/// exactly 0 ends the list.
+LUMENTA_LANES_INLINE Held HeldOfEight(const SkinVertex* v)
 {
-    const unsigned zeros = Bits4(Load4(v.weights) == 0.0f);
-    return v.weights[0] > 0.0f ? __builtin_ctz(zeros | 16u) : 0;
+    const auto weights = [=](int i) { return Join(Load4(v[i].weights), Load4(v[i + 4].weights)); };
+    const auto isNotZero = [](const Float8& w) { return ~Bits(w == Splat8(0.0f)) & 0xffu; };
+    const Float8 a = weights(0);
+    const Float8 b = weights(1);
+    const Float8 c = weights(2);
+    const Float8 d = weights(3);
+    const Float8 firstOfAB = Mix<0, 4, 1, 5>(a, b);
+    const Float8 firstOfCD = Mix<0, 4, 1, 5>(c, d);
+    const Float8 lastOfAB = Mix<2, 6, 3, 7>(a, b);
+    const Float8 lastOfCD = Mix<2, 6, 3, 7>(c, d);
+    Held held;
+    held.byOne = Bits(Mix<0, 1, 4, 5>(firstOfAB, firstOfCD) > Splat8(0.0f));
+    held.byTwo = held.byOne & isNotZero(Mix<2, 3, 6, 7>(firstOfAB, firstOfCD));
+    held.byThree = held.byTwo & isNotZero(Mix<0, 1, 4, 5>(lastOfAB, lastOfCD));
+    held.byFour = held.byThree & isNotZero(Mix<2, 3, 6, 7>(lastOfAB, lastOfCD));
+    return held;
 }
 
-/// What one of the bones adds.
-LUMENTA_LANES_INLINE Float8 Share(const BoneRows& bone, const Float8& bound, float weight)
+LUMENTA_LANES_INLINE Held HeldOf(const SkinVertex* block)
 {
-    return Move(bound, Load(bone)) * Splat8(weight);
+    Held held;
+    for (std::size_t i = 0; i < kVertices; i += 8) {
+        const Held eight = HeldOfEight(block + i);
+        held.byOne |= eight.byOne << i;
+        held.byTwo |= eight.byTwo << i;
+        held.byThree |= eight.byThree << i;
+        held.byFour |= eight.byFour << i;
+    }
+    return held;
 }
 
-/// A vertex that `Count` bones hold.
+/// `N` vertices that `Count` bones hold.
+template <int Count, std::size_t N>
+LUMENTA_LANES_INLINE void PoseSideBySide(const Pose& pose, const Block& block, const std::size_t (&places)[N])
+{
+    Float8 sums[N];
+    if constexpr (Count == 0) {
+        for (std::size_t i = 0; i < N; ++i)
+            sums[i] = Move(SpreadOf(PositionAndNormal(block.in[places[i]])), pose.rigid);
+    } else {
+        Spread bound[N];
+        for (std::size_t i = 0; i < N; ++i) {
+            bound[i] = SpreadOf(Move(SpreadOf(PositionAndNormal(block.in[places[i]])), pose.bind));
+            sums[i] = Splat8(0.0f);
+        }
+        for (int j = 0; j < Count; ++j)
+            for (std::size_t i = 0; i < N; ++i) {
+                const SkinVertex& v = block.in[places[i]];
+                sums[i] = sums[i] + Move(bound[i], Load(pose.bones[v.boneIndices[j]])) * Splat8(v.weights[j]);
+            }
+    }
+    for (std::size_t i = 0; i < N; ++i) {
+        const Float8 placed = sums[i] * pose.scale + pose.offset;
+        MeshVertex* const posed = block.out + places[i];
+        Store4(posed, Low(placed));
+        posed->texCoord = block.in[places[i]].texCoord;
+        block.normals[places[i]] = High(placed);
+    }
+}
+
+LUMENTA_LANES_INLINE std::size_t TakeFirst(Set& set)
+{
+    const int first = __builtin_ctz(set);
+    set &= set - 1;
+    return static_cast<std::size_t>(first);
+}
+
+/// Those of `set`, all of whom `Count` bones hold.
 template <int Count>
-LUMENTA_LANES_INLINE Float8 Held(const BoneRows* bones, const Rows& bind, const SkinVertex& v)
+LUMENTA_LANES_INLINE void PoseAlike(const Pose& pose, const Block& block, Set set)
 {
-    const Float8 bound = Move(PositionAndNormal(v), bind);
-    Float8 sum = Splat8(0.0f);
-    for (int j = 0; j < Count; ++j)
-        sum = sum + Share(bones[v.boneIndices[j]], bound, v.weights[j]);
-    return sum;
-}
-
-LUMENTA_LANES_INLINE Float8 PoseOne(const PoseQuery& query, const Rows& bind, const Rows& rigid, const SkinVertex& v)
-{
-    switch (query.isSkinned ? HoldsOf(v) : 0) {
-    case 1:
-        return Held<1>(query.bones, bind, v);
-    case 2:
-        return Held<2>(query.bones, bind, v);
-    case 3:
-        return Held<3>(query.bones, bind, v);
-    case 4:
-        return Held<4>(query.bones, bind, v);
-    default:
-        return Move(PositionAndNormal(v), rigid);
+    if (set == kAll) {
+        for (std::size_t i = 0; i < kVertices; i += 4)
+            PoseSideBySide<Count>(pose, block, {i, i + 1, i + 2, i + 3});
+        return;
+    }
+    while (set != 0) {
+        const std::size_t first = TakeFirst(set);
+        if (set == 0)
+            PoseSideBySide<Count>(pose, block, {first});
+        else
+            PoseSideBySide<Count>(pose, block, {first, TakeFirst(set)});
     }
 }
 
-template <int Count>
-LUMENTA_LANES_INLINE void PoseAlike(const BoneRows* bones, const Rows& bind, const SkinVertex* v, Float8* sums)
-{
-    for (std::size_t i = 0; i < kGroup; ++i)
-        sums[i] = Held<Count>(bones, bind, v[i]);
-}
-
-/// The masks of the four shares, by how many count.
-struct Alive {
-    alignas(32) std::int32_t masks[5][4][8];
-
-    constexpr Alive()
-        : masks{}
-    {
-        for (int count = 0; count < 5; ++count)
-            for (int j = 0; j < count; ++j)
-                for (std::int32_t& lane : masks[count][j])
-                    lane = -1;
-    }
-};
-constexpr Alive kAlive;
-
-/// A vertex that `count` bones hold, without asking how many: the shares of
-/// others are worked out with a bone that exists, and left out.
-LUMENTA_LANES_INLINE Float8 HeldByAny(const BoneRows* bones, const Rows& bind, const SkinVertex& v, int count)
-{
-    const Float8 bound = Move(PositionAndNormal(v), bind);
-    Float8 sum = Splat8(0.0f);
-    for (int j = 0; j < 4; ++j) {
-        const std::int32_t* const alive = kAlive.masks[count][j];
-        const int bone = v.boneIndices[j] & *alive;
-        sum = Select(alive, sum + Share(bones[bone], bound, v.weights[j]), sum);
-    }
-    return sum;
-}
-
-/// \return whether it was done: a vertex that no bone holds spoils the group
-LUMENTA_LANES_INLINE bool PoseGroup(const BoneRows* bones, const Rows& bind, const SkinVertex* v, Float8* sums)
-{
-    const int holds[kGroup] = {HoldsOf(v[0]), HoldsOf(v[1]), HoldsOf(v[2]), HoldsOf(v[3])};
-    int least = holds[0];
-    int most = holds[0];
-    for (const int each : holds) {
-        least = each < least ? each : least;
-        most = each > most ? each : most;
-    }
-    if (least == 0) return false;
-    if (least != most)
-        for (std::size_t i = 0; i < kGroup; ++i)
-            sums[i] = HeldByAny(bones, bind, v[i], holds[i]);
-    else if (most == 4)
-        PoseAlike<4>(bones, bind, v, sums);
-    else if (most == 3)
-        PoseAlike<3>(bones, bind, v, sums);
-    else if (most == 2)
-        PoseAlike<2>(bones, bind, v, sums);
-    else
-        PoseAlike<1>(bones, bind, v, sums);
-    return true;
-}
-
-/// The lengths of four normals, 1 in place of 0: divided by 1, a number is what
-/// it was.
-LUMENTA_LANES_INLINE Float4 Divisors(const Float4* normals)
-{
-    const Float4 a = normals[0] * normals[0];
-    const Float4 b = normals[1] * normals[1];
-    const Float4 c = normals[2] * normals[2];
-    const Float4 d = normals[3] * normals[3];
-    const Float4 xyOfAB = __builtin_shufflevector(a, b, 0, 4, 1, 5);
-    const Float4 xyOfCD = __builtin_shufflevector(c, d, 0, 4, 1, 5);
-    const Float4 zOfAB = __builtin_shufflevector(a, b, 2, 6, 3, 7);
-    const Float4 zOfCD = __builtin_shufflevector(c, d, 2, 6, 3, 7);
-    const Float4 length =
-        Sqrt4(__builtin_shufflevector(xyOfAB, xyOfCD, 0, 1, 4, 5) + __builtin_shufflevector(xyOfAB, xyOfCD, 2, 3, 6, 7)
-              + __builtin_shufflevector(zOfAB, zOfCD, 0, 1, 4, 5));
-    return OneForZero4(length);
-}
-
-/// Of a block whose normals lie aside, each divided by its length where that is
-/// not exactly 0.
+/// Divides eight normals, each by its length where that is not exactly 0.
 LUMENTA_LANES_INLINE void StoreNormals(const Float4* normals, std::size_t count, MeshVertex* posed)
 {
-    std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        const Float4 divisors = Divisors(normals + i);
-        for (std::size_t n = 0; n < 4; ++n)
-            Store3(posed[i + n].normal, normals[i + n] / Splat4(divisors[n]));
-    }
-    if (i == count) return;
-    const Float4 divisors = Divisors(normals + i);
-    for (std::size_t n = 0; i + n < count; ++n)
-        Store3(posed[i + n].normal, normals[i + n] / Splat4(divisors[n]));
+    const Float8 a = Join(normals[0], normals[4]);
+    const Float8 b = Join(normals[1], normals[5]);
+    const Float8 c = Join(normals[2], normals[6]);
+    const Float8 d = Join(normals[3], normals[7]);
+    const Float8 xyOfAB = Mix<0, 4, 1, 5>(a, b);
+    const Float8 xyOfCD = Mix<0, 4, 1, 5>(c, d);
+    const Float8 x = Mix<0, 1, 4, 5>(xyOfAB, xyOfCD);
+    const Float8 y = Mix<2, 3, 6, 7>(xyOfAB, xyOfCD);
+    const Float8 z = Mix<0, 1, 4, 5>(Mix<2, 6, 3, 7>(a, b), Mix<2, 6, 3, 7>(c, d));
+    // A number divided by 1 is that number: only zero lengths are spared.
+    const Float8 divisors = OneForZero(Sqrt8(x * x + y * y + z * z));
+    const Float8 units[4] = {a / Mix<0, 0, 0, 0>(divisors, divisors), b / Mix<1, 1, 1, 1>(divisors, divisors),
+                             c / Mix<2, 2, 2, 2>(divisors, divisors), d / Mix<3, 3, 3, 3>(divisors, divisors)};
+    for (std::size_t i = 0; i < 4 && i < count; ++i)
+        Store3(posed[i].normal, Low(units[i]));
+    for (std::size_t i = 4; i < 8 && i < count; ++i)
+        Store3(posed[i].normal, High(units[i - 4]));
 }
 
-/// Places the sums of a vertex; its normal is put aside.
-LUMENTA_LANES_INLINE void Place(const Float8& sums, const Float8& scale, const Float8& offset, const SkinVertex& vertex,
-                                MeshVertex& posed, Float4& normal)
+/// \param present of its vertices, in `block.out`; all can be read in `block.in`
+LUMENTA_LANES_INLINE void PoseBlock(const Pose& pose, const Block& block, Set present, bool isSkinned)
 {
-    const Float8 placed = sums * scale + offset;
-    Store3(posed.position, Low(placed));
-    normal = High(placed);
-    posed.texCoord = vertex.texCoord;
+    const Held held = isSkinned ? HeldOf(block.in) : Held();
+    PoseAlike<4>(pose, block, present & held.byFour);
+    PoseAlike<3>(pose, block, present & held.byThree & ~held.byFour);
+    PoseAlike<2>(pose, block, present & held.byTwo & ~held.byThree);
+    PoseAlike<1>(pose, block, present & held.byOne & ~held.byTwo);
+    PoseAlike<0>(pose, block, present & ~held.byOne);
 }
 
 } // namespace
 
 void PoseVertices(const PoseQuery& query, const SkinVertex* vertices, std::size_t count, MeshVertex* posed)
 {
-    const Rows bind = Load(query.bind);
-    const Rows rigid = Load(query.rigid);
-    const Float8 scale = Load8(query.scale);
-    const Float8 offset = Load8(query.offset);
-
-    Float4 normals[kNormals] = {};
-    for (std::size_t first = 0; first < count; first += kNormals) {
-        const std::size_t size = count - first < kNormals ? count - first : kNormals;
-        const SkinVertex* const in = vertices + first;
-        MeshVertex* const out = posed + first;
-        for (std::size_t i = 0; i < size;) {
-            Float8 sums[kGroup];
-            if (query.isSkinned && i + kGroup <= size && PoseGroup(query.bones, bind, in + i, sums)) {
-                for (std::size_t n = 0; n < kGroup; ++n, ++i)
-                    Place(sums[n], scale, offset, in[i], out[i], normals[i]);
-            } else {
-                Place(PoseOne(query, bind, rigid, in[i]), scale, offset, in[i], out[i], normals[i]);
-                ++i;
-            }
+    const Pose pose = {Load(query.bind), Load(query.rigid), Load8(query.scale), Load8(query.offset), query.bones};
+    Float4 normals[kVertices] = {};
+    SkinVertex rest[kVertices];
+    for (std::size_t first = 0; first < count; first += kVertices) {
+        const std::size_t size = count - first < kVertices ? count - first : kVertices;
+        Block block = {vertices + first, posed + first, normals};
+        if (size < kVertices) {
+            std::memcpy(static_cast<void*>(rest), block.in, size * sizeof *rest);
+            block.in = rest;
         }
-        StoreNormals(normals, size, out);
+        PoseBlock(pose, block, kAll >> (kVertices - size), query.isSkinned);
+        for (std::size_t i = 0; i < size; i += 8)
+            StoreNormals(normals + i, size - i, block.out + i);
     }
 }
 

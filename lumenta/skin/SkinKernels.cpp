@@ -101,25 +101,29 @@ void PoseVertices(const Kernels::Table& kernels, const PoseInput& input, const S
 void SetCornerNormals(const std::uint32_t* indices, const std::uint32_t* slotOfCorner, std::size_t count,
                       const TVec3<float>* normals, MeshVertex* vertices, std::size_t vertexCount)
 {
-    // Two passes over what no cache holds would take longer than one.
-    constexpr std::size_t kCached = 65536;
-    if (vertexCount > kCached) {
+    // Of the corners of one vertex the last decides: from the last one backwards,
+    // the first that names a vertex is the only one that writes it.
+    constexpr std::size_t kMarks = 32768;
+    if (vertexCount > kMarks) {
         for (std::size_t k = 0; k < count; ++k)
             vertices[indices[k]].normal = normals[slotOfCorner[k]];
         return;
     }
-    // Of the corners of one vertex the last decides. So each vertex first learns
-    // its last corner, in the place of the normal that will be overwritten; then
-    // each is written once. A vertex without a corner gives itself away: what it
-    // holds names no corner of its own. It keeps what it holds.
-    for (std::size_t k = 0; k < count; ++k) {
-        const auto corner = static_cast<std::uint32_t>(k);
-        std::memcpy(&vertices[indices[k]].normal.x, &corner, sizeof corner);
-    }
-    for (std::size_t i = 0; i < vertexCount; ++i) {
-        std::uint32_t corner = 0;
-        std::memcpy(&corner, &vertices[i].normal.x, sizeof corner);
-        if (corner < count && indices[corner] == i) vertices[i].normal = normals[slotOfCorner[corner]];
+    bool isWritten[kMarks];
+    std::fill_n(isWritten, vertexCount, false);
+    const auto write = [&](std::size_t k) {
+        const std::uint32_t vertex = indices[k];
+        if (isWritten[vertex]) return;
+        isWritten[vertex] = true;
+        vertices[vertex].normal = normals[slotOfCorner[k]];
+    };
+    std::size_t k = count;
+    while (k % 3 != 0)
+        write(--k);
+    for (; k > 0; k -= 3) {
+        write(k - 1);
+        write(k - 2);
+        write(k - 3);
     }
 }
 

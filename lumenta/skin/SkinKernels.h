@@ -32,7 +32,7 @@ struct PoseInput {
 void PoseVertices(const Kernels::Table& kernels, const PoseInput& input, const SkinVertex* vertices, std::size_t count, MeshVertex* posed);
 
 /// Gives each vertex that is a corner the normal of its last corner's slot.
-/// \param count of corners, less than 2³²
+/// \param count of corners
 void SetCornerNormals(const std::uint32_t* indices, const std::uint32_t* slotOfCorner, std::size_t count,
                       const TVec3<float>* normals, MeshVertex* vertices, std::size_t vertexCount);
 
