@@ -110,7 +110,7 @@ LUMENTA_LANES_INLINE void AskAhead(const MeshVertex* vertices, const std::uint32
 } // namespace
 
 std::size_t FindHit(const Segment& segment, const MeshVertex* vertices, const std::uint32_t* indices, std::size_t count,
-                    std::size_t first)
+                    std::size_t first, Hit& hit)
 {
     const Line line = LineOf(segment);
     const bool isAskedAhead = IsAskedAhead(indices, count);
@@ -129,9 +129,15 @@ std::size_t FindHit(const Segment& segment, const MeshVertex* vertices, const st
                                             Corners(vertices, corners + 2)};
         const unsigned candidates = asked & ~PassedOver(line, triangles);
         if (candidates == 0) continue;
-        const unsigned hits = Meeting<Float8>().Find(Splat(ToVec(segment.start)), Splat(ToVec(segment.end)), triangles,
-                                                     Splat8(segment.tolerance), candidates);
-        if (hits != 0) return first + static_cast<unsigned>(__builtin_ctz(hits));
+        Meeting<Float8> meeting;
+        const unsigned hits = meeting.Find(Splat(ToVec(segment.start)), Splat(ToVec(segment.end)), triangles,
+                                           Splat8(segment.tolerance), candidates);
+        if (hits == 0) continue;
+        const auto lane = static_cast<unsigned>(__builtin_ctz(hits));
+        float lanes[4][kBlock];
+        std::memcpy(lanes, &meeting, sizeof lanes);
+        hit = {{lanes[0][lane], lanes[1][lane], lanes[2][lane]}, lanes[3][lane]};
+        return first + lane;
     }
     return count;
 }

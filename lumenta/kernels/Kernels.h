@@ -25,6 +25,11 @@ struct Segment {
     float tolerance;
 };
 
+struct Hit {
+    TVec3<float> point;
+    float t; ///< Along the segment.
+};
+
 /// A matrix for positions beside the turned inverse that moves normals: row by
 /// row four floats of the one, then four of the other. The fourth row of the
 /// latter is -0, which adds nothing to any number.
@@ -47,7 +52,7 @@ struct PoseQuery {
 struct Table {
     /// The first triangle, from `first` on, that the segment meets; `count` for none.
     std::size_t (*findHit)(const Segment& segment, const MeshVertex* vertices, const std::uint32_t* indices,
-                           std::size_t count, std::size_t first);
+                           std::size_t count, std::size_t first, Hit& hit);
 
     /// Writes position, normal and texture coordinate.
     void (*poseVertices)(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
@@ -66,7 +71,7 @@ struct Table {
 // What this level's table is made of.
 namespace LUMENTA_LEVEL {
 std::size_t FindHit(const Segment& segment, const MeshVertex* vertices, const std::uint32_t* indices, std::size_t count,
-                    std::size_t first);
+                    std::size_t first, Hit& hit);
 void PoseVertices(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
                   MeshVertex* posed);
 void AddFaceNormals(const MeshVertex* vertices, const std::uint32_t* indices, const std::uint32_t* slotOfCorner,

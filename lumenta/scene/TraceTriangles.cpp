@@ -15,13 +15,18 @@ float TraceTriangles(const Kernels::Table& kernels, const TVec3<float>& start, c
     Kernels::Segment segment{start, end, tolerance};
     float nearest = 1.0f;
     for (std::size_t i = 0; i < count; ++i) {
-        if (i + kFew <= count) i = kernels.findHit(segment, vertices, indices, count, i);
-        if (i == count) break;
-        const auto corner = [&](std::size_t k) { return ToVec(vertices[indices[3 * i + k]].position); };
-        Meeting<float> hit;
-        if (hit.Find(ToVec(segment.start), ToVec(segment.end), {corner(0), corner(1), corner(2)}, tolerance, 1u) == 0)
-            continue;
-        segment.end = {hit.point.x, hit.point.y, hit.point.z};
+        Kernels::Hit hit;
+        if (i + kFew <= count) {
+            i = kernels.findHit(segment, vertices, indices, count, i, hit);
+            if (i == count) break;
+        } else {
+            const auto corner = [&](std::size_t k) { return ToVec(vertices[indices[3 * i + k]].position); };
+            Meeting<float> meeting;
+            if (meeting.Find(ToVec(start), ToVec(segment.end), {corner(0), corner(1), corner(2)}, tolerance, 1u) == 0)
+                continue;
+            hit = {{meeting.point.x, meeting.point.y, meeting.point.z}, meeting.t};
+        }
+        segment.end = hit.point;
         nearest *= hit.t;
     }
     return nearest;
