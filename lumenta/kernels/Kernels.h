@@ -19,12 +19,16 @@ namespace Kernels {
 /// Triangles that are looked at side by side.
 constexpr std::size_t kBlock = 8;
 
-/// What the candidates among a mesh's triangles are looked for with.
-struct SegmentQuery {
+/// What a mesh's triangles are tested against.
+struct Segment {
     TVec3<float> start;
-    TVec3<float> direction; ///< Of length 1.
-    float reach;            ///< Sum of the absolute coordinates of both ends.
+    TVec3<float> end;
     float tolerance;
+};
+
+struct Hit {
+    TVec3<float> point;
+    float t; ///< Along the segment.
 };
 
 /// A segment whose ends are moved side by side: each coordinate of the start four
@@ -65,12 +69,9 @@ struct Table {
     /// \return whether they do; false where `global` has no inverse
     bool (*meetBox)(const float* global, const SegmentEnds& ends, const TBBox<float>& box, TVec3<float>* local);
 
-    /// Triangles that the segment may meet, in blocks of eight, from triangle
-    /// `first` on. What it passes over, no exact test can accept.
-    /// \param candidates bit i for the i-th triangle of the block; never 0
-    /// \return the first triangle of that block, or `count` where none is left
-    std::size_t (*findCandidates)(const SegmentQuery& query, const MeshVertex* vertices, const std::uint32_t* indices,
-                                  std::size_t count, std::size_t first, unsigned& candidates);
+    /// The first triangle, from `first` on, that the segment meets; `count` for none.
+    std::size_t (*findHit)(const Segment& segment, const MeshVertex* vertices, const std::uint32_t* indices,
+                           std::size_t count, std::size_t first, Hit& hit);
 
     /// Writes position, normal and texture coordinate.
     void (*poseVertices)(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
@@ -91,8 +92,8 @@ namespace LUMENTA_LEVEL {
 void Multiply(float* result, const float* a, const float* b);
 bool Invert(float* destination, const float* source);
 bool MeetBox(const float* global, const SegmentEnds& ends, const TBBox<float>& box, TVec3<float>* local);
-std::size_t FindCandidates(const SegmentQuery& query, const MeshVertex* vertices, const std::uint32_t* indices,
-                           std::size_t count, std::size_t first, unsigned& candidates);
+std::size_t FindHit(const Segment& segment, const MeshVertex* vertices, const std::uint32_t* indices, std::size_t count,
+                    std::size_t first, Hit& hit);
 void PoseVertices(const PoseQuery& query, const SkinAnimation::SkinVertex* vertices, std::size_t count,
                   MeshVertex* posed);
 void AddFaceNormals(const MeshVertex* vertices, const std::uint32_t* indices, const std::uint32_t* slotOfCorner,

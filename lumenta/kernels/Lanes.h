@@ -179,6 +179,7 @@ struct Mask8 {
     Mask4 high;
 
     LUMENTA_LANES_INLINE Mask8 operator&(const Mask8& b) const { return {low & b.low, high & b.high}; }
+    LUMENTA_LANES_INLINE Mask8 operator|(const Mask8& b) const { return {low | b.low, high | b.high}; }
 };
 
 struct Float8 {
@@ -191,6 +192,8 @@ struct Float8 {
     LUMENTA_LANES_INLINE Float8 operator/(const Float8& b) const { return {low / b.low, high / b.high}; }
     LUMENTA_LANES_INLINE Mask8 operator>(const Float8& b) const { return {low > b.low, high > b.high}; }
     LUMENTA_LANES_INLINE Mask8 operator<(const Float8& b) const { return {low < b.low, high < b.high}; }
+    LUMENTA_LANES_INLINE Mask8 operator>=(const Float8& b) const { return {low >= b.low, high >= b.high}; }
+    LUMENTA_LANES_INLINE Mask8 operator<=(const Float8& b) const { return {low <= b.low, high <= b.high}; }
     LUMENTA_LANES_INLINE Mask8 operator==(const Float8& b) const { return {low == b.low, high == b.high}; }
 };
 

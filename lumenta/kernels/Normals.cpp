@@ -28,7 +28,7 @@ LUMENTA_LANES_INLINE void FillEight(FaceNormals& normals, std::size_t at, const 
                                     const std::uint32_t* indices)
 {
     const Vec8 b = Corners(vertices, indices + 1);
-    const Vec8 n = Cross8(Corners(vertices, indices) - b, Corners(vertices, indices + 2) - b);
+    const Vec8 n = Cross(Corners(vertices, indices) - b, Corners(vertices, indices + 2) - b);
     // A number divided by 1 is that number: only zero lengths are spared.
     const Float8 divisors = OneForZero(Sqrt8(Square(n)));
     const Float8 x = n.x / divisors;

@@ -1,26 +1,73 @@
 #pragma once
 
-// Private to the kernels: eight triangles side by side.
+// Private to the kernels: triangles, one or eight side by side. A Number is a
+// float or a Float8.
 
 #include "lumenta/foundation/MeshVertex.h"
 #include "lumenta/kernels/Lanes.h"
 
 namespace {
 
-struct Vec8 {
-    Float8 x, y, z;
+// What Lanes.h has for eight.
+LUMENTA_LANES_INLINE float Sqrt(float v)
+{
+    return __builtin_sqrtf(v);
+}
 
-    LUMENTA_LANES_INLINE Vec8 operator-(const Vec8& b) const { return {x - b.x, y - b.y, z - b.z}; }
+LUMENTA_LANES_INLINE float OneForZero(float v)
+{
+    return v == 0.0f ? 1.0f : v;
+}
+
+LUMENTA_LANES_INLINE unsigned Bits(bool is)
+{
+    return is;
+}
+
+LUMENTA_LANES_INLINE Float8 Sqrt(const Float8& v)
+{
+    return Sqrt8(v);
+}
+
+template <typename Number>
+struct Vec {
+    Number x, y, z;
+
+    LUMENTA_LANES_INLINE Vec operator+(const Vec& b) const { return {x + b.x, y + b.y, z + b.z}; }
+    LUMENTA_LANES_INLINE Vec operator-(const Vec& b) const { return {x - b.x, y - b.y, z - b.z}; }
+    LUMENTA_LANES_INLINE Vec operator*(const Number& b) const { return {x * b, y * b, z * b}; }
+    LUMENTA_LANES_INLINE Vec operator/(const Number& b) const { return {x / b, y / b, z / b}; }
 };
 
-LUMENTA_LANES_INLINE Vec8 Cross8(const Vec8& a, const Vec8& b)
+using Vec1 = Vec<float>;
+using Vec8 = Vec<Float8>;
+
+template <typename Number>
+LUMENTA_LANES_INLINE Vec<Number> Cross(const Vec<Number>& a, const Vec<Number>& b)
 {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-LUMENTA_LANES_INLINE Float8 Square(const Vec8& v)
+template <typename Number>
+LUMENTA_LANES_INLINE Number Dot(const Vec<Number>& a, const Vec<Number>& b)
 {
-    return v.x * v.x + v.y * v.y + v.z * v.z;
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+template <typename Number>
+LUMENTA_LANES_INLINE Number Square(const Vec<Number>& v)
+{
+    return Dot(v, v);
+}
+
+template <typename Number>
+struct Triangle {
+    Vec<Number> p0, p1, p2;
+};
+
+LUMENTA_LANES_INLINE Vec1 ToVec(const TVec3<float>& v)
+{
+    return {v.x, v.y, v.z};
 }
 
 /// One corner of each of eight triangles.

@@ -34,21 +34,35 @@ Vec3 OddVector(Random& random)
     return {Workloads::OddFloat(random), Workloads::OddFloat(random), Workloads::OddFloat(random)};
 }
 
-/// Triangles about the unit cube that are hard to pass over rightly: needles,
-/// caps, collinear corners, sizes from next to nothing to the cube's own, many of
-/// them near `ray`; and odd values in an odd mesh.
-std::vector<Vec3> HardTriangles(Random& random, const Ray& ray, float scale, const Vec3& shift, bool odd)
+float PowerOf10(Random& random, float low, float high)
+{
+    return std::pow(10.0f, random.Between(low, high));
+}
+
+/// Triangles within `scale` of `centre` that are hard to pass over rightly: needles,
+/// caps, collinear corners, sizes down to `smallest` of the scale. Most of them lie so
+/// that `ray` passes by, near or far along an edge; there are odd values in an odd mesh.
+std::vector<Vec3> HardTriangles(Random& random, const Ray& ray, float scale, const Vec3& centre, float smallest,
+                                float tolerance, bool odd)
 {
     std::vector<Vec3> corners;
-    for (int i = 0; i < 40; ++i) {
-        const float size = std::pow(10.0f, random.Between(-6.0f, 0.0f));
-        Vec3 a = Workloads::RandomVector(random, -1.0f, 1.0f) * scale + shift;
-        if (random.Below(3) != 0) a = ray.start + (ray.end - ray.start) * random.Between(-0.2f, 1.2f);
-        const Vec3 u = Workloads::RandomVector(random, -size, size) * scale;
-        const float thin = random.Below(2) != 0 ? std::pow(10.0f, random.Between(-7.0f, 0.0f)) : 0.5f;
-        const Vec3 v = u * random.Between(-1.0f, 2.0f) + Workloads::RandomVector(random, -size, size) * (thin * scale);
-        a = a - u * random.Between(-1.5f, 1.5f) - v * random.Between(-1.5f, 1.5f);
+    for (std::uint32_t i = random.Below(41); i > 0; --i) {
+        const float size = PowerOf10(random, std::log10(smallest), 0.0f) * scale;
+        const Vec3 places[] = {Workloads::RandomVector(random, -1.0f, 1.0f) * scale + centre, centre,
+                               ray.start + (ray.end - ray.start) * random.Between(-0.2f, 1.2f)};
+        Vec3 a = places[std::min(random.Below(6), 2u)];
+        const Vec3 u = Workloads::RandomVector(random, -size, size);
+        const float thins[] = {0.5f, PowerOf10(random, -3.0f, -1.0f), PowerOf10(random, -7.0f, 0.0f), 0.0f};
+        const Vec3 v =
+            u * random.Between(-1.0f, 2.0f) + Workloads::RandomVector(random, -size, size) * thins[random.Below(4)];
+        const float distances[] = {0.0f, tolerance * PowerOf10(random, -1.0f, 3.0f),
+                                   scale * PowerOf10(random, -7.0f, 0.5f)};
+        if (random.Below(3) == 0)
+            a = a - u * random.Between(-1.5f, 1.5f) - v * random.Between(-1.5f, 1.5f);
+        else
+            a = a + Normalized(random.Below(2) != 0 ? u : v) * distances[random.Below(3)];
         corners.insert(corners.end(), {a, a + u, a + v});
+        std::rotate(corners.end() - 3, corners.end() - 3 + random.Below(3), corners.end());
         if (odd && random.Below(4) == 0) corners[corners.size() - 1 - random.Below(3)] = OddVector(random);
     }
     return corners;
@@ -224,24 +238,60 @@ private Q_SLOTS:
         QFETCH(const Kernels::Table*, level);
         Random random(17);
         int hits = 0;
-        for (int round = 0; round < 60000; ++round) {
-            const float scale = std::pow(10.0f, random.Between(-3.0f, 4.0f));
-            const Vec3 shift = Workloads::RandomVector(random, -1.0f, 1.0f) * (round % 5 == 0 ? 1e4f : scale);
-            const Vec3 start = Workloads::RandomVector(random, -2.0f, 2.0f) * scale + shift;
-            const float length = round % 3 == 0 ? std::pow(10.0f, random.Between(-30.0f, 3.5f)) : 3.0f;
-            const Ray ray(start, start + Workloads::RandomVector(random, -length, length) * scale);
-            StandIn::Mesh mesh(HardTriangles(random, ray, scale, shift, round % 7 == 0));
-            if (round % 4 == 0) mesh.box = TBBox<float>(shift, shift + Vec3{500.0f, 0.0f, 0.0f} * scale);
+        for (int round = 0; round < 120000; ++round) {
+            // About the origin there is room for the tiniest triangles in the widest of worlds.
+            const bool isCentred = round % 3 == 2;
+            const float scale = PowerOf10(random, -3.0f, isCentred ? 22.0f : 4.0f);
+            const Vec3 centre =
+                isCentred ? Vec3{} : Workloads::RandomVector(random, -1.0f, 1.0f) * (round % 5 == 0 ? 1e4f : scale);
+            const float away = isCentred ? PowerOf10(random, -30.0f, 0.0f) : 1.0f;
+            const float length = round % 3 == 0 ? PowerOf10(random, -30.0f, 3.5f) : 3.0f;
+            const Vec3 start = Workloads::RandomVector(random, -2.0f, 2.0f) * (away * scale) + centre;
+            const Vec3 end = isCentred ? start * random.Between(-1.5f, -0.5f)
+                                             + Workloads::RandomVector(random, -away, away)
+                                                   * (scale * PowerOf10(random, -4.0f, 0.0f))
+                                       : start + Workloads::RandomVector(random, -length, length) * scale;
+            const Ray ray(start, end);
 
-            const bool isValid = mesh.box.min.x <= mesh.box.max.x && mesh.box.min.y <= mesh.box.max.y
-                                 && mesh.box.min.z <= mesh.box.max.z;
-            const float tolerance = 0.0001f * (isValid ? Length(mesh.box.max - mesh.box.min) : 0.0f);
+            // Boxes need not hold what is in the mesh, and one that is no box leaves no tolerance.
+            static constexpr float kSides[] = {500.0f, -1.0f, 0.01f, 3.0f};
+            const float side = kSides[random.Below(4)];
+            const TBBox<float> box(centre, centre + Vec3{side, 0.0f, 0.0f} * scale);
+            const float tolerance = side < 0.0f ? 0.0f : 0.0001f * Length(box.max - box.min);
+            StandIn::Mesh mesh(
+                HardTriangles(random, ray, scale, centre, isCentred ? 1e-30f : 1e-8f, tolerance, round % 7 == 0));
+            mesh.box = box;
+
             const float ours = TraceTriangles(*level, ray.start, ray.end, tolerance, mesh.vertices.data(),
                                               mesh.indices.data(), mesh.indices.size() / 3);
             QVERIFY(Same(std::vector<float>{ours}, std::vector<float>{Naive::Trace(ray, mesh)}));
             hits += ours < 1.0f;
         }
         QVERIFY2(hits > 5000, qPrintable(QString::number(hits)));
+    }
+
+    void ManyTriangles_data() { Levels(); }
+
+    // Enough of them, on shared corners, to be asked for ahead.
+    void ManyTriangles()
+    {
+        QFETCH(const Kernels::Table*, level);
+        Random random(23);
+        std::vector<Vec3> corners(999);
+        for (Vec3& corner : corners)
+            corner = Workloads::RandomVector(random, -1.0f, 1.0f);
+        StandIn::Mesh mesh(corners);
+        mesh.indices.resize(3 * 270005);
+        for (unsigned int& index : mesh.indices)
+            index = random.Below(999);
+        mesh.box = {};
+        for (int i = 0; i < 8; ++i) {
+            const Vec3 start = Workloads::RandomVector(random, -1.0f, 1.0f) + Vec3{i < 4 ? 0.0f : 3.0f, 0.0f, 0.0f};
+            const Vec3 end = start + Workloads::RandomVector(random, -1.0f, 1.0f) * 0.1f;
+            const float ours = TraceTriangles(*level, start, end, 0.0f, mesh.vertices.data(), mesh.indices.data(), 270005);
+            QVERIFY(Same(std::vector<float>{ours}, std::vector<float>{Naive::Trace(Ray(start, end), mesh)}));
+            QCOMPARE(ours < 1.0f, i < 4);
+        }
     }
 };
 
