@@ -11,8 +11,10 @@
 #include <cstdint>
 
 namespace SkinAnimation {
+struct KeyFrame;
+struct Node;
 struct SkinVertex;
-}
+} // namespace SkinAnimation
 
 namespace Kernels {
 
@@ -55,6 +57,17 @@ struct PoseQuery {
     bool isSkinned;
 };
 
+/// Tracks that are sampled side by side.
+constexpr std::size_t kTracks = 16;
+
+/// Of each track the two keys about a time, or one of them twice.
+struct KeyPairs {
+    const SkinAnimation::KeyFrame* first[kTracks];
+    const SkinAnimation::KeyFrame* second[kTracks];
+    alignas(32) float factors[kTracks]; ///< How far the time is on the way, 0 where there is one key.
+    float* locals[kTracks];             ///< The transforms that they give, sixteen floats each.
+};
+
 /// The kernels of one level.
 struct Table {
     /// Of sixteen floats each, row by row. The result may be one of the factors.
@@ -62,6 +75,13 @@ struct Table {
 
     /// \return false, and nothing written, where the determinant is exactly 0
     bool (*invert)(float* destination, const float* source);
+
+    /// Blends the keys of at most kTracks tracks, and writes the transforms in turn.
+    /// Those behind `count` may be overwritten.
+    void (*setLocalTransforms)(KeyPairs& pairs, std::size_t count);
+
+    /// What follows from the local transforms, node by node.
+    void (*moveNodes)(SkinAnimation::Node* const* nodes, std::size_t count);
 
     /// Takes a segment into the space of a node.
     /// \param global sixteen floats: from there to the segment's space
@@ -91,6 +111,8 @@ struct Table {
 namespace LUMENTA_LEVEL {
 void Multiply(float* result, const float* a, const float* b);
 bool Invert(float* destination, const float* source);
+void SetLocalTransforms(KeyPairs& pairs, std::size_t count);
+void MoveNodes(SkinAnimation::Node* const* nodes, std::size_t count);
 bool MeetBox(const float* global, const SegmentEnds& ends, const TBBox<float>& box, TVec3<float>* local);
 std::size_t FindHit(const Segment& segment, const MeshVertex* vertices, const std::uint32_t* indices, std::size_t count,
                     std::size_t first, Hit& hit);

@@ -159,6 +159,11 @@ LUMENTA_LANES_INLINE Float8 Larger(Float8 a, Float8 b)
     return a > b ? a : b;
 }
 
+LUMENTA_LANES_INLINE Float8 Select(Mask8 mask, Float8 a, Float8 b)
+{
+    return mask ? a : b;
+}
+
 LUMENTA_LANES_INLINE unsigned Bits(Mask8 mask)
 {
     return static_cast<unsigned>(_mm256_movemask_ps(reinterpret_cast<__m256>(mask)));
@@ -276,6 +281,11 @@ LUMENTA_LANES_INLINE Float8 OneForZero(const Float8& v)
 LUMENTA_LANES_INLINE Float8 Larger(const Float8& a, const Float8& b)
 {
     return {a.low > b.low ? a.low : b.low, a.high > b.high ? a.high : b.high};
+}
+
+LUMENTA_LANES_INLINE Float8 Select(const Mask8& mask, const Float8& a, const Float8& b)
+{
+    return {mask.low ? a.low : b.low, mask.high ? a.high : b.high};
 }
 
 LUMENTA_LANES_INLINE unsigned Bits(const Mask8& mask)

@@ -5,9 +5,9 @@
 
 namespace Kernels {
 
-const Table LUMENTA_TABLE(LUMENTA_LEVEL) = {LUMENTA_LEVEL::Multiply,       LUMENTA_LEVEL::Invert,
-                                            LUMENTA_LEVEL::MeetBox,        LUMENTA_LEVEL::FindHit,
-                                            LUMENTA_LEVEL::PoseVertices,   LUMENTA_LEVEL::AddFaceNormals,
-                                            LUMENTA_LEVEL::NormalizeAll};
+const Table LUMENTA_TABLE(LUMENTA_LEVEL) = {
+    LUMENTA_LEVEL::Multiply,     LUMENTA_LEVEL::Invert,         LUMENTA_LEVEL::SetLocalTransforms,
+    LUMENTA_LEVEL::MoveNodes,    LUMENTA_LEVEL::MeetBox,        LUMENTA_LEVEL::FindHit,
+    LUMENTA_LEVEL::PoseVertices, LUMENTA_LEVEL::AddFaceNormals, LUMENTA_LEVEL::NormalizeAll};
 
 } // namespace Kernels

@@ -1,15 +1,18 @@
 #include "lumenta/skin/KeySampling.h"
 
+#include "lumenta/skin/Node.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 namespace SkinAnimation {
 
 namespace {
 
 /// Longer tracks are searched. Times ascend, so both ways find the same key.
-constexpr std::ptrdiff_t kScanLimit = 32;
+constexpr std::size_t kScanLimit = 32;
 
 TVec3<float> Lerp(const TVec3<float>& a, const TVec3<float>& b, float factor)
 {
@@ -22,62 +25,52 @@ KeyFrame Interpolate(const KeyFrame& a, const KeyFrame& b, float factor)
             Lerp(a.scale, b.scale, factor)};
 }
 
-/// The first key after the front one that lies strictly later than `time`, or
-/// the end. Of keys with one time the last is thus the earlier of the pair.
+/// The place of the first key after the front one that lies strictly later than
+/// `time`, or the number of keys. Of keys with one time the last is thus the
+/// earlier of the pair.
 ///
-/// Looks first where the key would lie if they were evenly spaced, then in
-/// growing steps from there: a search from the middle of a long track would
-/// fetch a line of memory at each step.
-const KeyFrame* FirstLater(const KeyFrame* first, const KeyFrame* end, float time)
+/// Looks first at the guess, then in growing steps from there: a search from the
+/// middle of a long track would fetch a line of memory at each step.
+std::size_t FirstLater(const std::vector<KeyFrame>& keys, float time, std::size_t guess)
 {
-    const auto isLater = [time](const KeyFrame& key) { return key.time > time; };
-    const std::ptrdiff_t count = end - first;
-    if (count <= kScanLimit) return std::find_if(first + 1, end, isLater);
+    const auto isLater = [&](std::size_t i) { return keys[i].time > time; };
+    const std::size_t count = keys.size();
+    if (count <= kScanLimit) {
+        std::size_t i = 1;
+        while (i < count && !isLater(i))
+            ++i;
+        return i;
+    }
 
-    const float share = (time - first->time) / (end[-1].time - first->time);
-    std::ptrdiff_t low =
-        share > 0.0f && share < 1.0f ? static_cast<std::ptrdiff_t>(share * static_cast<float>(count - 1)) : 0;
-    std::ptrdiff_t high = std::min(low + 1, count);
-    std::ptrdiff_t step = 1;
-    while (low > 0 && isLater(first[low])) {
+    std::size_t low = guess;
+    std::size_t high = low + 1;
+    std::size_t step = 1;
+    while (low > 0 && isLater(low)) {
         high = low;
-        low = std::max<std::ptrdiff_t>(low - step, 0);
+        low -= std::min(low, step);
         step *= 2;
     }
-    while (high < count && !isLater(first[high])) {
+    while (high < count && !isLater(high)) {
         low = high;
         high = std::min(high + step, count);
         step *= 2;
     }
-    return std::partition_point(first + low + 1, first + high, [&](const KeyFrame& key) { return !isLater(key); });
+    while (high - low > 1) {
+        const std::size_t middle = low + (high - low) / 2;
+        (isLater(middle) ? high : low) = middle;
+    }
+    return high;
 }
 
-Matrix RotationOf(const Quaternion& q)
+/// Where in a long track the keys about `time` would lie if all were evenly
+/// spaced.
+std::size_t GuessPlace(const std::vector<KeyFrame>& keys, float time)
 {
-    Matrix r;
-    r.m[0] = 1.0f - 2.0f * (q.y * q.y) - 2.0f * (q.z * q.z);
-    r.m[1] = 2.0f * q.x * q.y + 2.0f * q.w * q.z;
-    r.m[2] = 2.0f * q.x * q.z - 2.0f * q.w * q.y;
-    r.m[4] = 2.0f * q.x * q.y - 2.0f * q.w * q.z;
-    r.m[5] = 1.0f - 2.0f * (q.x * q.x) - 2.0f * (q.z * q.z);
-    r.m[6] = 2.0f * q.y * q.z + 2.0f * q.w * q.x;
-    r.m[8] = 2.0f * q.x * q.z + 2.0f * q.w * q.y;
-    r.m[9] = 2.0f * q.y * q.z - 2.0f * q.w * q.x;
-    r.m[10] = 1.0f - 2.0f * (q.x * q.x) - 2.0f * (q.y * q.y);
-    return r;
-}
-
-Matrix LiteralTransform(const KeyFrame& key, const Matrix& rotation)
-{
-    Matrix scale;
-    scale.m[0] = key.scale.x;
-    scale.m[5] = key.scale.y;
-    scale.m[10] = key.scale.z;
-
-    Matrix translation;
-    translation.SetTranslation(key.translation);
-
-    return scale * rotation * translation;
+    if (keys.size() <= kScanLimit) return 0;
+    const float share = (time - keys.front().time) / (keys.back().time - keys.front().time);
+    const auto last = static_cast<std::int64_t>(keys.size()) - 1;
+    if (!(share > 0.0f && share < 1.0f)) return 0;
+    return static_cast<std::size_t>(std::min(static_cast<std::int64_t>(share * static_cast<float>(last)), last));
 }
 
 } // namespace
@@ -107,37 +100,44 @@ KeyFrame InterpolateAt(const KeyFrame& a, const KeyFrame& b, float time)
     return key;
 }
 
-KeyFrame SampleTrack(const std::vector<KeyFrame>& keys, float time)
+std::size_t FindKeys(const NodeTrack*& track, const NodeTrack* end, float time, Kernels::KeyPairs& pairs)
 {
-    if (keys.size() == 1 || keys.front().time >= time) return keys.front();
-    if (time >= keys.back().time) return keys.back();
-
-    const KeyFrame* const end = keys.data() + keys.size();
-    const KeyFrame* const later = FirstLater(keys.data(), end, time);
-    if (later == end) // a time that is not a number
-        return Interpolate(end[-2], end[-1], 0.0f);
-    return Interpolate(later[-1], later[0], (time - later[-1].time) / (later[0].time - later[-1].time));
-}
-
-Matrix TransformOf(const KeyFrame& key)
-{
-    // Of the products scale * rotation * translation all but these terms are
-    // zeros, and adding 0 does what adding them does: it turns -0 into +0. Where
-    // anything is not finite, those zeros would not be zeros.
-    const Matrix rotation = RotationOf(key.rotation);
-    const float scales[3] = {key.scale.x, key.scale.y, key.scale.z};
-    Matrix result;
-    float finite = 0.0f;
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j) {
-            float& element = result.m[4 * i + j];
-            element = scales[i] * rotation.m[4 * i + j] + 0.0f;
-            finite += element * 0.0f;
+    const NodeTrack* tracks[Kernels::kTracks];
+    std::size_t guesses[Kernels::kTracks];
+    std::size_t count = 0;
+    for (; track != end && count < Kernels::kTracks; ++track) {
+        if (!track->node || track->keys.empty()) continue;
+        const std::size_t guess = GuessPlace(track->keys, time);
+        // Long tracks lie in no cache. All lines of a pair are sent for before any is looked at.
+        const auto* const guessed = reinterpret_cast<const char*>(track->keys.data() + guess);
+        __builtin_prefetch(guessed);
+        __builtin_prefetch(guessed + sizeof(KeyFrame));
+        __builtin_prefetch(guessed + 2 * sizeof(KeyFrame) - 1);
+        tracks[count] = track;
+        guesses[count++] = guess;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::vector<KeyFrame>& keys = tracks[i]->keys;
+        const KeyFrame* first = keys.data();
+        const KeyFrame* second = first + (keys.size() - 1);
+        float factor = 0.0f;
+        if (first == second || first->time >= time) {
+            second = first;
+        } else if (time >= second->time) {
+            first = second;
+        } else if (const std::size_t later = FirstLater(keys, time, guesses[i]); later < keys.size()) {
+            second = first + later;
+            first = second - 1;
+            factor = (time - first->time) / (second->time - first->time);
+        } else { // a time that is not a number
+            first = second - 1;
         }
-    const TVec3<float>& t = key.translation;
-    result.SetTranslation({t.x + 0.0f, t.y + 0.0f, t.z + 0.0f});
-    finite += t.x * 0.0f + t.y * 0.0f + t.z * 0.0f;
-    return finite == 0.0f ? result : LiteralTransform(key, rotation);
+        pairs.first[i] = first;
+        pairs.second[i] = second;
+        pairs.factors[i] = factor;
+        pairs.locals[i] = tracks[i]->node->localTransform.m;
+    }
+    return count;
 }
 
 } // namespace SkinAnimation

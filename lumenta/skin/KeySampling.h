@@ -2,8 +2,10 @@
 
 // Private to the library: the values of a track between its keys.
 
-#include "lumenta/foundation/Matrix.h"
+#include "lumenta/kernels/Kernels.h"
 #include "lumenta/skin/Animation.h"
+
+#include <cstddef>
 
 namespace SkinAnimation {
 
@@ -15,12 +17,11 @@ Quaternion Slerp(const Quaternion& q0, const Quaternion& q1, float factor);
 /// The value of the track between `a` and `b` at `time`; `time` is not clamped.
 KeyFrame InterpolateAt(const KeyFrame& a, const KeyFrame& b, float time);
 
-/// The value of a track at `time`, clamped to its first and last key. The
-/// result's own time is unspecified.
-/// \pre `keys` is not empty and ascends in time
-KeyFrame SampleTrack(const std::vector<KeyFrame>& keys, float time);
-
-/// Scale, then rotation, then translation.
-Matrix TransformOf(const KeyFrame& key);
+/// Finds the keys of tracks about `time`, each clamped to its first and last one,
+/// until `pairs` is full or `track` reaches `end`. Tracks without a node or
+/// without keys are left out.
+/// \pre the keys of a track ascend in time
+/// \return the number of pairs
+std::size_t FindKeys(const NodeTrack*& track, const NodeTrack* end, float time, Kernels::KeyPairs& pairs);
 
 } // namespace SkinAnimation

@@ -3,6 +3,7 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/kernels/Kernels.h"
 #include "lumenta/skin/KeySampling.h"
+#include "lumenta/skin/SkinKernels.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -137,19 +138,7 @@ void Scene::CalculateAnimation(int animIndex, float time)
     if (animation.layers.empty())
         return;
 
-    for (const NodeTrack& track : animation.layers.front().tracks) {
-        if (track.node && !track.keys.empty())
-            track.node->localTransform = TransformOf(SampleTrack(track.keys, time));
-    }
-
-    // Without a parent the product with an identity still counts: it turns -0 into +0.
-    const Matrix identity;
-    for (Node* node : nodes) {
-        Multiply(node->globalTransform, node->localTransform, node->parent ? node->parent->globalTransform : identity);
-        Multiply(node->meshTransform, node->geometryTransform, node->globalTransform);
-        Multiply(node->skinTransform, node->originGlobalInverse, node->globalTransform);
-        Inverse(node->skinTransformInverse, node->skinTransform);
-    }
+    PoseNodes(Kernels::Chosen(), animation.layers.front().tracks, time, nodes);
 }
 
 void Scene::AppendClippedAnimation(int animIndex, const QString& name, float start, float end)

@@ -2,6 +2,7 @@
 
 #include "lumenta/foundation/Float4.h"
 #include "lumenta/kernels/Kernels.h"
+#include "lumenta/skin/KeySampling.h"
 #include "lumenta/skin/Node.h"
 
 #include <algorithm>
@@ -67,6 +68,17 @@ void PoseFew(const Kernels::Table& kernels, Kernels::PoseQuery query, Node* cons
 }
 
 } // namespace
+
+void PoseNodes(const Kernels::Table& kernels, const std::vector<NodeTrack>& tracks, float time,
+               const std::vector<Node*>& nodes)
+{
+    const NodeTrack* track = tracks.data();
+    const NodeTrack* const end = track + tracks.size();
+    Kernels::KeyPairs pairs;
+    while (const std::size_t count = FindKeys(track, end, time, pairs))
+        kernels.setLocalTransforms(pairs, count);
+    kernels.moveNodes(nodes.data(), nodes.size());
+}
 
 void PoseVertices(const Kernels::Table& kernels, const PoseInput& input, const SkinVertex* vertices, std::size_t count,
                   MeshVertex* posed)

@@ -6,14 +6,20 @@
 
 #include "lumenta/foundation/Matrix.h"
 #include "lumenta/kernels/Kernels.h"
+#include "lumenta/skin/Animation.h"
 #include "lumenta/skin/SkinVertex.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace SkinAnimation {
 
 struct Node;
+
+/// Moves `nodes` to where the tracks have them at `time`.
+void PoseNodes(const Kernels::Table& kernels, const std::vector<NodeTrack>& tracks, float time,
+               const std::vector<Node*>& nodes);
 
 /// Everything that posing one geometry needs besides its vertices.
 struct PoseInput {

@@ -68,6 +68,49 @@ std::vector<Vec3> HardTriangles(Random& random, const Ray& ray, float scale, con
     return corners;
 }
 
+/// Keys and nodes such as no loader should make, the same for the same seed.
+void Break(Scene& scene, std::uint64_t seed)
+{
+    Random random(seed);
+    std::vector<Node*>& nodes = scene.nodes;
+    std::vector<NodeTrack>& tracks = scene.animations[0]->layers[0].tracks;
+    for (NodeTrack& track : tracks) {
+        const std::uint32_t rate = random.Below(2) != 0 ? 12 : 1000;
+        for (std::size_t i = 0; i < track.keys.size(); ++i) {
+            KeyFrame& key = track.keys[i];
+            const Quaternion before = track.keys[i == 0 ? 0 : i - 1].rotation;
+            const auto odd = [&random] { return Workloads::OddFloat(random); };
+            switch (random.Below(rate)) {
+            case 0: key.translation = OddVector(random); break;
+            case 1: key.rotation = {odd(), odd(), odd(), odd()}; break;
+            case 2: key.scale = OddVector(random); break;
+            case 3: key.scale = key.translation = {-0.0f, 0.0f, -0.0f}; break;
+            case 4: key.scale = {1.0f, random.Below(2) != 0 ? 0.0f : -1.0f, 1.0f}; break; // singular, or mirrored
+            case 5: key.rotation = {0.0f, -0.0f, 0.0f, 0.0f}; break;
+            case 6: key.rotation = {-before.x, -before.y, -before.z, -before.w}; break;
+            case 7: key.rotation = {before.x + random.Between(0.0f, 0.01f), before.y, before.z, before.w}; break;
+            case 8: key.rotation = {before.y, -before.x, before.w, -before.z}; break; // a right angle to it
+            default: break;
+            }
+        }
+    }
+    tracks[3].node = nullptr;
+    tracks[4].keys.clear();
+    tracks[5].keys.resize(1);
+    tracks[6].node = tracks[7].node; // both times next to each other
+    tracks[8].node = tracks[30].node;
+    nodes[20]->parent = nullptr;
+    nodes[21]->parent = nodes[21];
+    nodes.insert(nodes.begin(), {nodes[1], nodes[0]}); // once where its parent was, once where it is
+    for (int i = 0; i < 6; ++i) // children before parents, and some twice
+        std::swap(nodes[random.Below(40)], nodes[random.Below(40)]);
+    for (int i = 0; i < 6; ++i)
+        nodes.push_back(nodes[random.Below(40)]);
+    for (Matrix* const matrix : {&nodes[9]->originGlobalInverse, &nodes[19]->geometryTransform})
+        for (float& value : matrix->m)
+            value = Workloads::OddFloat(random);
+}
+
 } // namespace
 
 class LevelsTest : public QObject {
@@ -204,6 +247,42 @@ private Q_SLOTS:
                 Naive::NormalizeAll(theirs);
                 QVERIFY(Same(ours, theirs));
             }
+    }
+
+    void Poses_data() { Levels(); }
+
+    void Poses()
+    {
+        QFETCH(const Kernels::Table*, level);
+        Random random(41);
+        int singular = 0;
+        for (const std::size_t keyCount : {1, 2, 32, 33, 700})
+            for (std::uint64_t seed = 1; seed < 9; ++seed) {
+                // Uneven key times with repeats, on whole numbers, so that a time can fall on keys.
+                const auto ours = Workloads::MakeSkeleton(50, keyCount, 0.0f, seed);
+                const auto plain = Workloads::MakeSkeleton(50, keyCount, 0.0f, seed);
+                Break(*ours, seed);
+                Break(*plain, seed);
+                const float length = ours->animations[0]->duration;
+                std::vector<float> times{-1.0f, 0.0f, length, 2.0f * length, std::nanf(""), HUGE_VALF, -HUGE_VALF};
+                for (int i = 0; i < 30; ++i) {
+                    times.push_back(random.Between(0.0f, length));
+                    times.push_back(std::floor(times.back()));
+                }
+                for (const float time : times) {
+                    PoseNodes(*level, ours->animations[0]->layers[0].tracks, time, ours->nodes);
+                    Naive::CalculateAnimation(*plain, *plain->animations[0], time);
+                    for (const auto matrix : {&Node::localTransform, &Node::globalTransform, &Node::meshTransform,
+                                              &Node::skinTransform, &Node::skinTransformInverse})
+                        for (std::size_t i = 0; i < ours->nodes.size(); ++i)
+                            QVERIFY(Same(std::vector<Matrix>{ours->nodes[i]->*matrix},
+                                         std::vector<Matrix>{plain->nodes[i]->*matrix}));
+                    Matrix inverse;
+                    for (const Node* node : plain->nodes)
+                        singular += !Naive::Inverse(inverse, node->skinTransform);
+                }
+            }
+        QVERIFY2(singular > 1000, qPrintable(QString::number(singular)));
     }
 
     // Some vertices are no corner's, and keep what they hold.
