@@ -17,10 +17,13 @@
 /// Centre and half-extent are instantiated for float and double only.
 template <typename T>
 struct TBBox {
+    /// The smallest corner; starts above every point.
     TVec3<T> min{std::numeric_limits<T>::max(), std::numeric_limits<T>::max(), std::numeric_limits<T>::max()};
+    /// The largest corner; starts below every point.
     TVec3<T> max{std::numeric_limits<T>::lowest(), std::numeric_limits<T>::lowest(), std::numeric_limits<T>::lowest()};
 
     TBBox() = default;
+    /// The two corners as they are given: nothing puts them in order.
     constexpr TBBox(const TVec3<T>& minimum, const TVec3<T>& maximum)
         : min(minimum)
         , max(maximum)

@@ -8,12 +8,13 @@ class QDebug;
 
 /// A colour of four floats, nominally 0 to 1. Nothing clamps them here.
 struct ColorF {
-    float r;
-    float g;
-    float b;
-    float a;
+    float r; ///< Red.
+    float g; ///< Green.
+    float b; ///< Blue.
+    float a; ///< Alpha: 1 is opaque.
 };
 
+/// Whether all four values are equal.
 constexpr bool operator==(const ColorF& x, const ColorF& y)
 {
     return x.r == y.r && x.g == y.g && x.b == y.b && x.a == y.a;

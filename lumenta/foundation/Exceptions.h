@@ -25,6 +25,7 @@
 /// Never delete one through a pointer to a base.
 class LUMENTA_EXPORT Exception {
 public:
+    /// \param text for a person, shown as it is
     explicit Exception(const QString& text);
 
     /// The message, ready to be shown.
@@ -37,49 +38,49 @@ private:
 /// An exporter could not write its format.
 class LUMENTA_EXPORT ExporterException : public Exception {
 public:
-    explicit ExporterException(const QString& text);
+    explicit ExporterException(const QString& text); ///< Shows `text`.
 };
 
 /// A file was found and read, but what it holds could not be loaded.
 class LUMENTA_EXPORT LoadingException : public Exception {
 public:
-    explicit LoadingException(const QString& text);
+    explicit LoadingException(const QString& text); ///< Shows `text`.
 };
 
 /// A document could not be saved.
 class LUMENTA_EXPORT SavingException : public Exception {
 public:
-    explicit SavingException(const QString& text);
+    explicit SavingException(const QString& text); ///< Shows `text`.
 };
 
 /// An object is not of the class that was asked for.
 class LUMENTA_EXPORT CastException : public Exception {
 public:
-    explicit CastException(const QString& text);
+    explicit CastException(const QString& text); ///< Shows `text`.
 };
 
 /// An image is of no format that anyone here reads or writes.
 class LUMENTA_EXPORT ImageFormatException : public Exception {
 public:
-    explicit ImageFormatException(const QString& text);
+    explicit ImageFormatException(const QString& text); ///< Shows `text`.
 };
 
 /// A file is of no format that anyone here reads or writes.
 class LUMENTA_EXPORT UnsupportedFormatException : public Exception {
 public:
-    explicit UnsupportedFormatException(const QString& text);
+    explicit UnsupportedFormatException(const QString& text); ///< Shows `text`.
 };
 
 /// The program contradicts itself.
 class LUMENTA_EXPORT LogicException : public Exception {
 public:
-    explicit LogicException(const QString& text);
+    explicit LogicException(const QString& text); ///< Shows `text`.
 };
 
 /// Memory ran out, while doing what the text says.
 class LUMENTA_EXPORT OutOfMemoryException : public Exception {
 public:
-    explicit OutOfMemoryException(const QString& text);
+    explicit OutOfMemoryException(const QString& text); ///< Shows `text`.
 
     /// Shows "<text>\nAttempted to allocate <bytes> bytes".
     OutOfMemoryException(const QString& text, unsigned long bytes);

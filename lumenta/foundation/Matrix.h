@@ -19,17 +19,18 @@
 /// vector. Starts as the identity. No formula stands in this header: the
 /// client's own compiler flags must not change a bit of any result.
 struct LUMENTA_EXPORT Matrix {
+    /// Row by row.
     alignas(16) float m[16] = {1.0f, 0.0f, 0.0f, 0.0f,
                                0.0f, 1.0f, 0.0f, 0.0f,
                                0.0f, 0.0f, 1.0f, 0.0f,
                                0.0f, 0.0f, 0.0f, 1.0f};
 
-    float& operator()(int row, int column) { return m[4 * row + column]; }
-    float operator()(int row, int column) const { return m[4 * row + column]; }
+    float& operator()(int row, int column) { return m[4 * row + column]; } ///< Both counted from 0; not checked.
+    float operator()(int row, int column) const { return m[4 * row + column]; } ///< Likewise.
 
-    void SetIdentity() { *this = Matrix(); }
+    void SetIdentity() { *this = Matrix(); } ///< Overwrites all sixteen.
 
-    TVec3<float> GetTranslation() const { return {m[12], m[13], m[14]}; }
+    TVec3<float> GetTranslation() const { return {m[12], m[13], m[14]}; } ///< Where the origin goes: m[12..14].
 
     /// Writes m[12..14] and nothing else.
     void SetTranslation(const TVec3<float>& translation);
@@ -44,6 +45,7 @@ struct LUMENTA_EXPORT Matrix {
 /// `result` may be `a` or `b`.
 LUMENTA_EXPORT void Multiply(Matrix& result, const Matrix& a, const Matrix& b);
 
+/// The product a·b, as Multiply() makes it.
 LUMENTA_EXPORT Matrix operator*(const Matrix& a, const Matrix& b);
 
 /// Writes the full 4×4 inverse of `source`, the adjugate times the reciprocal
@@ -74,6 +76,7 @@ inline bool operator!=(const Matrix& a, const Matrix& b) { return !(a == b); }
 /// projective one Qt also divides. A·B becomes
 /// `MatrixToQMatrix4x4(B) * MatrixToQMatrix4x4(A)`.
 LUMENTA_EXPORT QMatrix4x4 MatrixToQMatrix4x4(const Matrix& matrix);
+/// The way back.
 LUMENTA_EXPORT Matrix QMatrix4x4ToMatrix(const QMatrix4x4& matrix);
 
 LUMENTA_EXPORT QDebug operator<<(QDebug debug, const Matrix& matrix);

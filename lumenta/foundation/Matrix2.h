@@ -11,8 +11,10 @@ class QDebug;
 /// Row-major: (a, b, 0), (c, d, 0), (tx, ty, 1). There is no way to make
 /// another third column, so a coordinate (u, v) maps to (u·a + v·c + tx, u·b + v·d + ty).
 struct Matrix2 {
-    float m[9];
+    float m[9]; ///< Row by row.
 
+    /// \param a, b, c, d where the axes go
+    /// \param tx, ty      where the origin goes
     constexpr Matrix2(float a, float b, float c, float d, float tx, float ty)
         : m{a, b, 0.0f, c, d, 0.0f, tx, ty, 1.0f}
     {

@@ -10,12 +10,12 @@
 /// position, normal and texture coordinate only; the tangent frame stays as
 /// whoever filled the vertex left it.
 struct MeshVertex {
-    TVec3<float> position;
-    TVec3<float> normal;
-    TVec3<float> tangent;
-    TVec3<float> bitangent;
-    TVec2<float> texCoord;
-    float handedness; ///< +1 or -1: whether the tangent frame is right-handed.
+    TVec3<float> position;  ///< In the space of the node that holds the mesh.
+    TVec3<float> normal;    ///< Of the surface there, outwards.
+    TVec3<float> tangent;   ///< Along growing u.
+    TVec3<float> bitangent; ///< Along growing v.
+    TVec2<float> texCoord;  ///< Origin top left, as images have it.
+    float handedness;       ///< +1 or -1: whether the tangent frame is right-handed.
 };
 
 static_assert(sizeof(MeshVertex) == 60 && offsetof(MeshVertex, texCoord) == 48,

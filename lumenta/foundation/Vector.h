@@ -13,17 +13,17 @@ class QDebug;
 /// `TVec2<float> v{};` is zero.
 template <typename T>
 struct TVec2 {
-    T x;
-    T y;
+    T x; ///< To the right; u of a texture coordinate.
+    T y; ///< The other one; v of a texture coordinate.
 };
 
 /// Three components, contiguous: a point, a direction, a normal, or Euler
 /// angles in degrees. A plain record like TVec2.
 template <typename T>
 struct TVec3 {
-    T x;
-    T y;
-    T z;
+    T x; ///< First.
+    T y; ///< Second.
+    T z; ///< Third; up, in the world.
 };
 
 // Sums and differences are inline. Products are not: a compiler that may fuse
@@ -53,6 +53,7 @@ template <typename T>
 constexpr TVec3<T> operator-(const TVec3<T>& a) { return {-a.x, -a.y, -a.z}; }
 /// Each component times `factor`.
 LUMENTA_EXPORT TVec2<float> operator*(const TVec2<float>& v, float factor);
+/// Each component times `factor`.
 LUMENTA_EXPORT TVec3<float> operator*(const TVec3<float>& v, float factor);
 
 /// x·x' + y·y' + z·z', summed in this order.
@@ -68,9 +69,13 @@ LUMENTA_EXPORT float Length(const TVec3<float>& v);
 /// A length that is not a number is divided by.
 LUMENTA_EXPORT TVec3<float> Normalized(const TVec3<float>& v);
 
+/// The same components, bit by bit.
 inline QVector2D TVec2ToQVector2D(const TVec2<float>& v) { return {v.x, v.y}; }
+/// The same components, bit by bit.
 inline TVec2<float> QVector2DToTVec2(const QVector2D& v) { return {v.x(), v.y()}; }
+/// The same components, bit by bit.
 inline QVector3D TVec3ToQVector3D(const TVec3<float>& v) { return {v.x, v.y, v.z}; }
+/// The same components, bit by bit.
 inline TVec3<float> QVector3DToTVec3(const QVector3D& v) { return {v.x(), v.y(), v.z()}; }
 
 LUMENTA_EXPORT QDebug operator<<(QDebug debug, const TVec2<float>& v);

@@ -22,6 +22,7 @@ public:
     using QObject::QObject;
     ~IDisplayEvents() override;
 
+    /// A button went down.
     virtual bool OnMousePress(const QPoint& point, const TVec2<float>& viewSize, Qt::MouseButton button,
                               Qt::KeyboardModifiers modifiers) = 0;
 
@@ -29,6 +30,7 @@ public:
     virtual bool OnMouseMove(const QPoint& point, const TVec2<float>& viewSize, Qt::MouseButtons buttons,
                              Qt::KeyboardModifiers modifiers) = 0;
 
+    /// A button went up.
     virtual bool OnMouseRelease(const QPoint& point, const TVec2<float>& viewSize, Qt::MouseButton button,
                                 Qt::KeyboardModifiers modifiers) = 0;
 

@@ -9,12 +9,12 @@ struct Matrix;
 
 /// Everything that a camera remembers, as one record to keep and put back.
 struct sCameraState {
-    TVec3<float> target{0.0f, 0.0f, 0.0f};
-    float distance = 1.0f;
-    float heading = 0.0f;
-    float pitch = 0.0f;
-    float fieldOfView = 45.0f;
-    float frameAspect = 1.0f;
+    TVec3<float> target{0.0f, 0.0f, 0.0f}; ///< What it orbits.
+    float distance = 1.0f;                 ///< From the target.
+    float heading = 0.0f;                  ///< IFreeCamera::GetHeading().
+    float pitch = 0.0f;                    ///< IFreeCamera::GetPitch().
+    float fieldOfView = 45.0f;             ///< IFreeCamera::GetFieldOfView().
+    float frameAspect = 1.0f;              ///< IFreeCamera::GetFrameAspect().
 };
 
 /// The sides from which a camera can be told to look.
@@ -51,18 +51,22 @@ public:
 
     // Where it is and where it looks.
 
+    /// The point that it orbits and looks at.
     virtual const TVec3<float>& GetTarget() const = 0;
 
     /// Moves camera and target together.
     virtual void SetTarget(const TVec3<float>& target) = 0;
 
+    /// From the camera to its target.
     virtual float GetDistance() const = 0;
 
     /// \param distance is held within what a camera of the host can do, which
     ///                 is above 0
     virtual void SetDistance(float distance) = 0;
 
+    /// The turn about z: 0 looks along +x, 90 along +y.
     virtual float GetHeading() const = 0;
+    /// How far it looks down: 90 is straight down.
     virtual float GetPitch() const = 0;
 
     /// \param heading is brought into (−180, 180]
@@ -86,6 +90,7 @@ public:
 
     // How a hand moves it. A locked camera ignores these six.
 
+    /// Turns about the target by these angles.
     virtual void Orbit(float heading, float pitch) = 0;
 
     /// Shifts camera and target along the picture.
@@ -107,6 +112,7 @@ public:
 
     // All of it at once.
 
+    /// All values, as SetState() takes them.
     virtual sCameraState GetState() const = 0;
 
     /// Values are held within their limits as by the single setters.
@@ -115,8 +121,10 @@ public:
     /// Makes where it is now what Reset() comes back to.
     virtual void SetHome() = 0;
 
+    /// Back to its home: where a new camera stands, until SetHome() is called.
     virtual void Reset() = 0;
 
+    /// Whether a hand can't move it; setters can.
     virtual bool IsLocked() const = 0;
     virtual void SetLocked(bool bLocked) = 0;
 
@@ -125,5 +133,5 @@ public:
     virtual const Matrix& GetMatrix() const = 0;
 
 Q_SIGNALS:
-    void changed();
+    void changed(); ///< Some value is another one.
 };

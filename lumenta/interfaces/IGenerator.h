@@ -16,13 +16,13 @@ struct sGeneratorParameter {
     QString strTitle; ///< Shown to people.
     QVariant value;   ///< Of a new generator; its type is the parameter's type.
     QVariant least;   ///< Invalid where there is no limit.
-    QVariant most;
+    QVariant most;    ///< Likewise.
 };
 
 /// Values that go together well: "Wine bottle", "Flask".
 struct sGeneratorPreset {
-    QString strTitle;
-    QMap<QString, QVariant> values;
+    QString strTitle;               ///< Shown to people.
+    QMap<QString, QVariant> values; ///< By the names of parameters.
 };
 
 /// Makes meshes out of numbers: a box, a sphere, a bottle.

@@ -52,6 +52,7 @@ public:
     /// Mean over all pixels, colours weighted by their alpha.
     virtual ColorF GetAverageColor() const = 0;
 
+    /// A copy of the pixels.
     virtual QImage ToQImage() const = 0;
 
     /// Replaces the pixels; the file name stays.
@@ -70,5 +71,6 @@ public:
     /// \param nQuarterTurns clockwise; negative turns back
     virtual void Rotate(int nQuarterTurns) = 0;
 
+    /// Swaps left and right, or top and bottom, or both.
     virtual void Mirror(bool bHorizontally, bool bVertically) = 0;
 };

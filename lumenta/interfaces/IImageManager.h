@@ -22,7 +22,7 @@ struct ImageSaverInfo {
 
 /// A format that images can be read from.
 struct ImageLoaderInfo {
-    QString title;
+    QString title;          ///< Shown to people.
     QString description;    ///< What a file dialog shows for it.
     QStringList extensions; ///< Without the dot.
 };

@@ -32,6 +32,7 @@ public:
     /// \param intensity negative, or no number, counts as 0
     virtual void SetIntensity(float intensity) = 0;
 
+    /// Whether things that stand in its light throw a shadow.
     virtual bool CastsShadows() const = 0;
 
     /// In world units, whatever the scale of the node: the sphere that is

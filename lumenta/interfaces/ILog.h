@@ -21,5 +21,6 @@ public:
     /// It is not owned, and must be taken out before it is deleted.
     virtual void AddWriter(ILogWriter* pWriter) = 0;
 
+    /// One that was never added is passed over.
     virtual void RemoveWriter(ILogWriter* pWriter) = 0;
 };

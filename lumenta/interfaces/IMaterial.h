@@ -63,6 +63,7 @@ public:
 
     // Colours.
 
+    /// Of the surface in white light.
     virtual ColorF GetDiffuseColor() const = 0;
     virtual void SetDiffuseColor(const ColorF& color) = 0;
 
@@ -74,6 +75,7 @@ public:
     virtual ColorF GetSpecularColor() const = 0;
     virtual void SetSpecularColor(const ColorF& color) = 0;
 
+    /// Of the light that the surface gives by itself.
     virtual ColorF GetEmissionColor() const = 0;
     virtual void SetEmissionColor(const ColorF& color) = 0;
 
@@ -123,9 +125,11 @@ public:
     virtual bool IsTwoSided() const = 0;
     virtual void SetTwoSided(bool bTwoSided) = 0;
 
+    /// Whether the surface throws shadows.
     virtual bool CastsShadows() const = 0;
     virtual void SetCastsShadows(bool bCasts) = 0;
 
+    /// Whether shadows of others are seen on it.
     virtual bool ReceivesShadows() const = 0;
     virtual void SetReceivesShadows(bool bReceives) = 0;
 
@@ -171,6 +175,7 @@ public:
     virtual QRectF GetTextureRect(eMaterialSlot slot) const = 0;
     virtual void SetTextureRect(eMaterialSlot slot, const QRectF& rect) = 0;
 
+    /// How the image is turned or mirrored within its rectangle.
     virtual eMaterialTextureTransformation GetTextureTransformation(eMaterialSlot slot) const = 0;
 
     /// \param transformation a number that is none counts as TT_Identity
@@ -244,7 +249,7 @@ public:
     virtual void EndUpdate() = 0;
 
 Q_SIGNALS:
-    void changed();
-    void imageUnload(eMaterialSlot slot, IImage* pImage);
-    void imageLoad(eMaterialSlot slot, IImage* pImage);
+    void changed(); ///< Something that GetParameters() or GetName() tells, or an image.
+    void imageUnload(eMaterialSlot slot, IImage* pImage); ///< The image is about to leave the slot.
+    void imageLoad(eMaterialSlot slot, IImage* pImage);   ///< The image is in the slot.
 };

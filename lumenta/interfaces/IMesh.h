@@ -34,6 +34,7 @@ public:
     /// The box of all vertices; the empty box where there are none.
     virtual const TBBox<float>& GetBBox() const = 0;
 
+    /// In the space of the node.
     virtual const std::vector<MeshVertex>& GetVertices() const = 0;
 
     /// Three per triangle, each less than the number of vertices.

@@ -18,7 +18,7 @@ struct Scene;
 
 /// A format that models can be read from.
 struct ModelFormatInfo {
-    QString title;
+    QString title;          ///< Shown to people.
     QString description;    ///< What a file dialog shows for it.
     QStringList extensions; ///< Without the dot.
 };
@@ -30,8 +30,8 @@ struct ModelFormatInfo {
 /// "shininess" (double, the Phong exponent), "twoSided" (bool), and "texture"
 /// (QString: a path as the file spells it, or the name of an embedded image).
 struct sModelMaterial {
-    QString name;
-    QMap<QString, QVariant> parameters;
+    QString name;                       ///< As the file has it; may be empty.
+    QMap<QString, QVariant> parameters; ///< As above.
 };
 
 /// Reads model files into skinned, animated scenes.

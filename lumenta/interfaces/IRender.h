@@ -54,6 +54,7 @@ public:
 Q_SIGNALS:
     /// A line for a person.
     void log(const QString& strText);
+    /// The picture has come to its end, good or bad.
     void done(eRenderExitCode code);
     /// 0 to 100, never falling within one picture.
     void progress(int n);

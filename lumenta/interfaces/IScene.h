@@ -121,6 +121,7 @@ public:
     /// \throws LogicException nothing is open
     virtual void EndUpdate() = 0;
 
+    /// Whether a batch is open.
     virtual bool IsUpdating() const = 0;
 
     // The ground: the plane z = 0.
@@ -137,8 +138,10 @@ public:
 
     // The background.
 
+    /// Which of the three is seen.
     virtual eBackgroundMode GetBackgroundMode() const = 0;
     virtual void SetBackgroundMode(eBackgroundMode mode) = 0;
+    /// Seen with eBackgroundColor, and where an image is missing.
     virtual ColorF GetBackgroundColor() const = 0;
     virtual void SetBackgroundColor(const ColorF& color) = 0;
 
@@ -177,6 +180,7 @@ public:
 
     virtual void SetSelection(const std::vector<INode*>& nodes) = 0;
 
+    /// False for null and nodes of another scene.
     virtual bool IsSelected(const INode* pNode) const = 0;
 
     /// Adds a node to the selection or takes it out.
@@ -280,9 +284,9 @@ public:
     virtual void SetRenderSize(const QSize& size) = 0;
 
 Q_SIGNALS:
-    void selectionChanged();
-    void nodeChanged(const INode* pNode, eNodeChangedFlags what);
-    void sceneChanged(eSceneChangedFlags what);
-    void beforeSceneUpdate(const sSceneModifications&);
-    void afterSceneUpdate(const sSceneModifications&);
+    void selectionChanged();                                      ///< GetSelection() answers another list.
+    void nodeChanged(const INode* pNode, eNodeChangedFlags what); ///< At once with each change of a node.
+    void sceneChanged(eSceneChangedFlags what);                   ///< At once with each change beside the nodes.
+    void beforeSceneUpdate(const sSceneModifications&);           ///< A batch begins; with what is planned.
+    void afterSceneUpdate(const sSceneModifications&);            ///< A batch has ended; with what came of it.
 };

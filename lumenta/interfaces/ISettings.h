@@ -25,5 +25,6 @@ public:
     virtual void SetValue(const QString& strName, const QVariant& value) = 0;
 
 Q_SIGNALS:
+    /// A setting has another value; an invalid one where it was forgotten.
     void onValueChanged(const QString& strName, const QVariant& val);
 };

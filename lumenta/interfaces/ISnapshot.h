@@ -20,6 +20,7 @@ public:
     using QObject::QObject;
     ~ISnapshot() override;
 
+    /// Shown to people.
     virtual QString GetName() const = 0;
 
     /// When it was taken, in UTC.

@@ -38,10 +38,10 @@ public:
     virtual void Cancel() = 0;
 
 Q_SIGNALS:
-    void progress(int nPercent);
+    void progress(int nPercent); ///< 0 to 100.
     /// It can be seen at this address.
     void done(const QString& strAddress);
-    void failed(const QString& strError);
+    void failed(const QString& strError); ///< Why, in words for a person.
     /// Name or password are not accepted.
     void failedAuth();
     /// Settings are missing: ask the user for them, then upload again.

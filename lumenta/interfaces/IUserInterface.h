@@ -35,8 +35,11 @@ public:
 
     // Telling.
 
+    /// Something to know.
     virtual void ShowMessage(const QString& strText) = 0;
+    /// Something that went on all the same.
     virtual void ShowWarning(const QString& strText) = 0;
+    /// Something that could not be done.
     virtual void ShowError(const QString& strText) = 0;
 
     /// One line at the edge of the window, until the next one.
@@ -45,6 +48,7 @@ public:
     // Asking. Each answers false when it was cancelled, and then leaves the
     // value as it was.
 
+    /// \return true for yes; a cancelled question is a no
     virtual bool AskYesNo(const QString& strQuestion) = 0;
 
     /// \param strText comes as the proposal, goes as the answer
@@ -53,6 +57,7 @@ public:
     /// \param nChoice index into `choices`
     virtual bool AskChoice(const QString& strTitle, const QStringList& choices, int& nChoice) = 0;
 
+    /// \param color comes as the proposal, goes as the answer
     virtual bool AskColor(ColorF& color) = 0;
 
     /// A dialog that the caller shows and deletes. Never null: a host without
@@ -63,11 +68,13 @@ public:
 
     // Working. Works may hold further ones; each counts as a part of its outer one.
 
+    /// A work begins that takes its time.
     virtual void BeginProgress(const QString& strTitle) = 0;
 
     /// \return false once the user wants to stop; without windows never
     virtual bool SetProgress(int nPercent) = 0;
 
+    /// Ends the work that began last.
     virtual void EndProgress() = 0;
 
     // The surroundings.

@@ -53,11 +53,13 @@ enum eRenderExitCode {
     eRenderExitFailed   ///< The last log() tells why.
 };
 
+/// Both.
 constexpr eNodeChangedFlags operator|(eNodeChangedFlags a, eNodeChangedFlags b)
 {
     return static_cast<eNodeChangedFlags>(static_cast<int>(a) | static_cast<int>(b));
 }
 
+/// Both.
 constexpr eSceneChangedFlags operator|(eSceneChangedFlags a, eSceneChangedFlags b)
 {
     return static_cast<eSceneChangedFlags>(static_cast<int>(a) | static_cast<int>(b));

@@ -43,8 +43,8 @@ public:
     /// The path stays then, so that whoever asks again gets it, without the file.
     QVariant retrieveData(const QString& mimeType, QVariant::Type type) const override;
 
-    const QMap<QString, QVariant>& GetParameters() const;
-    const QString& GetName() const;
+    const QMap<QString, QVariant>& GetParameters() const; ///< As they came.
+    const QString& GetName() const;                       ///< Likewise.
 
     /// False where the parameters hold "texture". Even an empty one: there is no
     /// image to offer then, and the material is written.

@@ -16,11 +16,11 @@ class ISettings;
 /// is null. A host with property panels has images and model formats.
 class LUMENTA_EXPORT IApplicationContext {
 public:
-    virtual IImageManager* GetImageManager() const = 0;
-    virtual const IModelFormats* GetModelFormats() const = 0;
-    virtual const ISerializersRegistry* GetSerializers() const = 0;
-    virtual ISettings* GetSettings() const = 0;
-    virtual ILog* GetLog() const = 0;
+    virtual IImageManager* GetImageManager() const = 0;             ///< Loads images and keeps them.
+    virtual const IModelFormats* GetModelFormats() const = 0;       ///< What models can be read.
+    virtual const ISerializersRegistry* GetSerializers() const = 0; ///< What scenes can be read and written.
+    virtual ISettings* GetSettings() const = 0;                     ///< What is remembered between runs.
+    virtual ILog* GetLog() const = 0;                               ///< Where to tell what nobody waits for.
 
 protected:
     IApplicationContext() = default;

@@ -19,9 +19,9 @@ class IUserInterface;
 /// is null. A host with property panels has a user interface.
 class LUMENTA_EXPORT IDocumentContext {
 public:
-    virtual IScene* GetScene() const = 0;
-    virtual IUserInterface* GetUserInterface() const = 0;
-    virtual IScriptRunner* GetScriptRunner() const = 0;
+    virtual IScene* GetScene() const = 0;                 ///< Never null.
+    virtual IUserInterface* GetUserInterface() const = 0; ///< How to talk to the user of this document.
+    virtual IScriptRunner* GetScriptRunner() const = 0;   ///< Runs scripts against this document.
 
 protected:
     IDocumentContext() = default;

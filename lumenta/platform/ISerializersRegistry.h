@@ -25,8 +25,8 @@ class LUMENTA_EXPORT ISerializersRegistry {
 public:
     // The places are fixed. No virtual destructor: the host alone ends it.
 
-    virtual QList<SerializerInfo> GetSavers() const = 0;
-    virtual QList<SerializerInfo> GetLoaders() const = 0;
+    virtual QList<SerializerInfo> GetSavers() const = 0;  ///< In order of registration.
+    virtual QList<SerializerInfo> GetLoaders() const = 0; ///< Likewise.
 
     /// Every extension that a document can be opened from, each once and in
     /// lower case; models, which come in through a model loader, included.

@@ -14,6 +14,7 @@ class LUMENTA_EXPORT FileSource : public IFileSource {
     Q_OBJECT
 
 public:
+    /// Keeps both addresses; neither is asked yet.
     FileSource(IImageManager* pManager, IUserInterface* pUserInterface);
     ~FileSource() override;
 

@@ -14,6 +14,7 @@ class LUMENTA_EXPORT ModelSourceImpl : public IFileSource {
     Q_OBJECT
 
 public:
+    /// Keeps both addresses; neither is asked yet.
     ModelSourceImpl(const IModelFormats* pFormats, IUserInterface* pUserInterface);
     ~ModelSourceImpl() override;
 

@@ -12,6 +12,7 @@ class IDocumentContext;
 /// keep plain pointers to its services. On the document's thread.
 class LUMENTA_EXPORT PropertyWidgetHelper final : public IPropertyListHelper {
 public:
+    /// Keeps references to both; neither is asked yet.
     PropertyWidgetHelper(IApplicationContext& application, IDocumentContext& document);
 
     /// A new source without a parent, which the caller owns: for "image" a

@@ -18,8 +18,8 @@ struct LUMENTA_EXPORT Ray {
     /// Of the diagonal of a mesh's box: by how much a triangle may be missed and is hit still.
     static constexpr float kTolerance = 0.0001f;
 
-    TVec3<float> start;
-    TVec3<float> end;
+    TVec3<float> start;        ///< Where parameters are 0.
+    TVec3<float> end;          ///< Where they are 1.
     TVec3<float> centre;       ///< Middle of the segment.
     TVec3<float> halfDelta;    ///< From `start` to `centre`.
     TVec3<float> absHalfDelta; ///< `halfDelta` without signs.

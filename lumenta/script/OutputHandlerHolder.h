@@ -13,6 +13,7 @@ class IScriptRunnerOutput;
 /// runner's thread.
 class LUMENTA_EXPORT OutputHandlerHolder {
 public:
+    /// Adds the output to the runner.
     OutputHandlerHolder(IScriptRunner& runner, IScriptRunnerOutput& output);
 
     /// A runner that throws when the output is removed ends the program.

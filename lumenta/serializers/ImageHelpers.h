@@ -28,6 +28,7 @@ LUMENTA_EXPORT IImageSaver* CreateImageSaverByFilename(const IImageManager* mana
 /// helper, and what it becomes meanwhile counts. Hand over a variable.
 class LUMENTA_EXPORT ImageLoadingHelper {
 public:
+    /// Asks nothing yet.
     ImageLoadingHelper(IImageManager* manager, const QString& baseFolder);
 
     /// The image, as the manager loads and keeps it; null where there is none.

@@ -27,12 +27,13 @@ struct LUMENTA_EXPORT Geometry {
     QMap<QString, QVariant> materialParameters; ///< Carried to the builder.
     bool skinned;                               ///< Whether bones deform the vertices.
     bool visible = true;                        ///< Invisible ones are posed, not emitted.
-    std::vector<SkinVertex> vertices;
+    std::vector<SkinVertex> vertices;           ///< As the loader filled them.
     std::vector<std::uint32_t> indices;         ///< Three per triangle, into `vertices` and `meshVertices`.
     std::vector<std::uint32_t> normalIndices;   ///< Per corner: its slot in the node's normal buffer. Empty
                                                 ///< where the vertices bring normals of their own.
     std::vector<MeshVertex> meshVertices;       ///< As posed last; parallel to `vertices`.
 
+    /// Without vertices, visible.
     Geometry(const QString& name, bool skinned);
 
     /// Poses every vertex into `meshVertices`: position, normal and texture

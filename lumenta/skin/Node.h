@@ -18,7 +18,7 @@ struct Geometry;
 /// Owns its children and its geometries; deleting the root frees the tree,
 /// however deep it is. Matrices are for row vectors: A·B applies A first.
 struct LUMENTA_EXPORT Node {
-    QString name;
+    QString name;                 ///< What Scene::GetNodeIndex() looks for; need not be unique.
     Matrix originGlobalTransform; ///< Global transform in the rest pose.
     Matrix originGlobalInverse;   ///< Its inverse; identity where it has none.
     Matrix bindTransform;         ///< geometryTransform · originGlobalTransform.

@@ -11,12 +11,12 @@ using ::MeshVertex;
 
 /// A vertex before it is posed: a MeshVertex, and the bones that pull at it.
 struct SkinVertex {
-    TVec3<float> position;
-    TVec3<float> normal;
+    TVec3<float> position;   ///< In the space of the geometry.
+    TVec3<float> normal;     ///< Likewise.
     TVec3<float> tangent;    ///< Carried for loaders; posing does not read it.
     TVec3<float> bitangent;  ///< Likewise.
-    TVec2<float> texCoord;
-    float handedness;        ///< Likewise.
+    TVec2<float> texCoord;   ///< Posing copies it.
+    float handedness;        ///< Carried like the tangent.
 
     /// Indices into `Scene::nodes`, one per influence. Not range-checked.
     std::uint16_t boneIndices[4];
