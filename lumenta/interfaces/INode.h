@@ -45,7 +45,9 @@ public:
     /// Shown to people; need not be unique, may be empty.
     virtual QString GetName() const = 0;
 
-    /// In order. Never holds null. The reference is good until the tree changes.
+    /// In order. Never holds null. The reference is good until the tree changes; while
+    /// the library walks the tree, the list stays where and as it is, whatever the nodes
+    /// are asked in between.
     virtual const std::vector<INode*>& GetChildren() const = 0;
 
     /// Placement relative to the parent.

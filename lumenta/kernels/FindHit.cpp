@@ -33,8 +33,6 @@
 #include "lumenta/kernels/Kernels.h"
 #include "lumenta/kernels/TriangleTest.h"
 
-#include <limits>
-
 namespace Kernels::LUMENTA_LEVEL {
 
 namespace {
@@ -72,7 +70,7 @@ LUMENTA_LANES_INLINE Line LineOf(const Segment& segment)
     const Vec1 end = ToVec(segment.end);
     const float length = Sqrt(Square(end - start));
     const float g = segment.tolerance + kRounding * (SumOfAbs(start) + SumOfAbs(end));
-    const float usable = length > 1e-15f && g < 1e12f ? length : std::numeric_limits<float>::quiet_NaN();
+    const float usable = length > 1e-15f && g < 1e12f ? length : __builtin_nanf("");
     return {Splat(start), Splat((end - start) / usable), Splat8(kGrown * g * g)};
 }
 

@@ -212,13 +212,14 @@ void PoseVertices(const PoseQuery& query, const SkinVertex* vertices, std::size_
 {
     const Pose pose = {Load(query.bind), Load(query.rigid), Load8(query.scale), Load8(query.offset), query.bones};
     Float4 normals[kVertices] = {};
-    SkinVertex rest[kVertices];
+    alignas(SkinVertex) unsigned char rest[kVertices * sizeof(SkinVertex)];
     for (std::size_t first = 0; first < count; first += kVertices) {
         const std::size_t size = count - first < kVertices ? count - first : kVertices;
         Block block = {vertices + first, posed + first, normals};
         if (size < kVertices) {
-            std::memcpy(static_cast<void*>(rest), block.in, size * sizeof *rest);
-            block.in = rest;
+            std::memcpy(rest, block.in, size * sizeof *block.in);
+            std::memset(rest + size * sizeof *block.in, 0, (kVertices - size) * sizeof *block.in);
+            block.in = reinterpret_cast<const SkinVertex*>(rest);
         }
         PoseBlock(pose, block, kAll >> (kVertices - size), query.isSkinned);
         for (std::size_t i = 0; i < size; i += 8)

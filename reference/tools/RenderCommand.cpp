@@ -113,7 +113,7 @@ Verb RenderVerb()
         {{QStringLiteral("stats")},
          QString(),
          QStringLiteral("Tell where the time went: milliseconds of each stage and its share of all. \"reading\" is the "
-                        "file and its textures; \"framing\" finds where the camera must stand for all poses; "
+                        "file and its textures, and of a document all until it stands open; \"framing\" finds where the camera must stand for all poses; "
                         "\"preparing\" is what the renderer does before the first pixel, as copying the scene and "
                         "building a tree of its triangles.")});
     manual.examples = {

@@ -76,6 +76,15 @@ void Break(Scene& scene, std::uint64_t seed)
     std::vector<NodeTrack>& tracks = scene.animations[0]->layers[0].tracks;
     for (NodeTrack& track : tracks) {
         const std::uint32_t rate = random.Below(2) != 0 ? 12 : 1000;
+        float shift = 0.0f;
+        for (std::size_t i = 1; i < track.keys.size() && rate == 12; ++i) {
+            const float before = track.keys[i - 1].time;
+            float& time = track.keys[i].time;
+            if (random.Below(60) == 0) shift = 1000.0f * (shift + 1.0f);
+            time = random.Below(3) == 0 ? std::nextafter(before, HUGE_VALF) : std::max(before, time + shift);
+        }
+        if (random.Below(8) == 0) track.keys.front().time = -HUGE_VALF;
+        if (random.Below(8) == 0) track.keys.back().time = HUGE_VALF;
         for (std::size_t i = 0; i < track.keys.size(); ++i) {
             KeyFrame& key = track.keys[i];
             const Quaternion before = track.keys[i == 0 ? 0 : i - 1].rotation;
@@ -99,6 +108,7 @@ void Break(Scene& scene, std::uint64_t seed)
     tracks[5].keys.resize(1);
     tracks[6].node = tracks[7].node; // both times next to each other
     tracks[8].node = tracks[30].node;
+    tracks.resize(10 + 5 * seed); // 13 to 48 that count
     nodes[20]->parent = nullptr;
     nodes[21]->parent = nodes[21];
     nodes.insert(nodes.begin(), {nodes[1], nodes[0]}); // once where its parent was, once where it is
@@ -140,6 +150,7 @@ private Q_SLOTS:
             std::vector<Matrix> ours{Workloads::RandomTransform(random), Workloads::RandomTransform(random), Matrix()};
             for (float& value : ours[round % 2].m)
                 if (round % 3 == 0) value = Workloads::OddFloat(random);
+            if (round % 6 == 0) ours[1 - round % 2].m[random.Below(16)] = Workloads::OddFloat(random);
             if (round % 7 == 0) std::memcpy(ours[1].m + 4, ours[1].m + 4 * random.Below(4), 16); // singular, if not by rounding
             std::vector<Matrix> plain = ours;
 
@@ -209,19 +220,26 @@ private Q_SLOTS:
         QFETCH(const Kernels::Table*, level);
         Random random(5);
         for (const auto mix : {Workloads::Influences::Four, Workloads::Influences::Random, Workloads::Influences::InRuns})
-            for (const std::size_t count : {1, 7, 33, 20000}) {
-                const auto scene = Workloads::MakeSkeleton(count == 7 ? 400 : 60, 2, 40.0f, count);
+            for (const auto& [count, bones] : {std::pair(1, 60), {7, 400}, {33, 60}, {90, 400}, {500, 300}, {20000, 60}}) {
+                const auto scene = Workloads::MakeSkeleton(bones, 2, 40.0f, count);
                 Geometry& skin = Workloads::AddSkin(*scene, count, mix, count + 1);
                 scene->CalculateAnimation(0, 25.0f);
                 for (SkinVertex& vertex : skin.vertices) {
                     if (random.Below(3) != 0) continue;
                     (random.Below(2) != 0 ? vertex.position : vertex.normal) = OddVector(random);
+                    if (random.Below(4) == 0) vertex.weights[random.Below(4)] = Workloads::OddFloat(random);
                     const auto dead = std::find(vertex.weights, vertex.weights + 4, 0.0f) - vertex.weights;
                     std::fill(vertex.boneIndices + dead, vertex.boneIndices + 4, std::uint16_t(65535));
                     if (dead < 3) vertex.weights[dead + 1] = Workloads::OddFloat(random);
                     if (random.Below(20) == 0) vertex.weights[0] = -1.0f;
                 }
                 scene->nodes[1]->skinTransform.m[random.Below(16)] = Workloads::OddFloat(random);
+                scene->nodes[2]->skinTransformInverse.m[random.Below(16)] = Workloads::OddFloat(random);
+                if (count == 500) scene->root->bindTransform.m[random.Below(12)] = Workloads::OddFloat(random);
+                skin.indices.resize(skin.indices.size() - 3 * random.Below(static_cast<std::uint32_t>(skin.indices.size() / 3)));
+                skin.normalIndices.resize(skin.indices.size());
+                for (std::uint32_t& slot : skin.normalIndices)
+                    if (mix == Workloads::Influences::InRuns) slot = random.Below(10) % scene->root->normalCount;
                 skin.skinned = random.Below(4) != 0;
                 MeshVertex before{}; // whose other fields stay
                 before.tangent = before.bitangent = {1.5f, -2.5f, 3.5f};
@@ -238,7 +256,7 @@ private Q_SLOTS:
                 PoseVertices(*level, input, skin.vertices.data(), skin.vertices.size(), skin.meshVertices.data());
                 QVERIFY(Same(skin.meshVertices, plain.meshVertices));
 
-                std::vector<Vec3> ours(scene->root->normalCount), theirs(ours);
+                std::vector<Vec3> ours(scene->root->normalCount, OddVector(random)), theirs(ours);
                 level->addFaceNormals(skin.meshVertices.data(), skin.indices.data(), skin.normalIndices.data(),
                                       skin.indices.size() / 3, ours.data());
                 Naive::CollectNormals(plain, theirs);
@@ -268,6 +286,7 @@ private Q_SLOTS:
                 for (int i = 0; i < 30; ++i) {
                     times.push_back(random.Between(0.0f, length));
                     times.push_back(std::floor(times.back()));
+                    times.push_back(1000.0f + times.back());
                 }
                 for (const float time : times) {
                     PoseNodes(*level, ours->animations[0]->layers[0].tracks, time, ours->nodes);
