@@ -45,12 +45,13 @@ Kernels::BoneRows RowsOf(const Node* bone)
 
 /// With the rows of no more bones than the vertices need, who see them under
 /// other numbers.
-void PoseFew(const Kernels::Table& kernels, Kernels::PoseQuery query, Node* const* bones, const SkinVertex* vertices,
-             std::size_t count, MeshVertex* posed)
+void PoseFew(const Kernels::Table& kernels, const Kernels::PoseQuery& whole, Node* const* bones,
+             const SkinVertex* vertices, std::size_t count, MeshVertex* posed)
 {
     constexpr std::size_t kFew = 16;
     Kernels::BoneRows rows[4 * kFew];
     SkinVertex few[kFew];
+    Kernels::PoseQuery query = whole;
     query.bones = rows;
     for (std::size_t first = 0; first < count; first += kFew) {
         const std::size_t size = std::min(count - first, kFew);
