@@ -28,6 +28,7 @@ using SkinAnimation::SkinVertex;
 using Set = std::uint32_t;
 
 constexpr std::size_t kVertices = 32; ///< In a block.
+constexpr std::size_t kAhead = 64;    ///< In vertices: where memory is asked for what comes.
 constexpr Set kAll = ~Set{0};
 
 /// The vertices of a block that at least so many bones hold.
@@ -119,6 +120,14 @@ LUMENTA_LANES_INLINE Held HeldOf(const SkinVertex* block)
     return held;
 }
 
+/// Two lines of memory for a record of 84 bytes; a third is the next one's.
+LUMENTA_LANES_INLINE void AskAhead(const SkinVertex* v)
+{
+    const auto* const ahead = reinterpret_cast<const char*>(v + kAhead);
+    __builtin_prefetch(ahead);
+    __builtin_prefetch(ahead + 64);
+}
+
 /// `N` vertices that `Count` bones hold.
 template <int Count, std::size_t N>
 LUMENTA_LANES_INLINE void PoseSideBySide(const Pose& pose, const Block& block, const std::size_t (&places)[N])
@@ -139,6 +148,8 @@ LUMENTA_LANES_INLINE void PoseSideBySide(const Pose& pose, const Block& block, c
                 sums[i] = sums[i] + Move(bound[i], Load(pose.bones[v.boneIndices[j]])) * Splat8(v.weights[j]);
             }
     }
+    for (std::size_t i = 0; i < N; ++i)
+        AskAhead(block.in + places[i]);
     for (std::size_t i = 0; i < N; ++i) {
         const Float8 placed = sums[i] * pose.scale + pose.offset;
         MeshVertex* const posed = block.out + places[i];
