@@ -6,7 +6,8 @@
 #include <QString>
 
 // Files as a whole, byte by byte: nobody turns line ends. Each failure is a
-// FileException with the file name as it was passed. All are reentrant.
+// FileException with the file name as it was passed; no file can be opened whose
+// name holds a zero character. All are reentrant.
 
 /// Replaces what the file holds, or makes the file. Its folder must exist.
 ///

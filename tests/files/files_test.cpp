@@ -189,6 +189,11 @@ private Q_SLOTS:
         AnswerColumns();
         Row("saved in no folder", Outcome(Saving("none/../%2.txt")), kNotOpened.arg("none/../%2.txt"));
         Row("saved as a folder", Outcome(Saving("doc")), kNotOpened.arg("doc"));
+        const QString ended = QString("other/away.png") + QChar(0) + ".txt"; // no other name, up to there
+        Row("saved under a name with a zero", Outcome(Saving(ended)), kNotOpened.arg(ended));
+        Row("read from a name with a zero", Outcome(Reading(ended)), kNotOpened.arg(ended));
+        Row("no folder is made up to a zero", Outcome(Saving("new" + ended, &TrySaveDataToFile)), kNotOpened.arg("new" + ended));
+        Row("there is none", QFileInfo::exists("newother") ? "there" : "none", "none");
         Row("saved without permission", Hard(&WithoutPrivilege, Saving("closed")), kNotOpened.arg("closed"));
         Row("no folder can be made", Outcome(Saving("other/away.png/a/b", &TrySaveDataToFile)),
             kNotOpened.arg("other/away.png/a/b"));

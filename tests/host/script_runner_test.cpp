@@ -13,6 +13,7 @@
 
 #include <QScriptValue>
 
+#include <cstring>
 #include <functional>
 
 using namespace Host;
@@ -119,6 +120,19 @@ private Q_SLOTS:
     }
 
     void Programs() { CompareAnswer(); }
+
+    void NumbersThatLookLikePointers()
+    {
+        Document document(kApplication);
+        const quint32 bits = 0xffffffff; // the engine's own NaN has others
+        Matrix matrix;
+        std::memcpy(matrix.m, &bits, sizeof bits);
+        document.GetScene()->GetRoot()->CreateGroup("n")->SetMatrix(matrix);
+        Console console;
+        const OutputHandlerHolder holder(*document.GetScriptRunner(), console);
+        document.GetScriptRunner()->Run("print(scene.find('n').matrix.slice(0, 2))", "s.js");
+        QCOMPARE(console.told, QStringList("NaN,0"));
+    }
 
     void AgreesWithTheLibrary()
     {

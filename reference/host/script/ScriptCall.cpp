@@ -3,6 +3,7 @@
 #include "lumenta/script/ScriptArguments.h"
 #include "lumenta/script/ScriptDocument.h"
 
+#include <cmath>
 #include <exception>
 
 namespace Host {
@@ -218,6 +219,14 @@ QScriptValue ScriptCall::Wrapped(QObject* pObject) const
     return m_engine.newQObject(pObject, QScriptEngine::QtOwnership,
                                QScriptEngine::PreferExistingWrapperObject | QScriptEngine::ExcludeSuperClassContents
                                    | QScriptEngine::ExcludeChildObjects | QScriptEngine::ExcludeDeleteLater);
+}
+
+QScriptValue ScriptCall::Number(float number) const
+{
+    // The engine keeps pointers in the bits of NaNs, and takes some of them, which
+    // a document may hold, for such.
+    if (std::isnan(number)) return std::numeric_limits<double>::quiet_NaN();
+    return static_cast<double>(number);
 }
 
 QScriptValue ScriptCall::Numbers(const float* pNumbers, std::size_t count) const

@@ -78,7 +78,7 @@ public:
 
     /// The same script object for the same object; null for null.
     QScriptValue Wrapped(QObject* pObject) const;
-    QScriptValue Number(float number) const { return static_cast<double>(number); }
+    QScriptValue Number(float number) const;
     QScriptValue Numbers(const float* pNumbers, std::size_t count) const;
     QScriptValue Numbers(const TVec3<float>& vector) const;
     QScriptValue Numbers(const ColorF& color) const;
