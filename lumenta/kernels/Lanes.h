@@ -169,14 +169,6 @@ LUMENTA_LANES_INLINE unsigned Bits(Mask8 mask)
     return static_cast<unsigned>(_mm256_movemask_ps(reinterpret_cast<__m256>(mask)));
 }
 
-/// `a` in lanes whose mask is −1, `b` where it is 0.
-LUMENTA_LANES_INLINE Float8 Select(const std::int32_t* masks, Float8 a, Float8 b)
-{
-    Mask8 mask;
-    std::memcpy(&mask, masks, sizeof mask);
-    return mask ? a : b;
-}
-
 #else
 
 struct Mask8 {
@@ -291,15 +283,6 @@ LUMENTA_LANES_INLINE Float8 Select(const Mask8& mask, const Float8& a, const Flo
 LUMENTA_LANES_INLINE unsigned Bits(const Mask8& mask)
 {
     return Bits4(mask.low) | Bits4(mask.high) << 4;
-}
-
-LUMENTA_LANES_INLINE Float8 Select(const std::int32_t* masks, const Float8& a, const Float8& b)
-{
-    Mask4 low;
-    Mask4 high;
-    std::memcpy(&low, masks, sizeof low);
-    std::memcpy(&high, masks + 4, sizeof high);
-    return {low ? a.low : b.low, high ? a.high : b.high};
 }
 
 #endif

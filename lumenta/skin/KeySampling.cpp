@@ -19,10 +19,25 @@ TVec3<float> Lerp(const TVec3<float>& a, const TVec3<float>& b, float factor)
     return {(b.x - a.x) * factor + a.x, (b.y - a.y) * factor + a.y, (b.z - a.z) * factor + a.z};
 }
 
-KeyFrame Interpolate(const KeyFrame& a, const KeyFrame& b, float factor)
+/// The rotation a fraction `factor` of the way from `q0` to `q1`, along the
+/// shorter arc. Nearly equal rotations are blended linearly, where the arc's
+/// sine would vanish. The result is not normalised.
+Quaternion Slerp(const Quaternion& q0, const Quaternion& q1, float factor)
 {
-    return {a.time, Lerp(a.translation, b.translation, factor), Slerp(a.rotation, b.rotation, factor),
-            Lerp(a.scale, b.scale, factor)};
+    const float dot = q0.x * q1.x + q0.y * q1.y + q0.z * q1.z + q0.w * q1.w;
+    const float cosine = std::fabs(dot);
+
+    float w0 = 1.0f - factor;
+    float w1 = factor;
+    if (static_cast<double>(1.0f - cosine) > 1e-5) {
+        const float angle = std::acos(cosine);
+        const float s = 1.0f / std::sin(angle);
+        w0 = std::sin((1.0f - factor) * angle) * s;
+        w1 = std::sin(factor * angle) * s;
+    }
+    if (dot < 0.0f) w1 = -w1;
+
+    return {q0.x * w0 + q1.x * w1, q0.y * w0 + q1.y * w1, q0.z * w0 + q1.z * w1, q0.w * w0 + q1.w * w1};
 }
 
 /// The place of the first key after the front one that lies strictly later than
@@ -75,29 +90,11 @@ std::size_t GuessPlace(const std::vector<KeyFrame>& keys, float time)
 
 } // namespace
 
-Quaternion Slerp(const Quaternion& q0, const Quaternion& q1, float factor)
-{
-    const float dot = q0.x * q1.x + q0.y * q1.y + q0.z * q1.z + q0.w * q1.w;
-    const float cosine = std::fabs(dot);
-
-    float w0 = 1.0f - factor;
-    float w1 = factor;
-    if (static_cast<double>(1.0f - cosine) > 1e-5) {
-        const float angle = std::acos(cosine);
-        const float s = 1.0f / std::sin(angle);
-        w0 = std::sin((1.0f - factor) * angle) * s;
-        w1 = std::sin(factor * angle) * s;
-    }
-    if (dot < 0.0f) w1 = -w1;
-
-    return {q0.x * w0 + q1.x * w1, q0.y * w0 + q1.y * w1, q0.z * w0 + q1.z * w1, q0.w * w0 + q1.w * w1};
-}
-
 KeyFrame InterpolateAt(const KeyFrame& a, const KeyFrame& b, float time)
 {
-    KeyFrame key = Interpolate(a, b, (time - a.time) / (b.time - a.time));
-    key.time = time;
-    return key;
+    const float factor = (time - a.time) / (b.time - a.time);
+    return {time, Lerp(a.translation, b.translation, factor), Slerp(a.rotation, b.rotation, factor),
+            Lerp(a.scale, b.scale, factor)};
 }
 
 std::size_t FindKeys(const NodeTrack*& track, const NodeTrack* end, float time, Kernels::KeyPairs& pairs)

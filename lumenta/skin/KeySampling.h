@@ -9,11 +9,6 @@
 
 namespace SkinAnimation {
 
-/// The rotation a fraction `factor` of the way from `q0` to `q1`, along the
-/// shorter arc. Nearly equal rotations are blended linearly, where the arc's
-/// sine would vanish. The result is not normalised.
-Quaternion Slerp(const Quaternion& q0, const Quaternion& q1, float factor);
-
 /// The value of the track between `a` and `b` at `time`; `time` is not clamped.
 KeyFrame InterpolateAt(const KeyFrame& a, const KeyFrame& b, float time);
 
