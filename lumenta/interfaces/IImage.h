@@ -12,8 +12,9 @@
 
 /// A picture in memory: of a texture, of a background, of what was rendered.
 ///
-/// **Who implements it:** the host. **Who calls it:** renderers, image savers,
-/// panels, whoever prepares a texture.
+/// **Who implements it:** whoever implements the IImageManager, and the host for
+/// images of its own. **Who calls it:** renderers, image savers, panels, whoever
+/// prepares a texture.
 /// **Thread:** may be read from any thread while nobody changes it.
 /// **Ownership:** that of who made it: the image manager for what it loaded, the
 /// caller for what Clone() answers.
