@@ -43,8 +43,9 @@ enum eMaterialTextureTransformation : int {
 /// BeginUpdate() and EndUpdate() it is emitted once, at the end. One that changes
 /// nothing emits nothing. In a scene each operation is a batch of the scene's,
 /// also within BeginUpdate(), which leaves the scene alone: who wants several to
-/// be one batch there brackets them in IScene::BeginUpdate(). An image in a slot is announced by `imageLoad`, after
-/// it is there, and by `imageUnload`, while it is still good.
+/// be one batch there brackets them in IScene::BeginUpdate(). An image in a slot is
+/// announced by `imageLoad`, after it is there, and by `imageUnload`, while it is still
+/// good.
 class LUMENTA_EXPORT IMaterial : public QObject {
     Q_OBJECT
 
@@ -93,7 +94,8 @@ public:
     virtual float GetOpacity() const = 0;
     virtual void SetOpacity(float opacity) = 0;
 
-    /// The Phong exponent, 1 to 1000.
+    /// The exponent of highlights, 1 to 1000 (Phong, "Illumination for computer
+    /// generated pictures", 1975).
     virtual float GetShininess() const = 0;
     virtual void SetShininess(float shininess) = 0;
 
@@ -109,13 +111,15 @@ public:
     virtual float GetReflectionLevel() const = 0;
     virtual void SetReflectionLevel(float level) = 0;
 
-    /// Makes mirrors stronger at grazing angles (Fresnel), 1 to 4; at 1 they are
-    /// alike from all sides.
+    /// Makes mirrors stronger at grazing angles, as Fresnel's formulas tell it (Born,
+    /// Wolf, "Principles of Optics", 1999, 1.5.2); 1 to 4. At 1 they are alike from
+    /// all sides.
     virtual float GetRefractionIndex() const = 0;
     virtual void SetRefractionIndex(float index) = 0;
 
     /// How high white stands above black in the bump slot, in widths of its
-    /// texture; negative presses in. −1 to 1.
+    /// texture; negative presses in. −1 to 1. Bump mapping (Blinn,
+    /// "Simulation of wrinkled surfaces", 1978).
     virtual float GetBumpHeight() const = 0;
     virtual void SetBumpHeight(float height) = 0;
 
