@@ -34,7 +34,7 @@ enum eMaterialTextureTransformation : int {
 /// **Thread:** that of its scene, or of whoever made a material without one.
 /// **Ownership:** belongs to its scene (IScene::RemoveMaterial() ends it).
 /// Images are borrowed: the material keeps the address and forgets an image that
-/// is deleted.
+/// is deleted, of which `changed` alone tells.
 ///
 /// Colours are linear, nominally 0 to 1, their alpha unused. Amounts are held
 /// within the limits given; a value that is not a number is ignored.
@@ -158,7 +158,8 @@ public:
     /// Takes the image out where the name is another one.
     virtual void SetImageFile(eMaterialSlot slot, const QString& strFileName) = 0;
 
-    /// Loads the image of every slot that names a file and has no image.
+    /// Loads the image of every slot that names a file and has no image. What it asks
+    /// the manager for it gives back, when the image leaves the slot.
     /// \param strBaseFolder of the document
     /// \throws whatever the manager throws, after all other slots were tried
     virtual void LoadImages(IImageManager& manager, const QString& strBaseFolder) = 0;
@@ -222,8 +223,8 @@ public:
     /// material, and every parameter of somebody else's that was set.
     virtual QMap<QString, QVariant> GetParameters() const = 0;
 
-    /// Back to a new material, then these, of which those that SetParameter()
-    /// would refuse are passed over. The name stays.
+    /// Back to a new material, without images, then these, of which those that
+    /// SetParameter() would refuse are passed over. The name stays.
     virtual void SetParameters(const QMap<QString, QVariant>& parameters) = 0;
 
     /// Invalid for a parameter that is neither ours nor was ever set.
@@ -254,6 +255,6 @@ public:
 
 Q_SIGNALS:
     void changed(); ///< Something that GetParameters() or GetName() tells, or an image.
-    void imageUnload(eMaterialSlot slot, IImage* pImage); ///< The image is about to leave the slot.
+    void imageUnload(eMaterialSlot slot, IImage* pImage); ///< The image has left the slot, and is still good.
     void imageLoad(eMaterialSlot slot, IImage* pImage);   ///< The image is in the slot.
 };
