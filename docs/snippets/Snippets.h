@@ -11,8 +11,10 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
 #include <optional>
 
+class IApplicationContext;
 class IImage;
 class IImageManager;
 class IMaterial;
@@ -45,3 +47,4 @@ bool Browse(IPropertyListHelper& helper, const QString& kind, QObject* pPanel, Q
 INode* PickAt(IScene& scene, int nAnimation, float milliseconds, const QPoint& pixel, const TVec2<float>& viewSize);
 bool IsSame(float a, float b);
 Matrix PlainProduct(const Matrix& a, const Matrix& b);
+std::unique_ptr<IImageManager> ImageManagerOf(const QString& file, IApplicationContext& context);

@@ -9,11 +9,21 @@
 /// folder where the file lies in it, with either kind of separator, since a
 /// document is written on one system and opened on another.
 ///
-/// A path counts as Windows-style where more speaks for it: its first letter, a
-/// drive, a share, its separators. What speaks for neither, like `a/b` or
-/// nothing at all, counts as Windows-style, which documents depend on. The style
-/// decides about separators alone: what is absolute, the system says. On this
-/// one `C:\x` and `\\server\x` are relative.
+/// A path has a style, by votes:
+///
+/// | where it | votes |
+/// |---|---|
+/// | begins with "/" | 3 for Unix |
+/// | begins with anything else | 1 for Windows |
+/// | begins with two backslashes, as shares do | 2 for Windows |
+/// | has more than three characters, a drive first (`C:\` or `C:/`) | 3 for Windows |
+/// | has more than three characters, no drive first | 1 for Unix |
+/// | holds a "/" | 1 for Unix |
+/// | holds a backslash | 1 for Windows |
+///
+/// A tie, as for `a/b`, `docs` and nothing at all, is Windows-style, which documents
+/// depend on. The style decides about separators alone: what is absolute, the system
+/// says. On this one `C:\x` and `\\server\x` are relative.
 ///
 /// A path that starts with a colon names a resource of the program.
 ///

@@ -19,8 +19,11 @@ class IFreeCamera;
 /// the view: m[0] and m[5] are those of the frame's height where the frame is
 /// the narrower of the two, and are reduced where it is the wider one.
 ///
-/// Elements 10 and 14 are zNear / (zFar − zNear) and
-/// zNear · zFar / (zNear − zFar): renderers rely on just these.
+/// With f the cotangent of half the field of view, m[0] and m[5] are f / aspect and
+/// f, or f / frameAspect and f / frameAspect · aspect where the frame is the wider
+/// one (Akenine-Möller, Haines and others, "Real-Time Rendering", 2018, 4.7.2). Elements 10 and
+/// 14 are zNear / (zFar − zNear) and zNear · zFar / (zNear − zFar), and renderers
+/// rely on just these: z / w is −1 at zNear and 0 at zFar.
 ///
 /// \param fov         of the frame, from its top to its bottom
 /// \param frameAspect width over height of the frame

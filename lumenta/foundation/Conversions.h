@@ -27,10 +27,12 @@ LUMENTA_EXPORT QVariant QRectFToQVariant(QRectF& rect);
 /// scientific notation. Anything else gives `defaultValue`.
 LUMENTA_EXPORT QRectF QVariantToQRectF(const QVariant& value, const QRectF& defaultValue);
 
-/// Length in millimetres of `pixels` at `dpi` dots per inch. In float.
+/// Length in millimetres of `pixels` at `dpi` dots per inch: times 25.4, then
+/// divided by `dpi`. In float.
 LUMENTA_EXPORT float pixelsToMM(float pixels, float dpi);
 
-/// Pixels that `mm` millimetres take at `dpi` dots per inch. In float.
+/// Pixels that `mm` millimetres take at `dpi` dots per inch: times `dpi`, then
+/// divided by 25.4. In float.
 LUMENTA_EXPORT float mmToPixels(float mm, float dpi);
 
 /// A duration as a time of day. Hours do not wrap: a day or more gives an

@@ -36,8 +36,12 @@ struct LUMENTA_EXPORT Matrix {
     void SetTranslation(const TVec3<float>& translation);
 
     /// Writes the nine rotation elements from three angles in degrees and
-    /// nothing else; start from an identity. The rotations about x, y and z
-    /// with signs as the camera uses them.
+    /// nothing else; start from an identity.
+    ///
+    /// The rotation about x by −degrees.x, then that about y by −degrees.y, then
+    /// that about z by degrees.z, each right-handed: what looks along x is lifted by
+    /// a positive y angle and turned towards y by a positive z angle (Shoemake,
+    /// "Euler angle conversion", Graphics Gems IV, 1994).
     void SetRotation(const TVec3<float>& degrees);
 };
 
@@ -49,8 +53,8 @@ LUMENTA_EXPORT void Multiply(Matrix& result, const Matrix& a, const Matrix& b);
 LUMENTA_EXPORT Matrix operator*(const Matrix& a, const Matrix& b);
 
 /// Writes the full 4×4 inverse of `source`, the adjugate times the reciprocal
-/// of the determinant (expanded along the first row), to `destination`, which
-/// may be `source`.
+/// of the determinant, which is expanded along the first row (Horn, Johnson, "Matrix
+/// Analysis", 2012, 0.8), to `destination`, which may be `source`.
 ///
 /// Where the determinant is exactly 0 the destination keeps what it held: no
 /// error, and the answer is false. Overwriting callers start from an identity.
@@ -60,12 +64,13 @@ LUMENTA_EXPORT bool Inverse(Matrix& destination, const Matrix& source);
 LUMENTA_EXPORT void TransformPoint(TVec3<float>& point, const Matrix& matrix);
 
 /// Turns `direction` by `matrix`, without its translation. Not for normals
-/// under non-uniform scale: those follow the inverse transpose.
+/// under non-uniform scale: those follow the inverse transpose (Turkowski,
+/// "Properties of surface-normal transformations", Graphics Gems, 1990).
 LUMENTA_EXPORT void TransformDirection(TVec3<float>& direction, const Matrix& matrix);
 
-/// The unit direction of a heading (z) and a pitch (y), in degrees:
-/// heading 0 looks along x, 90 along y, pitch 90 along z. The x angle, a roll,
-/// is ignored.
+/// The unit direction (cos z · cos y, sin z · cos y, sin y) of a heading z and a
+/// pitch y, in degrees: heading 0 looks along x, 90 along y, pitch 90 along z. The
+/// x angle, a roll, is ignored.
 LUMENTA_EXPORT TVec3<float> DirectionFromAngles(const TVec3<float>& degrees);
 
 LUMENTA_EXPORT bool operator==(const Matrix& a, const Matrix& b);

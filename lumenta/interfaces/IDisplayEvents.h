@@ -11,7 +11,8 @@
 /// **Who implements it:** the host for its own tools, plug-ins for theirs.
 /// **Who calls it:** the view, which offers every event to the active tool first
 /// and then, if the answer was false, to the one below.
-/// **Thread:** that of the view, which is the scene's.
+/// **Thread:** that of the view, which is the scene's. **Ownership:** stays with who
+/// made it, who takes it away from the view before it ends.
 ///
 /// Points are pixels of the view from its upper left corner; sizes are those of
 /// the view, as picking takes them. True means that the event was used.

@@ -14,8 +14,8 @@
 /// throws as an ExporterException.
 ///
 /// **Who implements it:** a plug-in. **Who calls it:** the host and whoever knows
-/// one of its sub-interfaces. **Ownership:** belongs to whoever had the plug-in
-/// make it.
+/// one of its sub-interfaces. **Thread:** the scene's. **Ownership:** belongs to
+/// whoever had the plug-in make it.
 class LUMENTA_EXPORT IExporter : public QObject {
     Q_OBJECT
 

@@ -12,8 +12,9 @@
 
 /// A picture in memory: of a texture, of a background, of what was rendered.
 ///
-/// **Who implements it:** the host. **Who calls it:** renderers, image savers,
-/// panels, whoever prepares a texture.
+/// **Who implements it:** whoever implements the IImageManager, and the host for
+/// images of its own. **Who calls it:** renderers, image savers, panels, whoever
+/// prepares a texture.
 /// **Thread:** may be read from any thread while nobody changes it.
 /// **Ownership:** that of who made it: the image manager for what it loaded, the
 /// caller for what Clone() answers.
@@ -44,7 +45,8 @@ public:
     /// Outside the image nothing happens. Components are clamped to 0..1.
     virtual void SetPixel(int x, int y, const ColorF& color) = 0;
 
-    /// Bilinear, at a texture coordinate whose origin is the upper left corner.
+    /// Bilinear, colours weighted by their alpha, at a texture coordinate whose origin is
+    /// the upper left corner. One that isn't finite counts as 0.
     /// \param bRepeated whether the image goes on beyond 0..1; else nothing,
     ///                  transparent black, is there
     virtual ColorF Sample(const TVec2<float>& texCoord, bool bRepeated) const = 0;
@@ -62,6 +64,7 @@ public:
     virtual IImage* Clone() const = 0;
 
     /// Scales the content smoothly. An empty size is ignored.
+    /// \throws OutOfMemoryException there is no room for the pixels
     virtual void Resize(const QSize& size) = 0;
 
     /// Keeps the part of `rect` that lies within the image; if none does,

@@ -45,6 +45,7 @@ public:
 
     /// A new, transparent image, without a file.
     /// \throws InvalidParameterException the size is empty
+    /// \throws OutOfMemoryException      there is no room for its pixels
     virtual IImage* CreateImage(const QSize& size) = 0;
 
     /// In order of registration: the first that fits a suffix is taken.

@@ -6,7 +6,8 @@
 /// The log of the application.
 ///
 /// **Who implements it:** the host. **Who calls it:** plug-ins and services.
-/// **Thread:** any; writers are called one at a time.
+/// **Thread:** any; writers are called one at a time. **Ownership:** the host's;
+/// writers stay with who made them.
 class LUMENTA_EXPORT ILog : public QObject {
     Q_OBJECT
 
@@ -14,7 +15,8 @@ public:
     using QObject::QObject;
     ~ILog() override;
 
-    /// Hands a line to every writer, in the order in which they were added.
+    /// Hands a line to every writer, in the order in which they were added. A line
+    /// that a writer itself writes meanwhile is dropped.
     virtual void Write(eLogLevel level, const QString& strText) = 0;
 
     /// From now on `pWriter` gets every line; once, however often it is added.

@@ -11,7 +11,8 @@ enum eLogLevel { eLogDebug, eLogInfo, eLogWarning, eLogError };
 /// Gets the lines of the log: a file, a window, a terminal.
 ///
 /// **Who implements it:** the host or a plug-in. **Who calls it:** an ILog that
-/// it was added to, from any thread, one call at a time.
+/// it was added to, from any thread, one call at a time. **Ownership:** stays with
+/// who made it, who takes it out of the log before it ends.
 class LUMENTA_EXPORT ILogWriter : public QObject {
     Q_OBJECT
 

@@ -34,7 +34,7 @@ enum eMaterialTextureTransformation : int {
 /// **Thread:** that of its scene, or of whoever made a material without one.
 /// **Ownership:** belongs to its scene (IScene::RemoveMaterial() ends it).
 /// Images are borrowed: the material keeps the address and forgets an image that
-/// is deleted.
+/// is deleted, of which `changed` alone tells.
 ///
 /// Colours are linear, nominally 0 to 1, their alpha unused. Amounts are held
 /// within the limits given; a value that is not a number is ignored.
@@ -43,8 +43,9 @@ enum eMaterialTextureTransformation : int {
 /// BeginUpdate() and EndUpdate() it is emitted once, at the end. One that changes
 /// nothing emits nothing. In a scene each operation is a batch of the scene's,
 /// also within BeginUpdate(), which leaves the scene alone: who wants several to
-/// be one batch there brackets them in IScene::BeginUpdate(). An image in a slot is announced by `imageLoad`, after
-/// it is there, and by `imageUnload`, while it is still good.
+/// be one batch there brackets them in IScene::BeginUpdate(). An image in a slot is
+/// announced by `imageLoad`, after it is there, and by `imageUnload`, while it is still
+/// good.
 class LUMENTA_EXPORT IMaterial : public QObject {
     Q_OBJECT
 
@@ -93,7 +94,8 @@ public:
     virtual float GetOpacity() const = 0;
     virtual void SetOpacity(float opacity) = 0;
 
-    /// The Phong exponent, 1 to 1000.
+    /// The exponent of highlights, 1 to 1000 (Phong, "Illumination for computer
+    /// generated pictures", 1975).
     virtual float GetShininess() const = 0;
     virtual void SetShininess(float shininess) = 0;
 
@@ -109,13 +111,15 @@ public:
     virtual float GetReflectionLevel() const = 0;
     virtual void SetReflectionLevel(float level) = 0;
 
-    /// Makes mirrors stronger at grazing angles (Fresnel), 1 to 4; at 1 they are
-    /// alike from all sides.
+    /// Makes mirrors stronger at grazing angles, as Fresnel's formulas tell it (Born,
+    /// Wolf, "Principles of Optics", 1999, 1.5.2); 1 to 4. At 1 they are alike from
+    /// all sides.
     virtual float GetRefractionIndex() const = 0;
     virtual void SetRefractionIndex(float index) = 0;
 
     /// How high white stands above black in the bump slot, in widths of its
-    /// texture; negative presses in. −1 to 1.
+    /// texture; negative presses in. −1 to 1. Bump mapping (Blinn,
+    /// "Simulation of wrinkled surfaces", 1978).
     virtual float GetBumpHeight() const = 0;
     virtual void SetBumpHeight(float height) = 0;
 
@@ -154,7 +158,8 @@ public:
     /// Takes the image out where the name is another one.
     virtual void SetImageFile(eMaterialSlot slot, const QString& strFileName) = 0;
 
-    /// Loads the image of every slot that names a file and has no image.
+    /// Loads the image of every slot that names a file and has no image. What it asks
+    /// the manager for it gives back, when the image leaves the slot.
     /// \param strBaseFolder of the document
     /// \throws whatever the manager throws, after all other slots were tried
     virtual void LoadImages(IImageManager& manager, const QString& strBaseFolder) = 0;
@@ -218,8 +223,8 @@ public:
     /// material, and every parameter of somebody else's that was set.
     virtual QMap<QString, QVariant> GetParameters() const = 0;
 
-    /// Back to a new material, then these, of which those that SetParameter()
-    /// would refuse are passed over. The name stays.
+    /// Back to a new material, without images, then these, of which those that
+    /// SetParameter() would refuse are passed over. The name stays.
     virtual void SetParameters(const QMap<QString, QVariant>& parameters) = 0;
 
     /// Invalid for a parameter that is neither ours nor was ever set.
@@ -250,6 +255,6 @@ public:
 
 Q_SIGNALS:
     void changed(); ///< Something that GetParameters() or GetName() tells, or an image.
-    void imageUnload(eMaterialSlot slot, IImage* pImage); ///< The image is about to leave the slot.
+    void imageUnload(eMaterialSlot slot, IImage* pImage); ///< The image has left the slot, and is still good.
     void imageLoad(eMaterialSlot slot, IImage* pImage);   ///< The image is in the slot.
 };

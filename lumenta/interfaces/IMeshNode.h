@@ -42,7 +42,8 @@ public:
 
     virtual void SetExcludedFromTracing(bool bExcluded) = 0;
 
-    /// What the mesh wears: the scene's default material if nothing was assigned.
+    /// What the mesh wears: the scene's default material if nothing was assigned. Null
+    /// once the node was removed.
     /// \pre `nMesh` is less than the number of meshes
     virtual IMaterial* GetMaterial(std::size_t nMesh) const = 0;
 

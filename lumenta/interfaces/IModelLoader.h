@@ -48,7 +48,8 @@ struct sModelMaterial {
 /// triangle run clockwise as seen from outside: that way round
 /// SkinAnimation::Geometry::CollectNormals() makes normals that face outwards.
 /// Texture coordinates have their origin top left, as images do. Geometries
-/// carry the name and the parameters of their material.
+/// carry the name and the parameters of their material. Times of keys are
+/// milliseconds, whatever the file counts in.
 class LUMENTA_EXPORT IModelLoader : public QObject {
     Q_OBJECT
 
@@ -59,7 +60,8 @@ public:
     /// What it can read, the same all its life.
     virtual const std::vector<ModelFormatInfo>& GetFormats() const = 0;
 
-    /// How many ticks make a second in files that don't say so; 25 at first.
+    /// How many ticks make a second in files that don't say so, or say 0; 25 at
+    /// first.
     /// \param ticksPerSecond positive and finite; anything else is ignored
     virtual void SetDefaultTickRate(double ticksPerSecond) = 0;
 

@@ -166,7 +166,7 @@ public:
     virtual TVec3<float> GetSunDirection() const = 0;
 
     /// \param direction of any length; zero for the sun over the photographer's
-    ///                  left shoulder
+    ///                  left shoulder. One that isn't finite is ignored.
     virtual void SetSunDirection(const TVec3<float>& direction) = 0;
 
     /// White for the sun of a new scene, black for none.

@@ -11,7 +11,8 @@ class IScene;
 /// Reads scene files of one kind.
 ///
 /// **Who implements it:** a plug-in. **Who calls it:** the host, through the
-/// registry. **Thread:** the scene's. **Ownership:** belongs to the caller who
+/// registry (ISerializersRegistry): CanLoad() where it wants to know, Load(), then
+/// GetWarnings(). **Thread:** the scene's. **Ownership:** belongs to the caller who
 /// had it created.
 class LUMENTA_EXPORT ISceneLoader : public QObject {
     Q_OBJECT

@@ -11,8 +11,8 @@ class IScene;
 /// Writes scene files of one kind.
 ///
 /// **Who implements it:** a plug-in. **Who calls it:** the host, through the
-/// registry. **Thread:** the scene's. **Ownership:** belongs to the caller who
-/// had it created.
+/// registry (ISerializersRegistry): Save(), then GetWarnings(). **Thread:** the
+/// scene's. **Ownership:** belongs to the caller who had it created.
 class LUMENTA_EXPORT ISceneSaver : public QObject {
     Q_OBJECT
 

@@ -9,7 +9,7 @@
 /// What the application remembers from one run to the next.
 ///
 /// **Who implements it:** the host. **Who calls it:** plug-ins and services.
-/// **Thread:** the application's.
+/// **Thread:** the application's. **Ownership:** the host's.
 class LUMENTA_EXPORT ISettings : public QObject {
     Q_OBJECT
 

@@ -9,7 +9,7 @@
 /// A kept state of the scene, under a name.
 ///
 /// **Who implements it:** the host. **Who calls it:** panels that list snapshots.
-/// **Ownership:** belongs to its ISnapshotManager, which announces its end by
+/// **Thread:** the scene's. **Ownership:** belongs to its ISnapshotManager, which announces its end by
 /// `removeSnapshot`. Where `insertSnapshot` follows, it was only moved, which
 /// nobody can know yet; so it can still be asked until control returns to the
 /// event loop. What is kept is the manager's business.

@@ -41,9 +41,9 @@ public:
     /// Emits `renameSnapshot`, unless it bears that name already.
     virtual void Rename(const ISnapshot* pSnapshot, const QString& strName) = 0;
 
-    /// Gives it another place: emits `removeSnapshot`, then `insertSnapshot`,
-    /// both when it has that place already; the latter only where no slot has
-    /// removed it in between.
+    /// Gives it another place: emits `removeSnapshot`, then `insertSnapshot`, both
+    /// with the list in its new order; the latter only where no slot has removed it
+    /// in between. Where it stands there already, neither comes.
     /// \param nPosition held within the list
     virtual void Move(const ISnapshot* pSnapshot, int nPosition) = 0;
 

@@ -25,7 +25,8 @@ enum eFileDialogKind {
 /// **Who implements it:** the host, which knows widgets; this library doesn't.
 /// A host without windows answers every question as if it had been cancelled.
 /// **Who calls it:** plug-ins, and the library's file dialogs.
-/// **Thread:** the application's. Questions block until they are answered.
+/// **Thread:** the application's. Questions block until they are answered, and
+/// may let other events through meanwhile. **Ownership:** the host's.
 class LUMENTA_EXPORT IUserInterface : public QObject {
     Q_OBJECT
 

@@ -8,8 +8,8 @@
 /// A dialog that asks for the name of a file.
 ///
 /// **Who implements it:** the host (IUserInterface::CreateFileDialog). **Who
-/// calls it:** whoever had it created: filters first, then Show(), once or more;
-/// then deletes it.
+/// calls it:** whoever had it created, and owns it: filters first, then Show(), once
+/// or more; then deletes it.
 /// **Thread:** the application's; Show() blocks until the dialog is closed.
 class LUMENTA_EXPORT IFileDialog {
 public:

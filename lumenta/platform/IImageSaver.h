@@ -9,7 +9,7 @@ class IImage;
 /// Writes images of one format.
 ///
 /// **Who implements it:** a plug-in. **Who calls it:** whoever had it created
-/// (IImageManager::CreateSaver); it belongs to them.
+/// (IImageManager::CreateSaver); it belongs to them. **Thread:** theirs.
 class LUMENTA_EXPORT IImageSaver {
 public:
     virtual ~IImageSaver();

@@ -16,7 +16,8 @@
 /// **Who calls it:** whoever poses a SkinAnimation::Scene brackets the meshes
 /// of one pose in BeginModel() and EndModel(); between the two it calls
 /// `Scene::CreateMeshes`, which calls AddMeshNode() and nothing else.
-/// **Thread:** the caller's, throughout.
+/// **Thread:** the caller's, throughout. **Ownership:** stays with who made it;
+/// nobody keeps its address beyond EndModel().
 /// **Failure:** whatever AddMeshNode() throws passes through `CreateMeshes`
 /// to the caller; EndModel() is then not called, and the next BeginModel()
 /// starts afresh.

@@ -9,10 +9,11 @@
 ///
 /// **Who implements it:** the host, which collects them from its plug-ins. **Who
 /// calls it:** the library's file source for models, file dialogs.
-/// **Thread:** the application's.
+/// **Thread:** the application's. **Ownership:** the host's.
 class LUMENTA_EXPORT IModelFormats {
 public:
-    /// In order of registration.
+    /// In order of registration. Copy the list where events are let through: it may
+    /// change when plug-ins come.
     virtual const std::vector<ModelFormatInfo>& GetModelFormats() const = 0;
 
 protected:

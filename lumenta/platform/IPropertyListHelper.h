@@ -7,8 +7,9 @@ class QString;
 
 /// What property panels ask when they meet a property that is a file.
 ///
-/// **Who implements it:** this library. **Who calls it:** the panels of the host.
-/// Nobody deletes one by this class: it has no virtual destructor.
+/// **Who implements it:** this library (PropertyWidgetHelper). **Who calls it:** the
+/// panels of the host. **Thread:** the document's. **Ownership:** stays with who made
+/// it; nobody deletes one by this class, which has no virtual destructor.
 class LUMENTA_EXPORT IPropertyListHelper {
 public:
     /// \param kind what the file holds: "image", "model"

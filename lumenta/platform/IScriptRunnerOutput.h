@@ -8,6 +8,7 @@
 ///
 /// **Who implements it:** whoever shows it. **Who calls it:** an IScriptRunner, on
 /// the thread that runs the script. **Ownership:** stays with who made it.
+/// **Errors:** none may be thrown: a script engine is in between.
 class LUMENTA_EXPORT IScriptRunnerOutput {
 public:
     /// \param strText as printed, line ends included: receivers add none

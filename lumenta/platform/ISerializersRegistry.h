@@ -21,6 +21,7 @@ struct SerializerInfo {
 /// it:** the library's look-up by file name, file dialogs.
 /// **Thread:** the application's. **Ownership:** what it creates belongs to the
 /// caller. Lists are in order of registration: the first that fits is taken.
+/// **Errors:** what a plug-in throws while it makes one passes through.
 class LUMENTA_EXPORT ISerializersRegistry {
 public:
     // The places are fixed. No virtual destructor: the host alone ends it.

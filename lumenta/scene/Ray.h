@@ -27,16 +27,19 @@ struct LUMENTA_EXPORT Ray {
     /// Both points as they are given: nothing is normalised.
     Ray(const TVec3<float>& start, const TVec3<float>& end);
 
-    /// Whether the segment and the box overlap. Touching counts. A box that
+    /// Whether the segment and the box overlap, by separating axes (Ericson,
+    /// "Real-Time Collision Detection", 2005, 5.3.3). Touching counts. A box that
     /// nothing was added to overlaps nothing; a comparison in which a number is
     /// missing doesn't part the two.
     bool IsIntersect(const TBBox<float>& box) const;
 
-    /// Whether the segment touches the ball, from outside or by starting in it.
-    /// `centre` is the sphere's, not the segment's.
+    /// Whether the segment touches the ball, from outside or by starting in it
+    /// (Ericson, 5.3.2). `centre` is the sphere's, not the segment's.
     bool IsIntersect(const TVec3<float>& centre, float radius) const;
 
-    /// The nearest triangle, seen from either side; 1 also for a mesh whose
+    /// The nearest triangle, seen from either side: where the segment crosses its
+    /// plane within its edges (Haines, "Essential ray tracing algorithms", in
+    /// Glassner, "An Introduction to Ray Tracing", 1989). 1 also for a mesh whose
     /// owner is excluded from tracing, and for triangles without area. Indices
     /// behind the last whole triangle are ignored.
     ///
@@ -50,7 +53,8 @@ struct LUMENTA_EXPORT Ray {
     /// Linear in the number of triangles.
     float Trace(const IMesh& mesh) const;
 
-    /// Where the segment enters the box; 0 if it starts inside. On an axis
+    /// Where the segment enters the box, by slabs (Kay, Kajiya, "Ray tracing
+    /// complex scenes", 1986); 0 if it starts inside. On an axis
     /// along which the segment doesn't move the box is not asked: one beside
     /// the segment is still hit if the other axes say so. Callers depend on it.
     /// Nor is it on one whose numbers are missing.

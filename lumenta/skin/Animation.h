@@ -10,7 +10,8 @@ namespace SkinAnimation {
 
 struct Node;
 
-/// A rotation as x, y, z, w. Nothing here normalises it.
+/// A rotation as x, y, z, w: a turn by an angle a about a unit axis n is
+/// n · sin(a / 2) and cos(a / 2), right-handed. Nothing here normalises it.
 struct Quaternion {
     float x; ///< Along x.
     float y; ///< Along y.

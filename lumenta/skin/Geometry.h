@@ -57,7 +57,8 @@ struct LUMENTA_EXPORT Geometry {
                     const std::vector<Node*>& bones);
 
     /// Adds the unit normal of every posed triangle to its three slots of
-    /// `normals`, unweighted. Does nothing where `normals` is empty, or
+    /// `normals`, unweighted (Gouraud, "Continuous shading of curved surfaces",
+    /// 1971). Does nothing where `normals` is empty, or
     /// `normalIndices` is not parallel to `indices`, or there are no triangles.
     void CollectNormals(std::vector<TVec3<float>>& normals) const;
 

@@ -50,8 +50,9 @@ struct LUMENTA_EXPORT Scene {
     /// Allocates nothing.
     ///
     /// Rotations are interpolated along the shorter arc (Shoemake, "Animating
-    /// rotation with quaternion curves", 1985) and not normalised again; scale
-    /// applies first, then rotation, then translation.
+    /// rotation with quaternion curves", 1985), but along the chord where the dot
+    /// product comes within 1e-5 of 1 or −1, or beyond; they are not normalised
+    /// again. Scale applies first, then rotation, then translation.
     /// \throws InvalidParameterException the index names no animation; the
     ///         scene is unchanged
     void CalculateAnimation(int animIndex, float time);

@@ -4,9 +4,11 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IFreeCamera.h"
 #include "lumenta/interfaces/IImage.h"
+#include "lumenta/interfaces/IImageManager.h"
 #include "lumenta/materials/MaterialMimeData.h"
 #include "lumenta/properties/PropertyWidgetHelper.h"
 #include "lumenta/skin/Scene.h"
+#include "reference/host/ApplicationContext.h"
 #include "reference/host/SampleFigure.h"
 #include "reference/host/services/Application.h"
 #include "reference/host/services/Document.h"
@@ -108,6 +110,16 @@ private Q_SLOTS:
         QCOMPARE(Rebased(reference, document, m_folder.filePath("copy.lumenta")), QString("after/maps/oak.png"));
         QCOMPARE(Rebased(reference, document, after + "/deeper/copy.lumenta"), oak);
         QCOMPARE(Rebased("gone.png", document, m_folder.filePath("copy.lumenta")), QString("gone.png"));
+    }
+
+    void a_host_takes_plugins_of_its_version()
+    {
+        const QString plugins = QStringLiteral(LUMENTA_PLUGINS "/lumenta-");
+        Host::ApplicationContext nothing;
+        const std::unique_ptr<IImageManager> images = ImageManagerOf(plugins + "qt-images.so", nothing);
+        QVERIFY(images && !images->GetLoaderFormats().empty());
+        QVERIFY(!ImageManagerOf(plugins + "scene-file.so", nothing));
+        QVERIFY_EXCEPTION_THROWN(ImageManagerOf(QStringLiteral(LUMENTA_LIBRARY), nothing), LoadingException);
     }
 
     void serializers_go_by_the_name()
