@@ -70,6 +70,8 @@ if(LUMENTA_BUILD_REFERENCE)
         "The command lumenta tells what a model holds, draws it, picks in it, converts\nit and runs scripts on it. The window lumenta-desk shows and edits documents.\nTheir plug-ins read, write and draw models, scenes and images."
         DEPENDS "${library} (= ${PROJECT_VERSION})")
     set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+    # Without it textures in TGA, TIFF and WebP can't be read, and no font draws captions.
+    set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "qt5-image-formats-plugins, fonts-dejavu-core")
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/lib")
 endif()
 

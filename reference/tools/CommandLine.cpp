@@ -91,6 +91,7 @@ QString ManualPage(const Manual& manual)
            + Section(QStringLiteral("DESCRIPTION"), Paragraphs(manual.description))
            + Section(QStringLiteral("OPTIONS"), OptionTexts(AllOptions(manual)))
            + Section(QStringLiteral("EXAMPLES"), ExampleTexts(manual.examples))
+           + Section(QStringLiteral("ENVIRONMENT"), ExampleTexts(manual.environment))
            + Section(QStringLiteral("EXIT STATUS"),
                      QStringLiteral("    0   all is done\n"
                                     "    1   it could not be done; one line on standard error says why\n"

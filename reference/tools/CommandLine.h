@@ -29,9 +29,12 @@ struct Manual {
     QStringList description;     ///< Paragraphs.
     std::vector<Option> options; ///< Apart from --help, which comes by itself.
     std::vector<Example> examples;
+    std::vector<Example> environment; ///< Variables, and what they do.
 };
 
-/// NAME, SYNOPSIS, DESCRIPTION, OPTIONS, EXAMPLES and EXIT STATUS, with line ends.
+/// NAME, SYNOPSIS, DESCRIPTION, OPTIONS, EXAMPLES, ENVIRONMENT and EXIT STATUS, with line
+/// ends; those that are empty are left out. cmake/man.awk relies on how far lines are
+/// indented.
 QString ManualPage(const Manual& manual);
 
 /// The words after a verb, read by the verb's own manual. Every verb has the

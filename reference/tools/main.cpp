@@ -44,6 +44,11 @@ Manual CommandManual()
     manual.examples = {{QStringLiteral("lumenta info :figure"), QStringLiteral("What the built-in model holds.")},
                        {QStringLiteral("lumenta render :figure --frames 12 -o sheet.png"),
                         QStringLiteral("Twelve moments of its animation.")}};
+    manual.environment = {
+        {QStringLiteral("LUMENTA_PLUGIN_PATH"),
+         QStringLiteral("Folders with plug-ins, parted by colons, that are searched before the command's own.")},
+        {QStringLiteral("LUMENTA_LOG"), QStringLiteral("The file that gets every line of the log. Warnings alone are "
+                                                       "shown anyway.")}};
     return manual;
 }
 

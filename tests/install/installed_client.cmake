@@ -63,6 +63,20 @@ run("${COMPILER}" -std=c++17 ${sanitizer_flag} "${CLIENT_DIR}/main.cpp" -o "${WO
     "-Wl,-rpath,${WORK_DIR}/moved/${LIBDIR}")
 print(by-pkg-config)
 
+# Each verb has its page for man.
+if(REFERENCE)
+    run("${WORK_DIR}/moved/bin/lumenta" help)
+    string(REGEX REPLACE "^.*The verbs are:" "" verbs "${output}")
+    string(REGEX MATCHALL "\n    [a-z]+ - " verbs "${verbs}")
+    list(TRANSFORM verbs REPLACE "\n    ([a-z]+) - " "-\\1")
+    foreach(verb IN ITEMS "" LISTS verbs)
+        run(gzip --decompress --stdout "${WORK_DIR}/moved/share/man/man1/lumenta${verb}.1.gz")
+        if(NOT output MATCHES "\n\\.SH SYNOPSIS\n.*lumenta")
+            message(FATAL_ERROR "There is no page of lumenta${verb}: ${output}")
+        endif()
+    endforeach()
+endif()
+
 # A plug-in of somebody else: found where it was built, then where it was installed.
 if(REFERENCE)
     build_client("${EXAMPLE_DIR}" plugin "${WORK_DIR}/moved" "" all)
