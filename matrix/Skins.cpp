@@ -41,7 +41,7 @@ Quaternion AnyRotation(Random& random)
 {
     const Vec3 v = Workloads::RandomVector(random, -1.0f, 1.0f);
     const float w = random.Between(-1.0f, 1.0f);
-    const float length = std::sqrt(Dot(v, v) + w * w);
+    const float length = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z + w * w);
     return {v.x / length, v.y / length, v.z / length, w / length};
 }
 

@@ -90,7 +90,7 @@ Matrix TameTransform(Random& random)
     // A rotation out of a unit quaternion.
     Vec3 v = Workloads::RandomVector(random, -1.0f, 1.0f);
     float w = random.Between(0.1f, 1.0f);
-    const float length = std::sqrt(Dot(v, v) + w * w);
+    const float length = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z + w * w);
     v = {v.x / length, v.y / length, v.z / length};
     w = w / length;
     const float rows[3][3] = {

@@ -170,7 +170,7 @@ matrix_aarch64()
     if ! install_missing "${aarch64_packages[@]}"; then
         reason="no ${aarch64_packages[0]%%=*}, or no ${aarch64_packages[1]%%=*}"
     elif ! aarch64_root >"$log" 2>&1; then
-        reason="no Qt for it: $(grep -m 1 '^E: ' "$log" || tail -n 1 "$log")"
+        reason="no Qt for it: $(grep -a -m 1 '^E: ' "$log" || tail -n 1 "$log") (see $log)"
     fi
     for level in "${rows[@]}"; do
         row="g++ $level, AArch64 emulated"
