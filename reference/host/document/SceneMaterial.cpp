@@ -134,7 +134,7 @@ std::array<SceneMaterial::Parameter, SceneMaterial::kCount> SceneMaterial::MakeT
     add(eReceivesShadows, QStringLiteral("receivesShadows"), eSwitch, on, 0.0f, 1.0f);
     add(eFlatShaded, QStringLiteral("flatShaded"), eSwitch, off, 0.0f, 1.0f);
     for (int i = 0; i < eMaterialSlotCount; ++i) {
-        const QLatin1String name(kFiles[i]);
+        const QString name = QString::fromLatin1(kFiles[i]);
         add(Of(i, eEnabled), name + QLatin1String("Enabled"), eSwitch, on, 0.0f, 1.0f);
         add(Of(i, eSlotAmount), name + QLatin1String("Amount"), eAmount, on, 0.0f, 1.0f);
         add(Of(i, eRect), name + QLatin1String("Rect"), eRectangle, {0.0f, 0.0f, 1.0f, 1.0f}, -kUnlimited, kUnlimited);
