@@ -278,7 +278,8 @@ Contest Looking(const QString& name, std::size_t count)
     const auto side = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(count))));
     for (std::size_t i = 1; i < count; ++i) {
         Matrix place;
-        const TVec3<float> way{0.0f, static_cast<float>(i % side), static_cast<float>(i / side)};
+        const std::size_t row = i / side;
+        const TVec3<float> way{0.0f, static_cast<float>(i % side), static_cast<float>(row)};
         place.SetTranslation(way * (0.5f * size));
         scene->DuplicateNodes({first})[0]->SetMatrix(first->GetMatrix() * place);
     }

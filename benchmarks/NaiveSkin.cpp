@@ -158,8 +158,8 @@ void CalculateAnimation(Scene& scene, const Animation& animation, float time)
         if (track.node && !track.keys.empty())
             track.node->localTransform = LocalTransform(Sample(track.keys, time));
 
+    const Matrix identity{};
     for (Node* node : scene.nodes) {
-        const Matrix identity;
         Naive::Multiply(node->globalTransform, node->localTransform, node->parent ? node->parent->globalTransform : identity);
         Naive::Multiply(node->meshTransform, node->geometryTransform, node->globalTransform);
         Naive::Multiply(node->skinTransform, node->originGlobalInverse, node->globalTransform);

@@ -167,6 +167,10 @@ struct EmbreeMesh::Handles {
     RTCDevice device = rtcNewDevice("threads=1");
     RTCScene scene = rtcNewScene(device);
 
+    Handles() = default;
+    Handles(const Handles&) = delete;
+    Handles& operator=(const Handles&) = delete;
+
     ~Handles()
     {
         rtcReleaseScene(scene);

@@ -138,8 +138,9 @@ struct Motion {
         const float length = static_cast<float>(keys - 1) * kStep;
         Workloads::Random random(4);
         // Around the middle: a playback from 0 would hide what searching costs.
-        for (float time = 0.45f * length; isPlayback && time < 0.55f * length; time += kFrame)
-            times.push_back(time);
+        const auto nFrames = static_cast<int>(0.1f * length / kFrame);
+        for (int frame = 0; isPlayback && frame < nFrames; ++frame)
+            times.push_back(0.45f * length + static_cast<float>(frame) * kFrame);
         while (!isPlayback && times.size() < 1024)
             times.push_back(random.Between(0.0f, length));
     }

@@ -57,9 +57,9 @@ std::shared_ptr<View> ManyMeshes()
     const auto view = std::make_shared<View>();
     Random random(2);
     const auto point = [&random](float high) { return Workloads::RandomVector(random, 0.0f, high); };
-    std::vector<TVec3<float>> corners;
-    for (int i = 0; i < 36; ++i)
-        corners.push_back(point(0.5f));
+    std::vector<TVec3<float>> corners(36);
+    for (TVec3<float>& corner : corners)
+        corner = point(0.5f);
     view->meshes.push_back(std::make_unique<StandIn::Mesh>(corners));
     for (std::size_t i = 0; i < kMeshNodes; ++i) {
         view->nodes.push_back(std::make_unique<StandIn::Node>(eNodeTypeMesh, &view->scene.root));

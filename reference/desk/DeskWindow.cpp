@@ -57,7 +57,8 @@ QDockWidget* Dock(QMainWindow& window, Qt::DockWidgetArea area, const QString& t
 /// Whether the generator still makes what it makes when nothing is set.
 bool IsUntouched(const IGenerator& generator)
 {
-    for (const sGeneratorParameter& parameter : generator.GetParameters())
+    const QList<sGeneratorParameter> parameters = generator.GetParameters();
+    for (const sGeneratorParameter& parameter : parameters)
         if (generator.GetValue(parameter.strName) != parameter.value) return false;
     return true;
 }
@@ -160,7 +161,8 @@ void DeskWindow::MakeMenus()
 
 void DeskWindow::FillInsert(QMenu& menu)
 {
-    for (const QString& name : m_application.BuiltInNames())
+    const QStringList names = m_application.BuiltInNames();
+    for (const QString& name : names)
         connect(menu.addAction(name), &QAction::triggered, this,
                 [this, name] { Guarded(m_ui, [&] { Insert(name); }); });
 }
@@ -403,8 +405,10 @@ void DeskWindow::RunScript()
     QString arguments = remembered(kArguments);
     if (!m_ui.AskText(QStringLiteral("Run a Script"), QStringLiteral("Its arguments, parted by spaces (\"...\" around one that has some):"), arguments))
         return;
-    if (pSettings) pSettings->SetValue(kScript, path);
-    if (pSettings) pSettings->SetValue(kArguments, arguments);
+    if (pSettings) {
+        pSettings->SetValue(kScript, path);
+        pSettings->SetValue(kArguments, arguments);
+    }
     const QString program = QString::fromUtf8(ReadAllFile(path));
 
     m_pScriptOutput->clear();
@@ -428,8 +432,10 @@ void DeskWindow::RemoveMaterial()
 
 void DeskWindow::AssignMaterial()
 {
+    IMaterial* const pMaterial = m_pMaterials->GetChosen();
+    if (!pMaterial) return;
     Host::Scene& scene = *m_document.GetScene();
-    if (IMaterial* const pMaterial = m_pMaterials->GetChosen()) scene.AssignMaterial(scene.GetSelection(), pMaterial);
+    scene.AssignMaterial(scene.GetSelection(), pMaterial);
 }
 
 } // namespace Host

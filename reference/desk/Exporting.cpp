@@ -23,7 +23,8 @@ void ExportModel(const IScene& scene, const PluginHost& plugins, IUserInterface&
     const ModelExporter exporter = ExporterFor(exporters, path);
     if (!exporter) throw ExporterException(QStringLiteral("'%1': no plug-in writes such files").arg(path));
     QStringList beside; // the dialog has asked for the file alone
-    for (const QFileInfo& file : FilesBeside(path))
+    const QFileInfoList files = FilesBeside(path);
+    for (const QFileInfo& file : files)
         beside += file.fileName();
     if (!beside.isEmpty()
         && !ui.AskYesNo(

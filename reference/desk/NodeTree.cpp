@@ -91,7 +91,8 @@ void NodeTree::ShowSelection()
             selection.select(index, index);
         }
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-    if (nodes.size() == 1 && m_items.contains(nodes.front())) scrollToItem(m_items[nodes.front()]);
+    QTreeWidgetItem* const pOnly = nodes.size() == 1 ? m_items.value(nodes.front()) : nullptr;
+    if (pOnly) scrollToItem(pOnly);
     viewport()->update();
 }
 
@@ -99,7 +100,8 @@ void NodeTree::TakeSelection()
 {
     Guarded(*m_document.GetUserInterface(), [this] {
         std::vector<INode*> nodes;
-        for (const QTreeWidgetItem* const pItem : selectedItems())
+        const QList<QTreeWidgetItem*> items = selectedItems();
+        for (const QTreeWidgetItem* const pItem : items)
             if (INode* const pNode = NodeOf(*pItem)) nodes.push_back(pNode);
         m_document.GetScene()->SetSelection(nodes);
     });

@@ -309,7 +309,8 @@ void PropertyPanel::AddParameters(PropertyForm& form, IGenerator& generator)
             pGenerator->SetValue(each.key(), each.value());
     };
     if (!titles.isEmpty()) form.AddChoice(QStringLiteral("Preset"), titles, choose);
-    for (const sGeneratorParameter& parameter : generator.GetParameters())
+    const QList<sGeneratorParameter> parameters = generator.GetParameters();
+    for (const sGeneratorParameter& parameter : parameters)
         AddParameter(form, generator, parameter);
 }
 

@@ -41,7 +41,7 @@ int Run(DeskApplication& desk)
     Host::DeskWindow window(application);
     desk.SetUserInterface(&window.GetUserInterface());
     window.show();
-    const QString source = desk.arguments().value(1);
+    const QString source = QCoreApplication::arguments().value(1);
     if (!source.isEmpty()) window.Open(source);
     const int nStatus = QApplication::exec();
     desk.SetUserInterface(nullptr);

@@ -142,7 +142,7 @@ void CheckTarget(const Arguments& arguments, const QString& fileName, const QStr
 
 void Set(const Arguments& arguments, const QStringList& words)
 {
-    const QString source = words.first();
+    const QString& source = words.first();
     const std::vector<Assignment> assignments = ReadAssignments(arguments, words.mid(1));
     const bool isNamed = arguments.Has(QStringLiteral("name"));
     if (assignments.empty() && !isNamed) arguments.Reject(QStringLiteral("neither NAME=VALUE nor --name is given"));
@@ -158,7 +158,7 @@ void Set(const Arguments& arguments, const QStringList& words)
 
 void New(const Arguments& arguments, const QStringList& words)
 {
-    const QString fileName = words.first();
+    const QString& fileName = words.first();
     const std::vector<Assignment> assignments = ReadAssignments(arguments, words.mid(1));
     CheckTarget(arguments, fileName);
     MaterialFile material;

@@ -88,7 +88,7 @@ void DrawLabels(QPainter& painter, const QRect& picture, const NodeColours& colo
     painter.setFont(font);
     std::vector<QRect> taken;
     for (const PixelMark& mark : marks)
-        taken.push_back({mark.pixel - QPoint(6, 6), mark.pixel + QPoint(6, 6)});
+        taken.emplace_back(mark.pixel - QPoint(6, 6), mark.pixel + QPoint(6, 6));
     for (const PixelMark& mark : marks) {
         const QString text = metrics.elidedText(mark.label, Qt::ElideMiddle, picture.width() - 2 * kPadding);
         const QSize size(metrics.horizontalAdvance(text) + 2 * kPadding, metrics.height() + kPadding);

@@ -198,7 +198,7 @@ void PickTiles::AddMesh(const Source& source, const View& view)
         const int bottom = pixels ? std::min(tile(pixels->bottom(), m_rows), m_rows - 1) : m_rows - 1;
         for (int row = top; row <= bottom; ++row)
             for (int column = left; column <= right; ++column)
-                m_tiles[static_cast<std::size_t>(row * m_columns + column)].push_back({m_sources.size(), first});
+                m_tiles[IndexOf(row, column)].push_back({m_sources.size(), first});
     }
     m_sources.push_back(source);
 }
@@ -214,7 +214,7 @@ std::vector<Picked> PickTiles::GetList() const
 void PickTiles::PickRow(int row, std::vector<Place>& picked) const
 {
     for (int column = 0; column < m_columns; ++column) {
-        const Tile& tile = m_tiles[static_cast<std::size_t>(row * m_columns + column)];
+        const Tile& tile = m_tiles[IndexOf(row, column)];
         if (!tile.empty()) PickTile(tile, column, row, picked);
     }
 }

@@ -58,6 +58,10 @@ private:
 
     void AddMesh(const Source& source, const View& view);
     void PickTile(const Tile& tile, int column, int row, std::vector<Place>& picked) const;
+    std::size_t IndexOf(int row, int column) const
+    {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) + static_cast<std::size_t>(column);
+    }
 
     const IScene& m_scene;
     QSize m_size;

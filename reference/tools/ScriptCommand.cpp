@@ -46,8 +46,8 @@ public:
     /// \throws Failure something has failed
     void Check() const
     {
-        if (m_failure) throw *m_failure;
-        if (m_error) throw *m_error;
+        if (m_failure) throw Failure(*m_failure);
+        if (m_error) throw Failure(*m_error);
     }
 
 private:

@@ -37,7 +37,7 @@ Stage::Stage(Model&& model, const RenderOptions& options, ProgressBar& bar)
         throw FailureOf(exception, source);
     }
     if (!problems.isEmpty()) bar.Clear();
-    for (const QString& problem : problems)
+    for (const QString& problem : qAsConst(problems))
         PrintWarning(source, problem);
 }
 

@@ -29,7 +29,6 @@ std::vector<Verb> Verbs()
 
 Manual CommandManual()
 {
-    QString verbs;
     Manual manual;
     manual.summary = QStringLiteral("look at skinned, animated 3D models without a display");
     manual.synopsis = QStringList{QStringLiteral("lumenta VERB MODEL [options]"), QStringLiteral("lumenta help [VERB]"),

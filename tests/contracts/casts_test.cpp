@@ -72,8 +72,8 @@ private Q_SLOTS:
         QSignalSpy byAddress(settings, &ISettings::onValueChanged); // that is one address in all libraries
         settings->SetValue("embree/samples", 16);
         const QList<QVariantList> expected{{"embree/samples", 16}};
-        QCOMPARE(QList<QVariantList>(byText), expected);
-        QCOMPARE(QList<QVariantList>(byAddress), expected);
+        QCOMPARE(static_cast<const QList<QVariantList>&>(byText), expected);
+        QCOMPARE(static_cast<const QList<QVariantList>&>(byAddress), expected);
     }
 };
 

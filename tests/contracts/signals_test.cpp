@@ -40,9 +40,10 @@ public:
 };
 
 // What the signals carry. Addresses are only compared, never followed.
-auto node = reinterpret_cast<const INode*>(quintptr(1001));
-auto image = reinterpret_cast<IImage*>(quintptr(1002));
-auto snapshot = reinterpret_cast<const ISnapshot*>(quintptr(1003));
+char places[3];
+auto node = reinterpret_cast<const INode*>(&places[0]);
+auto image = reinterpret_cast<IImage*>(&places[1]);
+auto snapshot = reinterpret_cast<const ISnapshot*>(&places[2]);
 auto nodeFlags = eNodeChangedMatrix | eNodeChangedLight;
 auto sceneFlags = eSceneChangedGround | eSceneChangedDocument;
 auto slot = eMaterialSlotBump;

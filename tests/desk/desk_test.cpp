@@ -229,7 +229,7 @@ private Q_SLOTS:
         IMaterial& oak = *desk.scene.CreateMaterial("oak");
         desk.panel.ShowMaterial(&oak), oak.SetOpacity(0.5f); // by somebody else
         desk.Row<QDoubleSpinBox>("Shininess").setValue(5000.0);
-        OnNext<QColorDialog>([](QColorDialog& shown) { shown.setCurrentColor("#00ff80"), shown.accept(); });
+        OnNext<QColorDialog>([](QColorDialog& shown) { shown.setCurrentColor(QColor(0, 255, 128)), shown.accept(); });
         desk.Row<QPushButton>("Colour").click();
         QVERIFY(oak.GetShininess() == 1000.0f && Rounded(oak.GetDiffuseColor()) == "0, 1, 0.21586, 1"); // linear
         FileField& field = desk.Row<FileField>("Bump texture");

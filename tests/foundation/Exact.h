@@ -18,6 +18,7 @@ template <typename Record>
 std::vector<float> ValuesOf(const Record& record)
 {
     static_assert(std::is_trivially_copyable<Record>::value && sizeof(Record) % sizeof(float) == 0);
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): a record may be one float
     std::vector<float> values(sizeof(Record) / sizeof(float));
     std::memcpy(values.data(), &record, sizeof record);
     return values;

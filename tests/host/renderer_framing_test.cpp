@@ -66,8 +66,9 @@ private Q_SLOTS:
             }
             for (int i = 0; i < 36; ++i) {
                 const TVec3<float> up = i % 3 == 0 ? kX : i % 3 == 1 ? kY : kZ;
+                const int row = i / 9;
                 const float azimuth = 60.0f * static_cast<float>(i / 3 % 3) - 35.0f;
-                const float elevation = 60.0f * static_cast<float>(i / 9) - 90.0f;
+                const float elevation = 60.0f * static_cast<float>(row) - 90.0f;
                 Camera camera = FrameBox(box, up, azimuth, elevation, size);
                 const double reach = ReachOf(corners, camera, size);
                 const TVec3<float> back = Normalized(camera.eye - camera.target);

@@ -57,7 +57,9 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("xml");
         QTest::addColumn<QString>("read");
         const QByteArray one = Parameter("1");
-        const auto row = [](auto name, const QByteArray& xml, QString read) { QTest::newRow(name) << xml << read; };
+        const auto row = [](auto name, const QByteArray& xml, const QString& read) {
+            QTest::newRow(name) << xml << read;
+        };
         row("the first of two, inside something else", "<x><y>" + Material(one) + "</y><material/></x>", "oak a=1");
         row("a prefix", "<m:material xmlns:m='m'/>", "unnamed / Invalid material format: bad root node");
         for (const char* version : {"1", "01", " 1 ", "+1"})

@@ -42,8 +42,9 @@ PosedMesh Ellipsoid(const TVec3<float>& half, float height = 0.0f)
     constexpr unsigned int kRings = 24, kRow = kRings + 1;
     PosedMesh mesh;
     for (unsigned int i = 0; i < kRings * kRow; ++i) {
-        const TVec3<float> n = DirectionFromAngles(
-            {0.0f, 90.0f - 180.0f / (kRings - 1) * float(i / kRow), 360.0f / kRings * float(i % kRow)});
+        const unsigned int ring = i / kRow;
+        const TVec3<float> n =
+            DirectionFromAngles({0.0f, 90.0f - 180.0f / (kRings - 1) * float(ring), 360.0f / kRings * float(i % kRow)});
         const TVec3<float> normal = Normalized(TVec3<float>{n.x / half.x, n.y / half.y, n.z / half.z});
         mesh.vertices.push_back({{n.x * half.x, n.y * half.y, n.z * half.z + height}, normal, {}, {}, {}, 1.0f});
         if (i + kRow + 1 < kRings * kRow)

@@ -17,10 +17,10 @@ QString Adjusted(int width, int height, float aspect, bool keepAspect = false)
     return Text(AdjustResolution({width, height}, aspect, keepAspect));
 }
 
-QString Times(unsigned long long finished, unsigned long long current, int count, int frame, int percent)
+QString Times(unsigned long long finished, unsigned long long current, int frameCount, int currentFrame, int percent)
 {
     QStringList texts;
-    for (const unsigned long long time : GetRenderingTimes(finished, current, count, frame, percent))
+    for (const unsigned long long time : GetRenderingTimes(finished, current, frameCount, currentFrame, percent))
         texts << QString::number(time);
     return texts.join(' ');
 }

@@ -120,9 +120,9 @@ enum Verdict { eHit, eMiss, eInBand, eWrong };
 /// What a scene's camera sees at one moment.
 struct Opinion {
     Opinion(const IScene& scene, const TVec2<float>& itsView)
+        : view(itsView)
+        , pieces(PiecesOf(scene))
     {
-        view = itsView;
-        pieces = PiecesOf(scene);
         const sCameraState camera = scene.GetCamera()->GetState();
         const double degrees = std::acos(-1.0) / 180.0;
         const double heading = double(camera.heading) * degrees, pitch = double(camera.pitch) * degrees;
@@ -141,7 +141,7 @@ struct Opinion {
                 if (piece.node->IsVisible() && !piece.mesh->GetOwner()->IsExcludedFromTracing() && cross.Length() > 0.0)
                     triangles.push_back({&piece, {a, b, c}, cross / cross.Length()});
             }
-        const RTCGeometry geometry = rtcNewGeometry(device.get(), RTC_GEOMETRY_TYPE_TRIANGLE);
+        auto* const geometry = rtcNewGeometry(device.get(), RTC_GEOMETRY_TYPE_TRIANGLE);
         auto* corner = static_cast<TVec3<float>*>(
             rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, 12, 3 * triangles.size()));
         auto* const indices = static_cast<unsigned int*>(

@@ -89,7 +89,8 @@ private Q_SLOTS:
         QTEST(Complaint("material " + words), "errors");
         const QJsonValue facts = Facts("material show " + file);
         QStringList parameters;
-        for (const QJsonValue& each : facts["parameters"].toArray())
+        const QJsonArray array = facts["parameters"].toArray();
+        for (const QJsonValue& each : array)
             parameters +=
                 QString("%1=%2 (%3)").arg(each["name"].toString(), each["value"].toString(), each["remark"].toString());
         const QString shown = facts["name"].toString() + ": " + parameters.join(", ").remove(" ()");

@@ -82,7 +82,8 @@ QPolygon Find(const QImage& picture, const QString& look)
 QString ListOf(const QJsonValue& objects, const QStringList& keys)
 {
     QStringList list;
-    for (const QJsonValue& object : objects.toArray()) {
+    const QJsonArray array = objects.toArray();
+    for (const QJsonValue& object : array) {
         QStringList values;
         for (const QString& key : keys)
             values += object[key].toVariant().toString();

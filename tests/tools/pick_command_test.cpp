@@ -43,7 +43,8 @@ AnimationSet Jump {
 QString Numbers(const QJsonValue& point, double unit)
 {
     QStringList numbers;
-    for (const QJsonValue& each : point.toArray()) {
+    const QJsonArray array = point.toArray();
+    for (const QJsonValue& each : array) {
         const double number = each.toDouble();
         numbers += std::fabs(number) < 3e-4 * unit ? "0" : QString::number(number, 'g', 3);
     }

@@ -134,13 +134,13 @@ std::array<SceneMaterial::Parameter, SceneMaterial::kCount> SceneMaterial::MakeT
     add(eReceivesShadows, QStringLiteral("receivesShadows"), eSwitch, on, 0.0f, 1.0f);
     add(eFlatShaded, QStringLiteral("flatShaded"), eSwitch, off, 0.0f, 1.0f);
     for (int i = 0; i < eMaterialSlotCount; ++i) {
-        const QLatin1String name(kFiles[i]);
-        add(Of(i, eEnabled), name + QLatin1String("Enabled"), eSwitch, on, 0.0f, 1.0f);
-        add(Of(i, eSlotAmount), name + QLatin1String("Amount"), eAmount, on, 0.0f, 1.0f);
-        add(Of(i, eRect), name + QLatin1String("Rect"), eRectangle, {0.0f, 0.0f, 1.0f, 1.0f}, -kUnlimited, kUnlimited);
-        add(Of(i, eTransformation), name + QLatin1String("Transformation"), eChoice, off, -kUnlimited, kUnlimited);
-        add(Of(i, eRepeated), name + QLatin1String("Repeated"), eSwitch, on, 0.0f, 1.0f);
-        add(Of(i, eInverted), name + QLatin1String("Inverted"), eSwitch, off, 0.0f, 1.0f);
+        const QString name = QString::fromLatin1(kFiles[i]);
+        add(Of(i, eEnabled), name + QStringLiteral("Enabled"), eSwitch, on, 0.0f, 1.0f);
+        add(Of(i, eSlotAmount), name + QStringLiteral("Amount"), eAmount, on, 0.0f, 1.0f);
+        add(Of(i, eRect), name + QStringLiteral("Rect"), eRectangle, {0.0f, 0.0f, 1.0f, 1.0f}, -kUnlimited, kUnlimited);
+        add(Of(i, eTransformation), name + QStringLiteral("Transformation"), eChoice, off, -kUnlimited, kUnlimited);
+        add(Of(i, eRepeated), name + QStringLiteral("Repeated"), eSwitch, on, 0.0f, 1.0f);
+        add(Of(i, eInverted), name + QStringLiteral("Inverted"), eSwitch, off, 0.0f, 1.0f);
     }
     return table;
 }

@@ -331,6 +331,7 @@ void Scene::FollowTreeWithModels(Change& change)
     if (std::equal(ordered.begin(), ordered.end(), anchors.begin(), anchors.end())) return;
 
     std::vector<std::unique_ptr<PosedModel>> models;
+    models.reserve(ordered.size());
     for (const Node* pAnchor : ordered)
         models.push_back(std::move(*std::find_if(
             m_models.begin(), m_models.end(), [&](const auto& model) { return model && model->pAnchor == pAnchor; })));

@@ -65,9 +65,10 @@ QScriptValue GetMeshes(ScriptCall& call)
     std::size_t n = 0;
     return call.Array(pMeshNode->GetMeshes(), [&](const IMesh* pMesh) {
         QScriptValue mesh = call.NewObject();
+        const std::size_t nTriangles = pMesh->GetIndices().size() / 3;
         mesh.setProperty(QStringLiteral("name"), pMesh->GetName());
         mesh.setProperty(QStringLiteral("vertexCount"), static_cast<double>(pMesh->GetVertices().size()));
-        mesh.setProperty(QStringLiteral("triangleCount"), static_cast<double>(pMesh->GetIndices().size() / 3));
+        mesh.setProperty(QStringLiteral("triangleCount"), static_cast<double>(nTriangles));
         mesh.setProperty(QStringLiteral("material"), call.Wrapped(pMeshNode->GetMaterial(n++)));
         return mesh;
     });

@@ -56,7 +56,10 @@ public:
     }
 
 private:
-    static qint64 Bytes(std::size_t size, std::size_t count) { return static_cast<qint64>(size * count); }
+    static qint64 Bytes(std::size_t size, std::size_t count)
+    {
+        return static_cast<qint64>(size) * static_cast<qint64>(count);
+    }
     void Fail()
     {
         if (m_failure.isEmpty())

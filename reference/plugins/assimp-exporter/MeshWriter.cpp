@@ -29,7 +29,7 @@ Matrix NormalMatrix(const Matrix& placement)
     Matrix transposed;
     for (int row = 0; row < 3; ++row)
         for (int column = 0; column < 3; ++column)
-            transposed(row, column) = inverse(column, row);
+            transposed(row, column) = inverse(column, row); // NOLINT(readability-suspicious-call-argument): it turns
     return transposed;
 }
 

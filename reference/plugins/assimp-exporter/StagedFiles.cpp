@@ -36,13 +36,16 @@ void Keep(const QByteArray& file, const QByteArray& kept)
         FailBySystem(file);
 }
 
-void Undo(const std::vector<Move>& moves)
+/// \return whether all that was there before is there again
+bool Undo(const std::vector<Move>& moves)
 {
+    bool isUndone = true;
     for (auto move = moves.rbegin(); move != moves.rend(); ++move)
         if (move->before.isEmpty())
-            std::remove(move->to.constData());
-        else
-            std::rename(move->before.constData(), move->to.constData());
+            QFile::remove(QFile::decodeName(move->to));
+        else if (std::rename(move->before.constData(), move->to.constData()) != 0)
+            isUndone = false;
+    return isUndone;
 }
 
 } // namespace
@@ -85,9 +88,11 @@ void StagedFiles::Publish()
             if (std::rename(QFile::encodeName(PathOf(name)).constData(), move.to.constData()) != 0)
                 FailBySystem(move.to);
         }
-    } catch (const Exception&) {
-        Undo(moves);
-        throw;
+    } catch (const Exception& failure) {
+        if (Undo(moves)) throw;
+        m_folder.setAutoRemove(false); // better litter than a lost file
+        throw Exception(QStringLiteral("%1; what was there before lies in '%2'")
+                            .arg(failure.GetErrorText(), PathOf(QStringLiteral("before"))));
     }
 }
 

@@ -19,7 +19,7 @@ public:
     QString PathOf(const QString& strName) const { return m_folder.filePath(strName); }
 
     /// Moves all files into place, the file itself last.
-    /// \throws Exception one can't be moved; then all is as it was
+    /// \throws Exception one can't be moved; then all is as it was, or the text tells where that lies
     void Publish();
 
 private:

@@ -62,6 +62,7 @@ std::vector<WideVector> CornersAtRest(const SkinAnimation::Geometry& geometry, c
     for (const std::uint32_t index : geometry.indices)
         box.Extend(geometry.vertices[index].position);
     std::vector<WideVector> corners;
+    corners.reserve(8);
     for (int i = 0; i < 8; ++i)
         corners.push_back(bind * WideVector(static_cast<double>(i & 1 ? box.max.x : box.min.x),
                                             static_cast<double>(i & 2 ? box.max.y : box.min.y),

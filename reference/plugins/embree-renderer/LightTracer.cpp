@@ -126,6 +126,8 @@ TVec3<float> LightTracer::PixelColour(int x, int y) const
     return sum * (1.0f / static_cast<float>(m_sampleCount));
 }
 
+// At most kMostBounces deep.
+// NOLINTNEXTLINE(misc-no-recursion)
 TVec3<float> LightTracer::AlongRay(Ray3 ray, const TVec3<float>& behind, const Sample& sample, int nBounce) const
 {
     TVec3<float> sum{};
@@ -159,6 +161,7 @@ TVec3<float> LightTracer::AlongRay(Ray3 ray, const TVec3<float>& behind, const S
     return sum + Times(FloorOr(behind, ray, sample), remaining);
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): see AlongRay()
 TVec3<float> LightTracer::MirroredLight(const ShadingPoint& point, const Sample& sample, int nBounce) const
 {
     const TVec3<float>& normal = point.smoothNormal;

@@ -193,9 +193,9 @@ private:
     {
         const QString user = QStringLiteral("Background");
         if (settings.backgroundImage) return EmbeddedImage(*settings.backgroundImage, user);
-        QString resolved;
         QString failure;
         try {
+            QString resolved;
             IImage* const pImage = ImageLoadingHelper(m_pImages, m_folder).LoadImage(settings.backgroundFile, resolved);
             if (pImage) return m_loaded->Add(pImage);
         } catch (const Exception& exception) {

@@ -82,8 +82,8 @@ private:
 
     void ReadXml(StoredMaterial& material)
     {
-        QString ignored; // not every name fits into XML, so it is stored apart
         try {
+            QString ignored; // not every name fits into XML, so it is stored apart
             ReadMaterial(m_input.ReadText().toUtf8(), ignored, material.parameters);
         } catch (const InvalidParameterException& exception) {
             throw Flaw{QStringLiteral("this is no material: %1").arg(exception.GetErrorText())};
