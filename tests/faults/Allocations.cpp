@@ -1,0 +1,210 @@
+#include "tests/faults/Allocations.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include <link.h>
+
+namespace {
+
+std::atomic<long> allocations{0};
+std::atomic<long> liveBlocks{0};
+thread_local long allowed = -1; // below zero: all
+thread_local bool hasFailed = false;
+
+constexpr std::size_t kMost = 64;
+struct Range {
+    std::uintptr_t begin, end;
+};
+/// Where libraries of some name lie in memory.
+struct Ranges {
+    const char* name;
+    Range ranges[kMost];
+    std::size_t count = 0;
+
+    explicit Ranges(const char* strName)
+        : name(strName)
+    {
+        dl_iterate_phdr(&Ranges::Add, this);
+    }
+    static int Add(dl_phdr_info* info, std::size_t, void* self)
+    {
+        auto& own = *static_cast<Ranges*>(self);
+        if (!std::strstr(info->dlpi_name, own.name)) return 0;
+        for (int i = 0; i < info->dlpi_phnum && own.count < kMost; ++i) {
+            const std::uintptr_t begin = info->dlpi_addr + info->dlpi_phdr[i].p_vaddr;
+            if (info->dlpi_phdr[i].p_type == PT_LOAD)
+                own.ranges[own.count++] = {begin, begin + info->dlpi_phdr[i].p_memsz};
+        }
+        return 0;
+    }
+    bool Hold(const void* place) const
+    {
+        const auto at = reinterpret_cast<std::uintptr_t>(place);
+        for (std::size_t i = 0; i < count; ++i)
+            if (at >= ranges[i].begin && at < ranges[i].end) return true;
+        return false;
+    }
+};
+
+const void* placesInCore[1024];
+long nPlacesInCore = 0;
+
+void Note(const void* place)
+{
+    static const Ranges core("/liblumenta-core.so");
+    if (!core.Hold(place)) return;
+    for (long i = 0; i < nPlacesInCore; ++i)
+        if (placesInCore[i] == place) return;
+    if (nPlacesInCore < 1024) placesInCore[nPlacesInCore++] = place;
+}
+
+bool Fails(const void* caller)
+{
+    static const Ranges qt("/libQt5");
+    if (allowed < 0 || qt.Hold(caller) || allowed-- > 0) return false;
+    hasFailed = true;
+    Note(caller);
+    return true;
+}
+
+void* Allocate(std::size_t size, std::size_t alignment, const void* caller)
+{
+    void* const block = Fails(caller) ? nullptr : std::aligned_alloc(alignment, (size / alignment + 1) * alignment);
+    if (block) {
+        ++allocations;
+        ++liveBlocks;
+    }
+    return block;
+}
+
+void* AllocateOrThrow(std::size_t size, std::size_t alignment, const void* caller)
+{
+    void* const block = Allocate(size, alignment, caller);
+    return block ? block : throw std::bad_alloc();
+}
+
+void Free(void* block)
+{
+    if (block) --liveBlocks;
+    std::free(block);
+}
+
+constexpr std::size_t kUsual = alignof(std::max_align_t);
+using Size = std::size_t;
+using Align = std::align_val_t;
+using NoThrow = std::nothrow_t;
+
+} // namespace
+
+#define CALLER __builtin_return_address(0)
+void* operator new(Size size)
+{
+    return AllocateOrThrow(size, kUsual, CALLER);
+}
+void* operator new[](Size size)
+{
+    return AllocateOrThrow(size, kUsual, CALLER);
+}
+void* operator new(Size size, Align at)
+{
+    return AllocateOrThrow(size, Size(at), CALLER);
+}
+void* operator new[](Size size, Align at)
+{
+    return AllocateOrThrow(size, Size(at), CALLER);
+}
+void* operator new(Size size, const NoThrow&) noexcept
+{
+    return Allocate(size, kUsual, CALLER);
+}
+void* operator new[](Size size, const NoThrow&) noexcept
+{
+    return Allocate(size, kUsual, CALLER);
+}
+void* operator new(Size size, Align at, const NoThrow&) noexcept
+{
+    return Allocate(size, Size(at), CALLER);
+}
+void* operator new[](Size size, Align at, const NoThrow&) noexcept
+{
+    return Allocate(size, Size(at), CALLER);
+}
+void operator delete(void* block) noexcept
+{
+    Free(block);
+}
+void operator delete[](void* block) noexcept
+{
+    Free(block);
+}
+void operator delete(void* block, Size) noexcept
+{
+    Free(block);
+}
+void operator delete[](void* block, Size) noexcept
+{
+    Free(block);
+}
+void operator delete(void* block, Align) noexcept
+{
+    Free(block);
+}
+void operator delete[](void* block, Align) noexcept
+{
+    Free(block);
+}
+void operator delete(void* block, Size, Align) noexcept
+{
+    Free(block);
+}
+void operator delete[](void* block, Size, Align) noexcept
+{
+    Free(block);
+}
+void operator delete(void* block, const NoThrow&) noexcept
+{
+    Free(block);
+}
+void operator delete[](void* block, const NoThrow&) noexcept
+{
+    Free(block);
+}
+void operator delete(void* block, Align, const NoThrow&) noexcept
+{
+    Free(block);
+}
+void operator delete[](void* block, Align, const NoThrow&) noexcept
+{
+    Free(block);
+}
+
+long Allocations::Count()
+{
+    return allocations;
+}
+
+long Allocations::Live()
+{
+    return liveBlocks;
+}
+
+long Allocations::PlacesFailedInCore()
+{
+    return nPlacesInCore;
+}
+
+void Allocations::FailAfter(long nAllowed)
+{
+    hasFailed = false;
+    allowed = nAllowed;
+}
+
+bool Allocations::StopFailing()
+{
+    allowed = -1;
+    return hasFailed;
+}

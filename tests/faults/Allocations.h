@@ -1,0 +1,50 @@
+#pragma once
+
+#include <new>
+
+/// Every allocation with `new` in a program that links Allocations.cpp: counted,
+/// and failing at will. Libraries and plug-ins that it loads are reached, too.
+///
+/// Not reached: what allocates with malloc, as Qt's containers and texts do; they
+/// end the program by themselves where there is none. Counted but never failing:
+/// what Qt's own code asks for, since it does not promise to survive that, and
+/// what other threads ask for.
+namespace Allocations {
+
+long Count(); ///< So far.
+long Live();  ///< Blocks that are not freed yet.
+
+/// Places in liblumenta-core.so whose allocations have failed.
+long PlacesFailedInCore();
+
+/// From now on the allocation after `nAllowed` more of this thread fails, once.
+void FailAfter(long nAllowed);
+
+/// Nothing fails any more.
+/// \return whether something has
+bool StopFailing();
+
+/// Runs attempt(), with its first allocation failing, then its second, and so on
+/// until none is left to fail. After each failure runs afterFailure().
+/// \return how many have failed; −1 where a failure was hushed up: neither
+///         std::bad_alloc came out, nor is `mayHide` set
+template <typename Prepare, typename Attempt, typename After>
+long FailEach(const Prepare& prepare, const Attempt& attempt, const After& afterFailure, bool mayHide = false)
+{
+    for (long nAllowed = 0;; ++nAllowed) {
+        prepare();
+        bool isThrown = false;
+        FailAfter(nAllowed);
+        try {
+            attempt();
+        } catch (const std::bad_alloc&) {
+            isThrown = true;
+        }
+        const bool hasFailed = StopFailing();
+        if (!hasFailed) return nAllowed;
+        if (!isThrown && !mayHide) return -1;
+        afterFailure();
+    }
+}
+
+} // namespace Allocations
