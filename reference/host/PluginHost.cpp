@@ -1,5 +1,7 @@
 #include "reference/host/PluginHost.h"
 
+#include "reference/host/Caught.h"
+
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
@@ -16,20 +18,6 @@ namespace {
 struct Refused {
     QString reason;
 };
-
-/// Inside of a handler: what was thrown, in words.
-QString CaughtText()
-{
-    try {
-        throw;
-    } catch (const Exception& exception) {
-        return exception.GetErrorText();
-    } catch (const std::exception& exception) {
-        return QString::fromLocal8Bit(exception.what());
-    } catch (...) {
-        return QStringLiteral("something of an unknown class");
-    }
-}
 
 void CheckIsLibrary(const QString& fileName)
 {
