@@ -25,11 +25,11 @@ void FailAfter(long nAllowed);
 bool StopFailing();
 
 /// Runs attempt(), with its first allocation failing, then its second, and so on
-/// until none is left to fail. After each failure runs afterFailure().
-/// \return how many have failed; −1 where a failure was hushed up: neither
-///         std::bad_alloc came out, nor is `mayHide` set
+/// until none is left to fail. After each failure runs afterFailure(isThrown): false
+/// where it did not come out as std::bad_alloc, so that the attempt succeeded.
+/// \return how many have failed
 template <typename Prepare, typename Attempt, typename After>
-long FailEach(const Prepare& prepare, const Attempt& attempt, const After& afterFailure, bool mayHide = false)
+long FailEach(const Prepare& prepare, const Attempt& attempt, const After& afterFailure)
 {
     for (long nAllowed = 0;; ++nAllowed) {
         prepare();
@@ -40,10 +40,8 @@ long FailEach(const Prepare& prepare, const Attempt& attempt, const After& after
         } catch (const std::bad_alloc&) {
             isThrown = true;
         }
-        const bool hasFailed = StopFailing();
-        if (!hasFailed) return nAllowed;
-        if (!isThrown && !mayHide) return -1;
-        afterFailure();
+        if (!StopFailing()) return nAllowed;
+        afterFailure(isThrown);
     }
 }
 

@@ -180,7 +180,8 @@ private Q_SLOTS:
         };
         const long failed = Allocations::FailEach(
             prepare, [&] { deed(*world); },
-            [&] {
+            [&](bool isThrown) {
+                QVERIFY(isThrown);
                 QCOMPARE(Allocations::Live(), liveBefore);
                 QCOMPARE(world->State(), before);
                 deed(*world);

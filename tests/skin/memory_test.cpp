@@ -103,7 +103,8 @@ private Q_SLOTS:
         };
         long failures = 0;
         const auto clip = [&] { scene->AppendClippedAnimation(0, QString(), 0.25f, 1); };
-        const long failed = Allocations::FailEach(prepare, clip, [&] {
+        const long failed = Allocations::FailEach(prepare, clip, [&](bool isThrown) {
+            QVERIFY(isThrown);
             // The animation itself, and its place in the list; then the unfinished one stays.
             QCOMPARE(scene->animations.size(), std::size_t(++failures <= 2 ? 1 : 2));
         });
@@ -141,7 +142,8 @@ private Q_SLOTS:
         };
         prepare(undisturbed);
         pose(*undisturbed);
-        const long failed = Allocations::FailEach([&] { prepare(scene); }, [&] { pose(*scene); }, [&] {
+        const long failed = Allocations::FailEach([&] { prepare(scene); }, [&] { pose(*scene); }, [&](bool isThrown) {
+            QVERIFY(isThrown);
             same(false);
             pose(*scene);
             same(true);
