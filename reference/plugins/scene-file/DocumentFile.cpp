@@ -8,6 +8,9 @@
 #include <QSaveFile>
 #include <QtEndian>
 
+#include <cerrno>
+#include <cstring>
+
 namespace Host {
 
 namespace {
@@ -110,10 +113,16 @@ void WriteDocumentFile(const QString& fileName, const QByteArray& body)
 {
     QSaveFile file(fileName);
     // QSaveFile doesn't notice where what its buffer still holds finds no room on the disk.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) throw CannotOpen(fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        throw FileException(fileName, QStringLiteral("Can't open the file: ") + file.errorString());
+    const auto refuse = [&](const QString& reason) {
+        return FileException(fileName, QStringLiteral("Can't write the data: ") + reason);
+    };
     const QByteArray header = HeaderOf(body);
     const bool isWritten = file.write(header) == header.size() && file.write(body) == body.size();
-    if (!isWritten || !file.commit()) throw FileException(fileName, QStringLiteral("Can't write the data"));
+    // The toolkit has no words for a file that is cut short; the system has.
+    if (!isWritten) throw refuse(QString::fromLocal8Bit(std::strerror(errno)));
+    if (!file.commit()) throw refuse(file.errorString());
 }
 
 } // namespace Host
