@@ -25,9 +25,9 @@ constexpr int kLengthAt = 12;
 constexpr int kChecksumAt = 20;
 constexpr int kHeaderSize = 52;
 
-FileException CannotOpen(const QString& fileName)
+FileException CannotOpen(const QString& fileName, const QIODevice& file)
 {
-    return {fileName, QStringLiteral("Can't open the file")};
+    return {fileName, QStringLiteral("Can't open the file: ") + file.errorString()};
 }
 
 /// Of all but itself.
@@ -95,7 +95,8 @@ bool IsDocumentFile(const QString& fileName)
 QByteArray ReadDocumentFile(const QString& fileName)
 {
     QFile file(fileName);
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) throw CannotOpen(fileName);
+    if (!QFileInfo(fileName).isFile()) throw FileException(fileName, QStringLiteral("Can't open the file"));
+    if (!file.open(QIODevice::ReadOnly)) throw CannotOpen(fileName, file);
     const QByteArray header = file.read(kHeaderSize);
     if (file.error() != QFileDevice::NoError) throw FileException(fileName, QStringLiteral("Can't read the file"));
     CheckBeginning(header);
@@ -114,7 +115,7 @@ void WriteDocumentFile(const QString& fileName, const QByteArray& body)
     QSaveFile file(fileName);
     // QSaveFile doesn't notice where what its buffer still holds finds no room on the disk.
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        throw FileException(fileName, QStringLiteral("Can't open the file: ") + file.errorString());
+        throw CannotOpen(fileName, file);
     const auto refuse = [&](const QString& reason) {
         return FileException(fileName, QStringLiteral("Can't write the data: ") + reason);
     };
