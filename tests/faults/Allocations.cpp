@@ -1,10 +1,12 @@
 #include "tests/faults/Allocations.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 #include <link.h>
 
@@ -50,16 +52,13 @@ struct Ranges {
     }
 };
 
-const void* placesInCore[1024];
-long nPlacesInCore = 0;
+const void* places[1024];
+std::size_t nPlaces = 0;
 
 void Note(const void* place)
 {
-    static const Ranges core("/liblumenta-core.so");
-    if (!core.Hold(place)) return;
-    for (long i = 0; i < nPlacesInCore; ++i)
-        if (placesInCore[i] == place) return;
-    if (nPlacesInCore < 1024) placesInCore[nPlacesInCore++] = place;
+    const auto end = places + nPlaces;
+    if (std::find(places, end, place) == end && nPlaces < std::size(places)) places[nPlaces++] = place;
 }
 
 bool Fails(const void* caller)
@@ -192,9 +191,10 @@ long Allocations::Live()
     return liveBlocks;
 }
 
-long Allocations::PlacesFailedInCore()
+long Allocations::PlacesFailedIn(const char* strLibrary)
 {
-    return nPlacesInCore;
+    const Ranges library(strLibrary);
+    return std::count_if(places, places + nPlaces, [&](const void* place) { return library.Hold(place); });
 }
 
 void Allocations::FailAfter(long nAllowed)

@@ -14,8 +14,8 @@ namespace Allocations {
 long Count(); ///< So far.
 long Live();  ///< Blocks that are not freed yet.
 
-/// Places in liblumenta-core.so whose allocations have failed.
-long PlacesFailedInCore();
+/// Places in a library or plug-in, by a part of its path, whose allocations have failed.
+long PlacesFailedIn(const char* strLibrary);
 
 /// From now on the allocation after `nAllowed` more of this thread fails, once.
 void FailAfter(long nAllowed);
