@@ -17,37 +17,31 @@ std::atomic<long> liveBlocks{0};
 thread_local long allowed = -1; // below zero: all
 thread_local bool hasFailed = false;
 
-constexpr std::size_t kMost = 64;
-struct Range {
-    std::uintptr_t begin, end;
-};
-/// Where libraries of some name lie in memory.
+/// Where libraries with that in their path lie in memory.
 struct Ranges {
     const char* name;
-    Range ranges[kMost];
+    std::uintptr_t begins[64], ends[64];
     std::size_t count = 0;
 
-    explicit Ranges(const char* strName)
-        : name(strName)
-    {
-        dl_iterate_phdr(&Ranges::Add, this);
-    }
+    explicit Ranges(const char* part) : name(part) { dl_iterate_phdr(&Ranges::Add, this); }
+
     static int Add(dl_phdr_info* info, std::size_t, void* self)
     {
         auto& own = *static_cast<Ranges*>(self);
         if (!std::strstr(info->dlpi_name, own.name)) return 0;
-        for (int i = 0; i < info->dlpi_phnum && own.count < kMost; ++i) {
-            const std::uintptr_t begin = info->dlpi_addr + info->dlpi_phdr[i].p_vaddr;
-            if (info->dlpi_phdr[i].p_type == PT_LOAD)
-                own.ranges[own.count++] = {begin, begin + info->dlpi_phdr[i].p_memsz};
+        for (int i = 0; i < info->dlpi_phnum && own.count < std::size(own.begins); ++i) {
+            if (info->dlpi_phdr[i].p_type != PT_LOAD) continue;
+            own.begins[own.count] = info->dlpi_addr + info->dlpi_phdr[i].p_vaddr;
+            own.ends[own.count++] = info->dlpi_addr + info->dlpi_phdr[i].p_vaddr + info->dlpi_phdr[i].p_memsz;
         }
         return 0;
     }
+
     bool Hold(const void* place) const
     {
         const auto at = reinterpret_cast<std::uintptr_t>(place);
         for (std::size_t i = 0; i < count; ++i)
-            if (at >= ranges[i].begin && at < ranges[i].end) return true;
+            if (at >= begins[i] && at < ends[i]) return true;
         return false;
     }
 };
@@ -100,111 +94,36 @@ using NoThrow = std::nothrow_t;
 } // namespace
 
 #define CALLER __builtin_return_address(0)
-void* operator new(Size size)
-{
-    return AllocateOrThrow(size, kUsual, CALLER);
-}
-void* operator new[](Size size)
-{
-    return AllocateOrThrow(size, kUsual, CALLER);
-}
-void* operator new(Size size, Align at)
-{
-    return AllocateOrThrow(size, Size(at), CALLER);
-}
-void* operator new[](Size size, Align at)
-{
-    return AllocateOrThrow(size, Size(at), CALLER);
-}
-void* operator new(Size size, const NoThrow&) noexcept
-{
-    return Allocate(size, kUsual, CALLER);
-}
-void* operator new[](Size size, const NoThrow&) noexcept
-{
-    return Allocate(size, kUsual, CALLER);
-}
-void* operator new(Size size, Align at, const NoThrow&) noexcept
-{
-    return Allocate(size, Size(at), CALLER);
-}
-void* operator new[](Size size, Align at, const NoThrow&) noexcept
-{
-    return Allocate(size, Size(at), CALLER);
-}
-void operator delete(void* block) noexcept
-{
-    Free(block);
-}
-void operator delete[](void* block) noexcept
-{
-    Free(block);
-}
-void operator delete(void* block, Size) noexcept
-{
-    Free(block);
-}
-void operator delete[](void* block, Size) noexcept
-{
-    Free(block);
-}
-void operator delete(void* block, Align) noexcept
-{
-    Free(block);
-}
-void operator delete[](void* block, Align) noexcept
-{
-    Free(block);
-}
-void operator delete(void* block, Size, Align) noexcept
-{
-    Free(block);
-}
-void operator delete[](void* block, Size, Align) noexcept
-{
-    Free(block);
-}
-void operator delete(void* block, const NoThrow&) noexcept
-{
-    Free(block);
-}
-void operator delete[](void* block, const NoThrow&) noexcept
-{
-    Free(block);
-}
-void operator delete(void* block, Align, const NoThrow&) noexcept
-{
-    Free(block);
-}
-void operator delete[](void* block, Align, const NoThrow&) noexcept
-{
-    Free(block);
-}
+// clang-format off
+void* operator new(Size size) { return AllocateOrThrow(size, kUsual, CALLER); }
+void* operator new[](Size size) { return AllocateOrThrow(size, kUsual, CALLER); }
+void* operator new(Size size, Align at) { return AllocateOrThrow(size, Size(at), CALLER); }
+void* operator new[](Size size, Align at) { return AllocateOrThrow(size, Size(at), CALLER); }
+void* operator new(Size size, const NoThrow&) noexcept { return Allocate(size, kUsual, CALLER); }
+void* operator new[](Size size, const NoThrow&) noexcept { return Allocate(size, kUsual, CALLER); }
+void* operator new(Size size, Align at, const NoThrow&) noexcept { return Allocate(size, Size(at), CALLER); }
+void* operator new[](Size size, Align at, const NoThrow&) noexcept { return Allocate(size, Size(at), CALLER); }
+void operator delete(void* block) noexcept { Free(block); }
+void operator delete[](void* block) noexcept { Free(block); }
+void operator delete(void* block, Size) noexcept { Free(block); }
+void operator delete[](void* block, Size) noexcept { Free(block); }
+void operator delete(void* block, Align) noexcept { Free(block); }
+void operator delete[](void* block, Align) noexcept { Free(block); }
+void operator delete(void* block, Size, Align) noexcept { Free(block); }
+void operator delete[](void* block, Size, Align) noexcept { Free(block); }
+void operator delete(void* block, const NoThrow&) noexcept { Free(block); }
+void operator delete[](void* block, const NoThrow&) noexcept { Free(block); }
+void operator delete(void* block, Align, const NoThrow&) noexcept { Free(block); }
+void operator delete[](void* block, Align, const NoThrow&) noexcept { Free(block); }
 
-long Allocations::Count()
-{
-    return allocations;
-}
-
-long Allocations::Live()
-{
-    return liveBlocks;
-}
+long Allocations::Count() { return allocations; }
+long Allocations::Live() { return liveBlocks; }
+void Allocations::FailAfter(long nAllowed) { hasFailed = false, allowed = nAllowed; }
+bool Allocations::StopFailing() { return allowed = -1, hasFailed; }
+// clang-format on
 
 long Allocations::PlacesFailedIn(const char* strLibrary)
 {
     const Ranges library(strLibrary);
     return std::count_if(places, places + nPlaces, [&](const void* place) { return library.Hold(place); });
-}
-
-void Allocations::FailAfter(long nAllowed)
-{
-    hasFailed = false;
-    allowed = nAllowed;
-}
-
-bool Allocations::StopFailing()
-{
-    allowed = -1;
-    return hasFailed;
 }

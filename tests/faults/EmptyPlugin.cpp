@@ -16,57 +16,45 @@
 
 namespace {
 
-// clang-format off: nothing to be read here
+// clang-format off
 struct Loader final : IModelLoader {
     std::vector<ModelFormatInfo> formats{{"void", "Void", {"void"}}};
     std::vector<sModelMaterial> materials;
+    const std::vector<sModelMaterial>& GetMaterials() const override { return materials; } void Cancel() override {}
     const std::vector<ModelFormatInfo>& GetFormats() const override { return formats; }
-    void SetDefaultTickRate(double) override {}
-    void Load(const QString&) override {}
-    void Cancel() override {}
-    SkinAnimation::Scene* TakeScene() override { return nullptr; }
-    TVec3<float> GetUpAxis() const override { return {}; }
-    float GetMillimetersPerUnit() const override { return 0; }
-    QStringList GetImageNames() const override { return {}; }
-    const std::vector<sModelMaterial>& GetMaterials() const override { return materials; }
+    QMap<QString, QVariant> GetMetadata() const override { return {}; } void SetDefaultTickRate(double) override {}
+    SkinAnimation::Scene* TakeScene() override { return nullptr; } void Load(const QString&) override {}
     QImage GetImage(const QString&) const override { return {}; }
-    QStringList GetWarnings() const override { return {}; }
-    QMap<QString, QVariant> GetMetadata() const override { return {}; }
+    float GetMillimetersPerUnit() const override { return 0; } QStringList GetWarnings() const override { return {}; }
+    QStringList GetImageNames() const override { return {}; } TVec3<float> GetUpAxis() const override { return {}; }
 };
 struct Render final : IRender {
     void Start(const IScene&, const sRenderSettings&) override { Q_EMIT done(eRenderExitSuccess); }
-    void Stop() override {}
-    QImage GetImage() const override { return {}; }
+    QImage GetImage() const override { return {}; } void Stop() override {}
 };
 struct Images final : IImageManager {
-    IImage* CreateImage(const QSize&) override { return nullptr; }
-    void ReleaseImage(IImage*) override {}
-    std::vector<ImageSaverInfo> GetSaverFormats() const override { return {{"Void", "void", "png"}}; }
     std::vector<ImageLoaderInfo> GetLoaderFormats() const override { return {{"Void", "Void", {"png"}}}; }
-    IImage* FindImage(const QString&) const override { return nullptr; }
+    std::vector<ImageSaverInfo> GetSaverFormats() const override { return {{"Void", "void", "png"}}; }
     IImage* DecodeImage(const QByteArray&, const QString&) override { return nullptr; }
     IImageSaver* CreateSaver(const ImageSaverInfo&) const override { return nullptr; }
+    IImage* FindImage(const QString&) const override { return nullptr; } void ReleaseImage(IImage*) override {}
     IImage* LoadImageFile(const QString&) override { return nullptr; }
-    bool ReloadImage(IImage*) override { return false; }
-    QStringList GetRecentFiles() const override { return {}; }
+    IImage* CreateImage(const QSize&) override { return nullptr; }
+    QStringList GetRecentFiles() const override { return {}; } bool ReloadImage(IImage*) override { return false; }
 };
 struct SceneLoader final : ISceneLoader {
-    bool CanLoad(const QString&) const override { return false; }
-    void Load(const QString&, IScene&) override {}
+    bool CanLoad(const QString&) const override { return false; } void Load(const QString&, IScene&) override {}
     QStringList GetWarnings() const override { return {}; }
 };
 struct SceneSaver final : ISceneSaver {
-    void Save(const QString&, const IScene&) override {}
-    QStringList GetWarnings() const override { return {}; }
+    QStringList GetWarnings() const override { return {}; } void Save(const QString&, const IScene&) override {}
 };
 struct Generator final : IGenerator {
-    void Generate(IMeshNodeBuilder&) override {}
-    QVariant GetValue(const QString&) const override { return {}; }
+    QVariant GetValue(const QString&) const override { return {}; } void Generate(IMeshNodeBuilder&) override {}
     void SetValue(const QString&, const QVariant&) override {}
 };
 struct Uploader final : IUploader {
-    void Upload(const QString&, const QMap<QString, QVariant>&) override {}
-    void Cancel() override {}
+    void Upload(const QString&, const QMap<QString, QVariant>&) override {} void Cancel() override {}
 };
 // clang-format on
 

@@ -107,15 +107,12 @@ struct World final : IApplicationContext, IDocumentContext {
         QVERIFY(!source->AcceptsFile("a.txt") && source->ShowOpenDialog(nullptr, text));
     }
 
-    // clang-format off: nothing to be read here
+    // clang-format off
     const ISerializersRegistry* GetSerializers() const override { return &registry; }
-    const IModelFormats* GetModelFormats() const override { return &models; }
-    ILog* GetLog() const override { No(); }
+    const IModelFormats* GetModelFormats() const override { return &models; } ILog* GetLog() const override { No(); }
+    IImageManager* GetImageManager() const override { return &images; } IScene* GetScene() const override { No(); }
     IUserInterface* GetUserInterface() const override { return &ui; }
-    IScene* GetScene() const override { No(); }
-    IScriptRunner* GetScriptRunner() const override { No(); }
-    ISettings* GetSettings() const override { No(); }
-    IImageManager* GetImageManager() const override { return &images; }
+    IScriptRunner* GetScriptRunner() const override { No(); } ISettings* GetSettings() const override { No(); }
     // clang-format on
 };
 
