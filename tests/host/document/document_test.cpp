@@ -157,7 +157,7 @@ struct Maker final : IGenerator {
 /// All that can be asked for, but for the numbers of nodes.
 QString StateOf(const World& world)
 {
-    QStringList texts{TextOf(world.root), QString::number(world.scene.GetAnimationTime()),
+    QStringList texts{TextOf(world.root), QString::number(double(world.scene.GetAnimationTime())),
                       QString::number(world.scene.GetCurrentAnimation()), QString::number(world.scene.IsModified()),
                       QString::number(world.scene.GetBackgroundImage() != nullptr)};
     for (INode* pNode : CollectAllChildren({world.root})) {
