@@ -234,12 +234,12 @@ public:
             m_lists.end());
     }
 
-    void SetMatrix(Node& node, const Matrix& matrix) { Place(node, *node.m_pParent, matrix); }
+    void SetMatrix(Node& node, const Matrix& matrix) { Place(node, node.m_pParent, matrix); }
 
     void Move(Node& node, Node& parent, const Matrix& matrix)
     {
         m_change.Moved(node);
-        Place(node, parent, matrix);
+        Place(node, &parent, matrix);
     }
 
     /// To where it is in the world already.
@@ -270,10 +270,10 @@ private:
         Matrix matrix;
     };
 
-    void Place(Node& node, Node& parent, const Matrix& matrix)
+    void Place(Node& node, Node* pParent, const Matrix& matrix)
     {
         if (node.m_matrix != matrix) m_change.Changed(node, eNodeChangedMatrix);
-        m_places.push_back({&node, &parent, matrix});
+        m_places.push_back({&node, pParent, matrix});
     }
 
     void Swap() noexcept
