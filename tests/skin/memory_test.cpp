@@ -111,6 +111,7 @@ private Q_SLOTS:
         QVERIFY(failed > 5);
         scene.reset();
         QCOMPARE(Allocations::Live(), before);
+        qInfo("%ld allocations have failed", failed);
     }
 
     void RunningOutOfMemoryWhilePosing()
@@ -152,6 +153,7 @@ private Q_SLOTS:
         undisturbed.reset();
         scene.reset();
         QCOMPARE(Allocations::Live(), before);
+        qInfo("%ld allocations have failed", failed);
     }
 
     void ALongChainNeedsNoStack()
