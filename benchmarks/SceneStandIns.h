@@ -1,5 +1,6 @@
 #pragma once
 
+#include "benchmarks/StandIn.h"
 #include "lumenta/foundation/Matrix.h"
 #include "lumenta/interfaces/IFreeCamera.h"
 #include "lumenta/interfaces/ILightNode.h"
@@ -17,9 +18,6 @@
 /// inconsistent: parents that don't list their children, nodes that hang twice,
 /// boxes that hold nothing. Whoever asks for more ends the program.
 namespace StandIn {
-
-/// What is not needed.
-[[noreturn]] inline void No() { qFatal("a stand-in was asked for what it is not for"); }
 
 struct Mesh final : IMesh {
     TBBox<float> box;

@@ -20,7 +20,8 @@ public:
     /// and lower case differ.
     ///
     /// Asks the contexts for the services at once. It makes a source even where
-    /// one is missing, which must then not be used: see the sources.
+    /// one is missing, which must then not be used: see the sources. What is short
+    /// of memory throws std::bad_alloc and leaves nothing behind.
     IFileSource* CreateFileSource(const QString& kind) override;
 
 private:

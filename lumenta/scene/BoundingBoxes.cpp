@@ -47,13 +47,15 @@ void ExtendByMoved(TBBox<float>& box, const std::vector<MeshVertex>& vertices, c
 
 void UpdateBBoxRecursive(TBBox<float>& box, const INode* pNode, const Matrix& parentMatrix)
 {
-    WalkPlaced(pNode, parentMatrix, [&box](const INode& node, const Matrix& global) {
+    TBBox<float> extended = box; // so that one whose walk fails stays as it was
+    WalkPlaced(pNode, parentMatrix, [&extended](const INode& node, const Matrix& global) {
         const IMeshNode* const meshNode = AsMeshNode(node);
         if (!meshNode || !node.IsVisible())
             return;
         for (const IMesh* const mesh : meshNode->GetMeshes())
-            ExtendByMoved(box, mesh->GetVertices(), global);
+            ExtendByMoved(extended, mesh->GetVertices(), global);
     });
+    box = extended;
 }
 
 TBBox<float> ComputeNodeBBox(const INode* pNode)

@@ -8,7 +8,8 @@ struct Matrix;
 
 /// \file
 /// How much room nodes take in the world. To be called on the scene's thread;
-/// no stack is used up, however deep the tree.
+/// no stack is used up, however deep the tree. What the scene throws passes
+/// through, and so does std::bad_alloc; then the box is as it was.
 
 /// Extends `box` by everything that is seen of `pNode` and what is under it:
 /// the world positions of all vertices of visible mesh nodes. A hidden node's

@@ -11,8 +11,9 @@ struct Matrix;
 /// Finding one's way in the scene tree.
 ///
 /// Nodes are valid and never null unless a function says otherwise; none is
-/// owned or changed here. No stack is used up, however deep the tree. To be
-/// called on the scene's thread.
+/// owned or changed here. No stack is used up, however deep the tree. What makes
+/// lists throws std::bad_alloc where there is no memory for them. To be called on
+/// the scene's thread.
 
 /// From the node's own space to the world: its local matrix, then those of its
 /// parent, grandparent and so on, multiplied in this order. The identity for a

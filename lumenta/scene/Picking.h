@@ -30,11 +30,11 @@ class IScene;
 ///
 /// Linear in the number of nodes, and in the triangles of those meshes whose
 /// boxes the ray meets. To be called on the scene's thread; no stack is used up,
-/// however deep the tree. What the scene throws passes through, nothing else is
-/// thrown.
+/// however deep the tree. What the scene throws passes through, and so does
+/// std::bad_alloc; nothing else is thrown.
 
 /// The nearest node and the mesh of it that is hit. A light comes without a
-/// mesh; a miss is null and null.
+/// mesh; a miss is null and null, and so is a look that ends by throwing.
 LUMENTA_EXPORT void FindNodeByScreenPoint(const QPoint& point, const TVec2<float>& viewSize, IScene& scene,
                                           INode*& pNode, const IMesh*& pMesh);
 

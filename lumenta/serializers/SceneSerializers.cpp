@@ -7,6 +7,7 @@
 
 #include <QFileInfo>
 
+#include <memory>
 #include <optional>
 
 namespace {
@@ -20,6 +21,16 @@ std::optional<SerializerInfo> FirstThatFits(const QList<SerializerInfo>& infos, 
     return std::nullopt;
 }
 
+/// Shares what was just made.
+template <typename T>
+QSharedPointer<T> Shared(T* made)
+{
+    std::unique_ptr<T> owner(made); // where there is no memory for the count, Qt leaves the object behind
+    const QSharedPointer<T> shared(owner.get());
+    static_cast<void>(owner.release());
+    return shared;
+}
+
 } // namespace
 
 QSharedPointer<ISceneLoader> CreateSceneLoader(const ISerializersRegistry* registry, const QString& fileName)
@@ -28,7 +39,7 @@ QSharedPointer<ISceneLoader> CreateSceneLoader(const ISerializersRegistry* regis
     if (!info)
         throw LoadingException(
             QStringLiteral("Can't find scene loader for file '%1'").arg(QFileInfo(fileName).fileName()));
-    return QSharedPointer<ISceneLoader>(registry->CreateLoader(info->id));
+    return Shared(registry->CreateLoader(info->id));
 }
 
 bool CanLoadScene(const ISerializersRegistry* registry, const QString& fileName)
@@ -42,7 +53,7 @@ QSharedPointer<ISceneSaver> CreateSceneSaver(const ISerializersRegistry* registr
     if (!info)
         throw LoadingException(
             QStringLiteral("Can't find scene saver for file '%1'").arg(QFileInfo(fileName).fileName()));
-    return QSharedPointer<ISceneSaver>(registry->CreateSaver(info->id));
+    return Shared(registry->CreateSaver(info->id));
 }
 
 bool CanSaveScene(const ISerializersRegistry* registry, const QString& fileName)

@@ -18,7 +18,9 @@ class QString;
 /// Upper and lower case are alike. The first entry of the registry that fits is
 /// taken, even where its creation then fails.
 ///
-/// The registry must not be null; what it throws passes through. Its thread.
+/// The registry must not be null; what it throws passes through. Where there is no
+/// memory to share what was made, it is deleted and std::bad_alloc thrown. Its
+/// thread.
 
 /// A new loader for the file; null where the registry could not make it.
 ///

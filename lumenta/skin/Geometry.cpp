@@ -34,8 +34,15 @@ void Geometry::UpdateMesh(const Node* node, const TVec3<float>& scale, const TVe
     Inverse(input.bindInverse, input.bind);
     Inverse(input.meshInverse, input.mesh);
 
+    const std::size_t before = meshVertices.size();
     meshVertices.resize(vertices.size());
-    PoseVertices(Kernels::Chosen(), input, vertices.data(), vertices.size(), meshVertices.data());
+    try {
+        PoseVertices(Kernels::Chosen(), input, vertices.data(), vertices.size(), meshVertices.data());
+    } catch (...) {
+        if (before < meshVertices.size())
+            meshVertices.resize(before); // nobody shall take those that are not posed for posed ones
+        throw;
+    }
 }
 
 void Geometry::CollectNormals(std::vector<TVec3<float>>& normals) const

@@ -47,7 +47,8 @@ struct LUMENTA_EXPORT Geometry {
     /// transpose and are divided by their length unless that is exactly 0.
     ///
     /// Allocates only to resize `meshVertices`, and once more where `bones`
-    /// holds more than 256 entries.
+    /// holds more than 256 entries. Where that fails with std::bad_alloc, the
+    /// vertices are as they were posed last.
     /// \param node   where the geometry hangs
     /// \param scale  applied to posed positions; a zero component is not guarded
     /// \param offset added after the scale

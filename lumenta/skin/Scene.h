@@ -85,6 +85,8 @@ struct LUMENTA_EXPORT Scene {
     /// of the walk.
     /// \throws std::bad_alloc or std::length_error  a `normalCount` that does
     ///         not fit in memory; nothing has been emitted
+    /// \throws std::bad_alloc  a posed mesh or the path does not fit; what came
+    ///         before it has been posed and emitted, and may be again
     void CollectNodeMeshesRecursively(IMeshNodeBuilder& builder, Node* node) const;
 
     /// Shows or hides every geometry of this name, in every node of `nodes`.

@@ -1,9 +1,7 @@
 #include "reference/desk/Guarded.h"
 
-#include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IUserInterface.h"
-
-#include <exception>
+#include "reference/host/Caught.h"
 
 namespace Host {
 
@@ -12,10 +10,8 @@ bool Guarded(IUserInterface& ui, const std::function<void()>& work)
     try {
         work();
         return true;
-    } catch (const Exception& exception) {
-        ui.ShowError(exception.GetErrorText());
-    } catch (const std::exception& exception) {
-        ui.ShowError(QString::fromLocal8Bit(exception.what()));
+    } catch (...) {
+        ui.ShowError(CaughtText());
     }
     return false;
 }

@@ -51,7 +51,9 @@ QImage MakePicture(const IScene& scene, IRender& renderer, const QSize& size, IU
         throw LoadingException(said.isEmpty() ? QStringLiteral("The renderer failed") : said);
     ui.ShowStatus(said);
     if (!code) renderer.Stop(); // and nobody waits for the end of that
-    return renderer.GetImage();
+    QImage picture = renderer.GetImage();
+    if (picture.isNull()) throw LoadingException(QStringLiteral("The renderer gave no picture"));
+    return picture;
 }
 
 void SavePicture(const QImage& picture, IImageManager& images, IUserInterface& ui)
@@ -66,6 +68,7 @@ void SavePicture(const QImage& picture, IImageManager& images, IUserInterface& u
         throw ImageFormatException(QStringLiteral("'%1' can't be saved: its saver could not be made").arg(path));
     const auto release = [&images](IImage* pImage) { images.ReleaseImage(pImage); };
     const std::unique_ptr<IImage, decltype(release)> image(images.CreateImage(picture.size()), release);
+    if (!image) throw ImageFormatException(QStringLiteral("'%1' can't be saved: no image could be made").arg(path));
     image->SetQImage(picture);
     saver->Save(*image, path, -1);
 }

@@ -1,6 +1,6 @@
-#include "lumenta/foundation/Exceptions.h"
 #include "reference/desk/DeskWindow.h"
 #include "reference/desk/Guarded.h"
+#include "reference/host/Caught.h"
 #include "reference/host/services/Application.h"
 #include "reference/host/services/PluginFolders.h"
 
@@ -60,10 +60,8 @@ int main(int argc, char* argv[])
     QLocale::setDefault(QLocale::c());
     try {
         return Run(desk);
-    } catch (const Exception& exception) {
-        QMessageBox::critical(nullptr, QStringLiteral("Lumenta"), exception.GetErrorText());
-    } catch (const std::exception& exception) {
-        QMessageBox::critical(nullptr, QStringLiteral("Lumenta"), QString::fromLocal8Bit(exception.what()));
+    } catch (...) {
+        QMessageBox::critical(nullptr, QStringLiteral("Lumenta"), Host::CaughtText());
     }
     return 1;
 }

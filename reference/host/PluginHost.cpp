@@ -1,5 +1,9 @@
 #include "reference/host/PluginHost.h"
 
+#include "lumenta/interfaces/ILog.h"
+#include "lumenta/platform/IApplicationContext.h"
+#include "reference/host/Caught.h"
+
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
@@ -16,20 +20,6 @@ namespace {
 struct Refused {
     QString reason;
 };
-
-/// Inside of a handler: what was thrown, in words.
-QString CaughtText()
-{
-    try {
-        throw;
-    } catch (const Exception& exception) {
-        return exception.GetErrorText();
-    } catch (const std::exception& exception) {
-        return QString::fromLocal8Bit(exception.what());
-    } catch (...) {
-        return QStringLiteral("something of an unknown class");
-    }
-}
 
 void CheckIsLibrary(const QString& fileName)
 {
@@ -190,14 +180,30 @@ std::unique_ptr<QObject> PluginHost::Create(const QString& contract, const QStri
     const Offer* const offer = Find(contract, id);
     if (!offer)
         throw FactoryException(Spelled(contract, id));
-    return std::unique_ptr<QObject>(offer->plugin->CreateService(contract, id, m_context));
+    try {
+        return std::unique_ptr<QObject>(offer->plugin->CreateService(contract, id, m_context));
+    } catch (const Exception&) {
+        throw;
+    } catch (...) {
+        throw FactoryException(QStringLiteral("%1: the plug-in '%2' threw: %3")
+                                   .arg(Spelled(contract, id), offer->service.plugin, CaughtText()));
+    }
+}
+
+void PluginHost::WarnOnce(const QString& strText) const
+{
+    ILog* const pLog = m_context.GetLog();
+    if (!pLog || m_warned.contains(strText)) return;
+    m_warned.insert(strText);
+    pLog->Write(eLogWarning, strText);
 }
 
 void PluginHost::RejectClass(const QString& contract, const QString& id, const QObject* object) const
 {
-    throw FactoryException(QStringLiteral("%1: the plug-in '%2' made a %3")
-                               .arg(Spelled(contract, id), Find(contract, id)->service.plugin,
-                                    QLatin1String(object ? object->metaObject()->className() : "null")));
+    const QString made = object ? QStringLiteral("made a %1").arg(QLatin1String(object->metaObject()->className()))
+                                : QStringLiteral("gave none");
+    throw FactoryException(
+        QStringLiteral("%1: the plug-in '%2' %3").arg(Spelled(contract, id), Find(contract, id)->service.plugin, made));
 }
 
 } // namespace Host

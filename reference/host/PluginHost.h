@@ -71,7 +71,8 @@ public:
 
     /// A new object of the contract's class.
     /// \throws FactoryException nobody offers it, or what the plug-in made is of
-    ///                          another class; or what the plug-in throws
+    ///                          another class, or it threw what is no Exception;
+    ///                          or the Exception that it threw
     template <typename Contract>
     std::unique_ptr<Contract> CreateService(const QString& id) const
     {
@@ -82,6 +83,19 @@ public:
             return std::unique_ptr<Contract>(service);
         }
         RejectClass(contract, id, object.get());
+    }
+
+    /// The same for those who can do without: null where that can't be made. The
+    /// application's log is told why, once.
+    template <typename Contract>
+    std::unique_ptr<Contract> TryToCreateService(const QString& id) const
+    {
+        try {
+            return CreateService<Contract>(id);
+        } catch (const Exception& exception) {
+            WarnOnce(exception.GetErrorText());
+            return nullptr;
+        }
     }
 
 private:
@@ -98,6 +112,7 @@ private:
     void AddService(const Offer& offer, const QString& file);
     const Offer* Find(const QString& contract, const QString& id) const;
     std::unique_ptr<QObject> Create(const QString& contract, const QString& id) const;
+    void WarnOnce(const QString& strText) const;
     [[noreturn]] void RejectClass(const QString& contract, const QString& id, const QObject* object) const;
 
     IApplicationContext& m_context;
@@ -105,6 +120,7 @@ private:
     std::vector<Loaded> m_loaded;
     std::vector<Offer> m_offers;
     std::vector<PluginRefusal> m_refusals;
+    mutable QSet<QString> m_warned;
 };
 
 } // namespace Host

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <utility>
 
 namespace Host {
 
@@ -76,6 +78,14 @@ Quaternion Chained(const Quaternion& first, const Quaternion& second)
             a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w, a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z};
 }
 
+/// Hands it over to a list of those that are owned.
+template <typename T>
+T& Owned(std::vector<T*>& owners, std::unique_ptr<T> made)
+{
+    owners.push_back(made.get());
+    return *made.release();
+}
+
 void AddSkeleton(SkinAnimation::Scene& scene)
 {
     for (const BoneDescription& bone : kBones) {
@@ -84,12 +94,11 @@ void AddSkeleton(SkinAnimation::Scene& scene)
             origin.SetRotation({0.0f, 0.0f, -9.0f}); // worn at a tilt
         origin.SetTranslation(bone.position);
         Node* const parent = bone.parent < 0 ? nullptr : scene.nodes[static_cast<std::size_t>(bone.parent)];
-        Node* const node = new Node(QString::fromLatin1(bone.name), origin, Matrix(), parent);
+        auto node = std::make_unique<Node>(QString::fromLatin1(bone.name), origin, Matrix(), parent);
         if (parent)
-            parent->children.push_back(node);
+            scene.nodes.push_back(&Owned(parent->children, std::move(node)));
         else
-            scene.root = node;
-        scene.nodes.push_back(node);
+            scene.nodes.push_back(scene.root = node.release());
     }
 }
 
@@ -324,8 +333,7 @@ void AddGeometry(Node& node, const QString& name, const Material& material, cons
                  Normals normals)
 {
     const bool isSkinned = !limbs.front().bones.empty();
-    Geometry* const geometry = new Geometry(name, isSkinned);
-    node.geometries.push_back(geometry);
+    Geometry* const geometry = &Owned(node.geometries, std::make_unique<Geometry>(name, isSkinned));
     geometry->materialName = material.name;
     geometry->materialParameters = material.parameters;
 
@@ -399,8 +407,10 @@ KeyFrame KeyAt(const Motion& motion, float part, float duration)
 void AddAnimation(SkinAnimation::Scene& scene, const QString& name, float duration, const std::vector<Motion>& motions)
 {
     constexpr int kSteps = 16;
-    auto* const animation = new Animation{name, duration, {{name, duration, {}}}};
-    scene.animations.push_back(animation);
+    Animation* const animation = &Owned(scene.animations, std::make_unique<Animation>());
+    animation->name = name;
+    animation->duration = duration;
+    animation->layers.push_back({name, duration, {}});
     for (const Motion& motion : motions) {
         SkinAnimation::NodeTrack track;
         track.node = scene.nodes[motion.bone];

@@ -1,9 +1,10 @@
 #include "reference/host/SceneRender.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/Caught.h"
 #include "reference/host/ScenePicture.h"
 
-#include <exception>
+#include <QPointer>
 
 namespace Host {
 
@@ -16,6 +17,8 @@ void SceneRender::Start(const IScene& scene, const sRenderSettings& settings)
 {
     if (m_isRunning)
         throw LogicException(QStringLiteral("IRender::Start: the last picture is not done"));
+    const QPointer<SceneRender> self = this; // slots may delete it
+    const std::shared_ptr<IPictureRenderer> renderer = m_renderer;
     m_isRunning = true;
     m_image = QImage();
     m_isStopWanted = false;
@@ -25,17 +28,15 @@ void SceneRender::Start(const IScene& scene, const sRenderSettings& settings)
     eRenderExitCode code = eRenderExitFailed;
     try {
         code = Draw(scene, settings);
-    } catch (const Exception& exception) {
-        failure = exception.GetErrorText();
-    } catch (const std::exception& exception) {
-        failure = QString::fromLocal8Bit(exception.what());
     } catch (...) {
-        failure = QStringLiteral("The picture failed for an unknown reason");
+        failure = CaughtText();
     }
-    if (code == eRenderExitFailed)
-        Q_EMIT log(failure);
+    if (self && code == eRenderExitFailed)
+        Host::Tell("log", [&] { Q_EMIT log(failure); });
+    if (!self)
+        return;
     m_isRunning = false;
-    Q_EMIT done(code);
+    Host::Tell("done", [&] { Q_EMIT done(code); });
 }
 
 void SceneRender::Stop()
@@ -50,17 +51,27 @@ QImage SceneRender::GetImage() const
 
 eRenderExitCode SceneRender::Draw(const IScene& scene, const sRenderSettings& settings)
 {
+    const QPointer<SceneRender> self = this;
     Tell(0);
+    if (!self)
+        return eRenderExitStopped;
     ScenePicture picture(scene, settings);
     PictureRequest& request = picture.GetRequest();
     if (request.size.isEmpty())
         throw InvalidParameterException(QStringLiteral("IRender::Start"), QStringLiteral("settings"),
                                         QStringLiteral("Neither they nor the scene have a size."));
-    request.isStopped = [this] { return m_wasStopped = m_isStopWanted; };
+    request.isStopped = [self] { return !self || (self->m_wasStopped = self->m_isStopWanted); };
     const QStringList leftOut = m_renderer->GetLeftOut(request);
     for (const QString& line : leftOut)
-        Q_EMIT log(line);
-    m_image = m_renderer->Render(request, [this](int nPercent) { Tell(nPercent); });
+        if (self) Host::Tell("log", [&] { Q_EMIT log(line); });
+    if (!self)
+        return eRenderExitStopped;
+    QImage image = m_renderer->Render(request, [self](int nPercent) {
+        if (self) self->Tell(nPercent);
+    });
+    if (!self)
+        return eRenderExitStopped;
+    m_image = image;
     return m_wasStopped ? eRenderExitStopped : eRenderExitSuccess;
 }
 

@@ -23,7 +23,7 @@ private:
     eRenderExitCode Draw(const IScene& scene, const sRenderSettings& settings);
     void Tell(int nPercent);
 
-    std::unique_ptr<IPictureRenderer> m_renderer;
+    const std::shared_ptr<IPictureRenderer> m_renderer; ///< Shared with Start(), which may outlast this.
     QImage m_image;
     bool m_isRunning = false;
     bool m_isStopWanted = false;

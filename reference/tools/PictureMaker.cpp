@@ -55,7 +55,9 @@ QImage PictureMaker::Draw(const IScene& scene, const Progress& progress)
         m_bar.Clear();
         PrintWarning(m_source, line);
     }
-    return m_renderer->GetImage();
+    QImage picture = m_renderer->GetImage();
+    if (picture.isNull()) throw Failure{m_fileName, QStringLiteral("the renderer gave no picture")};
+    return picture;
 }
 
 void PictureMaker::Wait()

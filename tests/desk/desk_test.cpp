@@ -330,6 +330,20 @@ private Q_SLOTS:
         QCOMPARE(window.findChild<QPlainTextEdit*>()->toPlainText(), "a b,c true\n" + desk.Path("s.js") + ":2: ReferenceError: Can't find variable: none\n");
     }
 
+    void AmongEmptyPlugins()
+    {
+        for (const QString plugin : {"null", "thrown", "hollow"}) {
+            const QTemporaryDir folder;
+            Application application({EMPTY_PLUGINS + ('/' + plugin), LUMENTA_PLUGINS}, folder.filePath("settings.ini"));
+            DeskWindow window(application);
+            window.Open(":figure"), window.Open(kCube);
+            QCOMPARE(window.GetDocument().GetScene()->GetRoot()->GetChildren().size(), std::size_t(1));
+            OnNext<QFileDialog>([&](QFileDialog& box) { box.findChild<QLineEdit*>("fileNameEdit")->setText(folder.filePath("out.obj")), QMetaObject::invokeMethod(&box, "accept"); });
+            Choose(window, "&File", "&Export...");
+            QVERIFY(QFile::exists(folder.filePath("out.obj")));
+        }
+    }
+
     void TheWindow()
     {
         Desk desk;

@@ -36,6 +36,8 @@ QString ErrorOf(Action action)
         return QStringLiteral("FileException: ") + failure.GetErrorText();
     } catch (const FactoryException& failure) {
         return QStringLiteral("FactoryException: ") + failure.GetErrorText();
+    } catch (const LogicException& failure) {
+        return failure.GetErrorText();
     }
 }
 
@@ -72,6 +74,7 @@ private Q_SLOTS:
     void MakesServices();
     void ReadsModelsThroughAPlugin();
     void CancelsFromASlot();
+    void SurvivesItsSlots();
     void TellsOfTheFile_data();
     void TellsOfTheFile();
     void TakesTheDefaultTickRate();
@@ -208,6 +211,34 @@ void PluginHostTest::CancelsFromASlot()
     disconnect(connection);
     loader->Cancel(); // nothing is under way
     QVERIFY(!ReadModel(*loader, file).scene->animations.empty());
+}
+
+/// At each step of its way the file goes, or what tells the steps, or a slot throws.
+void PluginHostTest::SurvivesItsSlots()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("walker.x");
+    for (int nCase = 0, nSteps = 100; nCase < 3 * nSteps; ++nCase) {
+        QFile::copy(kModels + "X/Testwuson.X", file);
+        auto loader = LoaderIn(LUMENTA_PLUGINS);
+        int nStep = 0;
+        connect(loader.get(), &IModelLoader::loadingProgress, this, [&] {
+            if (nStep++ != nCase / 3) return;
+            if (nCase % 3 == 0) QFile::remove(file);
+            if (nCase % 3 == 1) loader.reset();
+            if (nCase % 3 == 2) throw LogicException("in anger");
+        });
+        const QString error = ErrorOf([&] { loader->Load(file); });
+        if (nCase == 0) // before it is opened
+            QVERIFY2(error.contains(file), qPrintable(error));
+        else if (nCase % 3 == 0)
+            QVERIFY2(error == "nothing was thrown" || error.contains(file), qPrintable(error));
+        else
+            QVERIFY(nCase % 3 == 1 ? !loader && error.startsWith("LoadingException: ") : error == "in anger");
+        if (loader) nSteps = nStep;
+        const std::unique_ptr<SkinAnimation::Scene> taken(loader ? loader->TakeScene() : nullptr);
+        QCOMPARE(taken != nullptr, error == "nothing was thrown");
+    }
 }
 
 void PluginHostTest::TellsOfTheFile_data()

@@ -290,10 +290,10 @@ private Q_SLOTS:
         setrlimit(RLIMIT_FSIZE, &small); // as if the disk were full
         const QString full = Text<FileException>([&] { Save(world.scene, m_file); });
         setrlimit(RLIMIT_FSIZE, &limit);
-        QCOMPARE(full, "Can't write the data\nFile: " + m_file);
+        QCOMPARE(full, "Can't write the data: File too large\nFile: " + m_file);
         for (const QString nowhere : {"/no/where", "/tmp"})
             for (const QString& text : {Text<FileException>([&] { Save(world.scene, nowhere); }), Text<FileException>([&] { Load(nowhere, world.scene); })})
-                QCOMPARE(text, "Can't open the file\nFile: " + nowhere);
+                QVERIFY(text.startsWith("Can't open the file") && text.endsWith("\nFile: " + nowhere));
         world.material->SetParameter("odd", QString(QChar(0xffff)));
         QCOMPARE(Text<SavingException>([&] { Save(world.scene, m_file); }), QString("Material 'oak' can't be saved: its parameter 'odd' holds characters that can't stand in XML"));
         QVERIFY(ReadAllFile(m_file) == before && QDir(m_folder.path()).entryList(QDir::Files).size() == 1);

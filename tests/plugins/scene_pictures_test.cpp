@@ -267,6 +267,32 @@ private Q_SLOTS:
         QVERIFY((codes == std::vector<int>{0, 1, 1, 0, 2}) && m_log.size() == 1); // whole, stopped twice, whole, failed
     }
 
+    // In each signal, the first or a later one. The mirror makes the painter log.
+    void slotsMayThrowOrDelete()
+    {
+        Add(*m_scene, Board(), {{"reflectionLevel", 1.0}});
+        const sRenderSettings settings{kSize, 1, 1};
+        for (int nCase = 0; nCase < 16; ++nCase) {
+            auto render = std::make_unique<SceneRender>(m_traces ? CreateEmbreeRenderer() : CreatePainterRenderer());
+            int nDone = 0, nLeft = nCase / 4; // signals of that kind that pass before
+            const auto worst = [&, deletes = nCase % 4 < 3] {
+                if (nLeft-- != 0) return;
+                if (deletes) return render.reset();
+                QTest::ignoreMessage(QtWarningMsg, "A receiver of 'done' threw: something of an unknown class");
+                throw 5;
+            };
+            connect(render.get(), &IRender::done, this, [&] { ++nDone; });
+            if (nCase % 4 == 0) connect(render.get(), &IRender::progress, this, worst);
+            if (nCase % 4 == 1) connect(render.get(), &IRender::log, this, worst);
+            if (nCase % 4 >= 2) connect(render.get(), &IRender::done, this, worst);
+            render->Start(*m_scene, settings);
+            QVERIFY(nDone == 1 || !render);
+            if (!render) continue;
+            render->Start(*m_scene, settings); // the last one has ended
+            QVERIFY(nDone == 2 || !render);
+        }
+    }
+
 private:
     /// No light at all, before a wall of that colour.
     void Darken(const ColorF& wall)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "benchmarks/StandIn.h"
 #include "lumenta/interfaces/IImageManager.h"
 #include "lumenta/interfaces/IUserInterface.h"
 #include "lumenta/platform/IFileDialog.h"
@@ -7,8 +8,6 @@
 /// The least that image helpers and file sources need of a host. Each notes what
 /// it is asked for; whoever asks for more ends the program.
 namespace StandIn {
-
-[[noreturn]] inline void No() { qFatal("a stand-in was asked for what it is not for"); }
 
 struct UserInterface : IUserInterface {
     QStringList asked;

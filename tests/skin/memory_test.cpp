@@ -1,48 +1,12 @@
+#include "tests/faults/Allocations.h"
 #include "tests/skin/SkinFixtures.h"
 
 #include <QThread>
 
-#include <atomic>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <tuple>
 
 using namespace SkinAnimation;
-
-namespace {
-
-// Every allocation of this process with `new`, in the library too.
-std::atomic<long> allocations{0};
-std::atomic<long> liveBlocks{0};
-std::atomic<long> allocationsUntilFailure{-1}; // below zero: never
-
-void* Allocate(std::size_t size, std::size_t alignment)
-{
-    const bool fails = allocationsUntilFailure >= 0 && allocationsUntilFailure-- == 0;
-    void* const block = fails ? nullptr : std::aligned_alloc(alignment, (size / alignment + 1) * alignment);
-    if (!block)
-        throw std::bad_alloc();
-    ++allocations;
-    ++liveBlocks;
-    return block;
-}
-
-void Free(void* block)
-{
-    if (block)
-        --liveBlocks;
-    std::free(block);
-}
-
-} // namespace
-
-void* operator new(std::size_t size) { return Allocate(size, alignof(std::max_align_t)); }
-void* operator new(std::size_t size, std::align_val_t alignment) { return Allocate(size, std::size_t(alignment)); }
-void operator delete(void* block) noexcept { Free(block); }
-void operator delete(void* block, std::size_t) noexcept { Free(block); }
-void operator delete(void* block, std::align_val_t) noexcept { Free(block); }
-void operator delete(void* block, std::size_t, std::align_val_t) noexcept { Free(block); }
 
 namespace {
 
@@ -65,9 +29,9 @@ void FillChain(Scene& scene, int count)
 template <typename Call>
 long AllocationsOf(const Call& call)
 {
-    const long before = allocations;
+    const long before = Allocations::Count();
     call();
-    return allocations - before;
+    return Allocations::Count() - before;
 }
 
 template <typename Call>
@@ -113,7 +77,7 @@ private Q_SLOTS:
 
     void EverythingIsFreedOnce()
     {
-        const long before = liveBlocks;
+        const long before = Allocations::Live();
         {
             Scene scene;
             FillChain(scene, 50);
@@ -126,28 +90,70 @@ private Q_SLOTS:
             AddGeometry(*AddNode(rootless, "child", root.get()), "triangle", {{0, 0, 0}});
             rootless.root = nullptr;
         }
-        QCOMPARE(liveBlocks.load(), before);
+        QCOMPARE(Allocations::Live(), before);
     }
 
     void RunningOutOfMemoryWhileClipping()
     {
-        const long before = liveBlocks;
-        bool failed = true;
-        for (long allowed = 0; failed; ++allowed) {
-            Scene scene;
-            FillChain(scene, 3);
-            scene.animations.reserve(2);
-            allocationsUntilFailure = allowed;
-            try {
-                scene.AppendClippedAnimation(0, QString(), 0, 1);
-                failed = false;
-            } catch (const std::bad_alloc&) {
+        const long before = Allocations::Live();
+        std::unique_ptr<Scene> scene;
+        const auto prepare = [&] {
+            scene = std::make_unique<Scene>();
+            FillChain(*scene, 3);
+        };
+        long failures = 0;
+        const auto clip = [&] { scene->AppendClippedAnimation(0, QString(), 0.25f, 1); };
+        const long failed = Allocations::FailEach(prepare, clip, [&](bool isThrown) {
+            QVERIFY(isThrown);
+            // The animation itself, and its place in the list; then the unfinished one stays.
+            QCOMPARE(scene->animations.size(), std::size_t(++failures <= 2 ? 1 : 2));
+        });
+        QVERIFY(failed > 5);
+        scene.reset();
+        QCOMPARE(Allocations::Live(), before);
+        qInfo("%ld allocations have failed", failed);
+    }
+
+    void RunningOutOfMemoryWhilePosing()
+    {
+        const long before = Allocations::Live();
+        std::unique_ptr<Scene> scene, undisturbed;
+        const auto prepare = [](std::unique_ptr<Scene>& made) {
+            made = std::make_unique<Scene>();
+            FillChain(*made, 260); // deeper than the walk's own room, more bones than fit on the stack
+            auto& vertices = made->root->geometries.front()->vertices;
+            vertices.resize(500, vertices.front());
+            made->CalculateAnimation(0, 0.5f);
+        };
+        const auto pose = [](Scene& posed) {
+            RecordingBuilder builder;
+            posed.CreateMeshes(builder);
+            QCOMPARE(builder.meshes.size(), std::size_t(260));
+        };
+        const auto same = [&](bool finished) {
+            for (std::size_t i = 0; i < scene->nodes.size(); ++i) {
+                const auto& mine = scene->nodes[i]->geometries.front()->meshVertices;
+                const auto& right = undisturbed->nodes[i]->geometries.front()->meshVertices;
+                QVERIFY(mine.size() == right.size() || (mine.empty() && !finished));
+                for (std::size_t k = 0; k < mine.size(); ++k) {
+                    QCOMPARE(mine[k].position, right[k].position);
+                    QVERIFY(!finished || mine[k].normal == right[k].normal);
+                }
             }
-            allocationsUntilFailure = -1;
-            QCOMPARE(scene.animations.size(), std::size_t(allowed == 0 ? 1 : 2)); // the unfinished one stays
-            QVERIFY(failed || allowed > 3);
-        }
-        QCOMPARE(liveBlocks.load(), before);
+        };
+        prepare(undisturbed);
+        pose(*undisturbed);
+        const long failed = Allocations::FailEach([&] { prepare(scene); }, [&] { pose(*scene); }, [&](bool isThrown) {
+            QVERIFY(isThrown);
+            same(false);
+            pose(*scene);
+            same(true);
+        });
+        QVERIFY(failed > 260);
+        undisturbed.reset();
+        scene.reset();
+        QCOMPARE(Allocations::Live(), before);
+        qInfo("%ld allocations have failed", failed);
     }
 
     void ALongChainNeedsNoStack()

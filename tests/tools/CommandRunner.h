@@ -7,6 +7,7 @@
 #include <functional>
 
 #include <fcntl.h>
+#include <grp.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -24,6 +25,14 @@ inline bool WithoutPrivilege()
     return geteuid() != 0
            || (prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0) == 0
                && prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) == 0);
+}
+
+/// As a user to whom nothing here belongs.
+inline bool AsNobody()
+{
+    constexpr unsigned int kNobody = 65534;
+    return setgroups(0, nullptr) == 0 && setresgid(kNobody, kNobody, kNobody) == 0
+           && setresuid(kNobody, kNobody, kNobody) == 0 && access(LUMENTA_COMMAND, X_OK) == 0;
 }
 
 /// What setrlimit() limits.
@@ -46,6 +55,9 @@ inline bool FromFolder()
 {
     return dup2(open("/", O_RDONLY), STDIN_FILENO) >= 0;
 }
+
+/// The exit code where a hardship can't be done here.
+constexpr int kImpossible = 99;
 
 struct Outcome {
     int exitCode;
@@ -75,7 +87,7 @@ protected:
     void setupChildProcess() override
     {
         if (m_hardship && !m_hardship())
-            _exit(99);
+            _exit(kImpossible);
     }
 
 private:

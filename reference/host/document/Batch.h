@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <unordered_map>
 #include <unordered_set>
@@ -15,11 +17,20 @@ namespace Host {
 class Node;
 class Scene;
 
+/// From now on so many more are appended without needing memory.
+template <typename T>
+void ReserveMore(std::vector<T>& list, std::size_t nMore)
+{
+    if (list.capacity() - list.size() < nMore) list.reserve(std::max(list.size() + nMore, 2 * list.capacity()));
+}
+
 /// Brackets the changes of a scene: emits `beforeSceneUpdate` before the first
 /// one and `afterSceneUpdate` after the last, and gathers what the latter tells.
+/// What has been told of as begun is told of as ended, whatever is thrown between.
 ///
 /// It also keeps what was removed alive: until the batch is over, and then until
-/// control returns to the event loop, or the scene ends.
+/// control returns to the event loop, or the scene ends. Where there is no memory
+/// for that, until a later batch is over.
 class Batch {
 public:
     explicit Batch(Scene& scene);
@@ -29,6 +40,8 @@ public:
     void End();
     bool IsOpen() const { return m_nDepth > 0; }
 
+    /// So many can be kept now without needing memory.
+    void MakeRoom(std::size_t nRemoved) { ReserveMore(m_kept, nRemoved); }
     void Keep(std::unique_ptr<QObject> removed);
 
     /// Whether the node came within this batch.
@@ -40,6 +53,7 @@ public:
 private:
     friend class Bracket;
     friend class Change;
+    friend class Notes;
 
     /// Each node once.
     struct NodeList {
@@ -47,15 +61,17 @@ private:
         std::unordered_set<const INode*> seen;
 
         void Add(const INode* pNode);
-        /// Without those that are no longer in the scene.
-        std::vector<const INode*> Alive() const;
+        /// Without those that came last.
+        void CutTo(std::size_t nCount) noexcept;
+        /// Those that are in the scene, or all, without needing memory; leaves nothing.
+        std::vector<const INode*> Take(bool bAliveOnly) noexcept;
     };
 
     void Enter(const sSceneModifications& planned);
-    void Leave();
+    void Leave() noexcept;
     void Announce();
-    void TellEnd();
-    void Bury();
+    void TellEnd() noexcept;
+    void Bury() noexcept;
 
     Scene& m_scene;
     int m_nDepth = 0;    ///< Of callers' brackets and running operations.
@@ -70,16 +86,20 @@ private:
 };
 
 /// Makes one batch of several operations, as long as it lives. Tells nothing
-/// of its own accord.
+/// of its own accord. A slot may end the scene meanwhile.
 class Bracket {
 public:
     Bracket(Batch& batch, const sSceneModifications& planned);
-    ~Bracket() { m_batch.Leave(); }
+    ~Bracket();
     Bracket(const Bracket&) = delete;
     Bracket& operator=(const Bracket&) = delete;
 
+    /// Whether the scene is still there.
+    bool IsAlive() const { return !m_pScene.isNull(); }
+
 protected:
     Batch& m_batch;
+    const QPointer<QObject> m_pScene;
 };
 
 /// One operation that is sure to change something. First `beforeSceneUpdate`
@@ -91,8 +111,11 @@ protected:
 /// look again.
 class Change : public Bracket {
 public:
+    /// \throws LogicException a slot has ended the scene
     explicit Change(Batch& batch, const sSceneModifications& planned = {});
     ~Change();
+
+    // Where there is no memory for a note, it is not taken and std::bad_alloc thrown.
 
     void Added(const INode& node) { m_batch.m_added.Add(&node); }
     void Removed(const INode& node) { m_batch.m_removed.Add(&node); }
@@ -103,10 +126,36 @@ public:
     void Selection() { m_bSelection = true; }
 
 private:
+    friend class Notes;
+
+    const int m_nThrown;                 ///< Exceptions on their way when it began.
     std::vector<const INode*> m_changed; ///< Each once.
     std::unordered_map<const INode*, eNodeChangedFlags> m_what;
     eSceneChangedFlags m_inScene{};
     bool m_bSelection = false;
+};
+
+/// Operations first get all the memory that they need, for their notes, too, and
+/// then change the scene without being able to fail. This takes the notes back if
+/// it does not come to that.
+class Notes {
+public:
+    explicit Notes(Change& change);
+    ~Notes();
+    Notes(const Notes&) = delete;
+    Notes& operator=(const Notes&) = delete;
+
+    /// From here on they hold.
+    void Hold() noexcept { m_bHold = true; }
+
+private:
+    using Lists = std::array<Batch::NodeList*, 4>;
+    Lists ListsOf() const;
+
+    Change& m_change;
+    std::array<std::size_t, 4> m_nNoted{};
+    const std::size_t m_nChanged;
+    bool m_bHold = false;
 };
 
 } // namespace Host

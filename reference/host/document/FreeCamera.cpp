@@ -1,6 +1,7 @@
 #include "reference/host/document/FreeCamera.h"
 
 #include "lumenta/foundation/CameraMatrices.h"
+#include "reference/host/Caught.h"
 #include "reference/host/Directions.h"
 
 #include <algorithm>
@@ -187,14 +188,14 @@ void FreeCamera::SetState(const sCameraState& state)
     if (held == m_state) return;
     m_state = held;
     m_matrix = MatrixOf(held);
-    Q_EMIT changed();
+    Tell("changed", [&] { Q_EMIT changed(); });
 }
 
 void FreeCamera::SetLocked(bool bLocked)
 {
     if (bLocked == m_bLocked) return;
     m_bLocked = bLocked;
-    Q_EMIT changed();
+    Tell("changed", [&] { Q_EMIT changed(); });
 }
 
 void FreeCamera::Restart()
@@ -203,7 +204,7 @@ void FreeCamera::Restart()
     m_bLocked = false;
     m_home = NewState();
     if (m_state == m_home && bWasLocked)
-        Q_EMIT changed();
+        Tell("changed", [&] { Q_EMIT changed(); });
     else
         Reset();
 }

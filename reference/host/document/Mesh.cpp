@@ -2,6 +2,7 @@
 
 #include "reference/host/document/Node.h"
 
+#include <cstring>
 #include <utility>
 
 namespace Host {
@@ -17,6 +18,12 @@ Mesh::Mesh(const QString& strName, std::vector<MeshVertex> vertices, std::vector
 const IMeshNode* Mesh::GetOwner() const
 {
     return m_pOwner;
+}
+
+bool Mesh::HasVertices(const std::vector<MeshVertex>& vertices) const
+{
+    return m_vertices.size() == vertices.size()
+           && std::memcmp(m_vertices.data(), vertices.data(), vertices.size() * sizeof(MeshVertex)) == 0;
 }
 
 void Mesh::UpdateBox()

@@ -20,6 +20,8 @@ public:
     const std::vector<MeshVertex>& GetVertices() const override { return m_vertices; }
     const std::vector<unsigned int>& GetIndices() const override { return m_indices; }
     const IMeshNode* GetOwner() const override;
+    /// Bit by bit.
+    bool HasVertices(const std::vector<MeshVertex>& vertices) const;
 
 private:
     friend class MeshNode;

@@ -5,8 +5,6 @@
 #include "reference/host/document/Placement.h"
 #include "reference/host/document/Scene.h"
 
-#include <cstring>
-
 namespace Host {
 
 namespace {
@@ -47,8 +45,8 @@ void Node::Assign(T& field, const T& value, eNodeChangedFlags what)
     planned.changed.push_back(this);
     Change change(m_pScene->m_batch, planned);
     if (field == value) return; // a slot was faster
-    field = value;
     change.Changed(*this, what);
+    field = value;
     if (what == eNodeChangedName && m_pScene && m_pScene->IsAnchor(*this)) change.InScene(eSceneChangedAnimation);
 }
 
@@ -156,8 +154,8 @@ void MeshNode::SetMaterial(std::size_t nMesh, IMaterial* pMaterial)
     planned.changed.push_back(this);
     Change change(pScene->m_batch, planned);
     if (!isNews()) return; // a slot has removed it
-    MeshAt(m_meshes, nMesh).m_pMaterial = pScene->NullForDefault(pMaterial);
     change.Changed(*this, eNodeChangedMaterial);
+    MeshAt(m_meshes, nMesh).m_pMaterial = pScene->NullForDefault(pMaterial);
 }
 
 std::unique_ptr<Node> MeshNode::Copy(int nId) const
@@ -181,15 +179,11 @@ void MeshNode::AddMesh(std::unique_ptr<Mesh> mesh, IMaterial* pMaterial)
     mesh.release();
 }
 
-bool MeshNode::ReplaceVertices(Mesh& mesh, const std::vector<MeshVertex>& vertices)
+void MeshNode::ReplaceVertices(Mesh& mesh, const std::vector<MeshVertex>& vertices)
 {
-    const std::size_t nBytes = vertices.size() * sizeof(MeshVertex);
-    if (mesh.m_vertices.size() == vertices.size() && std::memcmp(mesh.m_vertices.data(), vertices.data(), nBytes) == 0)
-        return false;
     mesh.m_vertices = vertices;
     mesh.UpdateBox();
     UpdateBox();
-    return true;
 }
 
 std::vector<IMaterial*> MeshNode::GivenMaterials() const

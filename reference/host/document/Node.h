@@ -95,8 +95,7 @@ private:
 
     std::unique_ptr<Node> Copy(int nId) const override;
     void AddMesh(std::unique_ptr<Mesh> mesh, IMaterial* pMaterial);
-    /// \return whether a vertex has changed
-    bool ReplaceVertices(Mesh& mesh, const std::vector<MeshVertex>& vertices);
+    void ReplaceVertices(Mesh& mesh, const std::vector<MeshVertex>& vertices);
     /// What each mesh was given; null for the default one.
     std::vector<IMaterial*> GivenMaterials() const;
     void GiveMaterials(const std::vector<IMaterial*>& materials);

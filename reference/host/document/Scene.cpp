@@ -1,5 +1,6 @@
 #include "reference/host/document/Scene.h"
 
+#include "reference/host/Caught.h"
 #include "reference/host/Directions.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/PosedModel.h"
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace Host {
 
@@ -28,7 +30,9 @@ Scene::Scene(QObject* pParent)
     m_pRoot = root.get();
     m_pRoot->m_pScene = this;
     m_nodes[m_nLastId] = std::move(root);
-    m_materials.push_back(new SceneMaterial(kDefaultMaterial, this));
+    auto material = std::make_unique<SceneMaterial>(kDefaultMaterial, this);
+    m_materials.push_back(material.get());
+    static_cast<void>(material.release());
 }
 
 Scene::~Scene()
@@ -63,7 +67,7 @@ void Scene::Announce(eSceneChangedFlags what)
         m_bModified = true;
         told = told | eSceneChangedDocument;
     }
-    if (told != eSceneChangedFlags{}) Q_EMIT sceneChanged(told);
+    if (told != eSceneChangedFlags{}) Tell("sceneChanged", [&] { Q_EMIT sceneChanged(told); });
 }
 
 template <typename T>
@@ -138,51 +142,61 @@ void Scene::SetModified(bool bModified)
 {
     if (bModified == m_bModified) return;
     m_bModified = bModified;
-    Q_EMIT sceneChanged(eSceneChangedDocument);
+    Tell("sceneChanged", [&] { Q_EMIT sceneChanged(eSceneChangedDocument); });
 }
 
 void Scene::SetFileName(const QString& strFileName)
 {
     if (strFileName == m_strFileName) return;
     m_strFileName = strFileName;
-    Q_EMIT sceneChanged(eSceneChangedDocument);
+    Tell("sceneChanged", [&] { Q_EMIT sceneChanged(eSceneChangedDocument); });
 }
 
 void Scene::Clear()
 {
-    {
-        sSceneModifications planned;
-        planned.strTitle = QStringLiteral("Clear");
-        const Bracket bracket(m_batch, planned);
-        RemoveNodes(m_pRoot->GetChildren());
-        m_pRoot->SetName(QString());
-        m_pRoot->SetVisible(true);
-        for (IMaterial* pMaterial : std::vector<IMaterial*>(m_materials))
-            RemoveMaterial(pMaterial);
-        GetDefaultMaterial()->Reset();
-        GetDefaultMaterial()->SetName(kDefaultMaterial);
-        for (std::unique_ptr<Image>& image : m_images)
-            m_batch.Keep(std::move(image));
-        m_images.clear();
-    }
-    while (!m_snapshots->GetSnapshots().empty())
+    const QPointer<Scene> self = this; // slots may end it
+    ClearTree();
+    while (self && !m_snapshots->GetSnapshots().empty())
         m_snapshots->Remove(m_snapshots->GetSnapshots().front());
 
     const Settings fresh;
-    SetGroundPlaneEnabled(fresh.bGround);
-    SetGroundShadowEnabled(fresh.bGroundShadow);
-    SetBackgroundMode(fresh.backgroundMode);
-    SetBackgroundColor(fresh.backgroundColor);
-    SetBackgroundImage(fresh.pBackgroundImage);
-    SetAmbientLight(fresh.ambientLight);
-    SetSunDirection(fresh.sunDirection);
-    SetSunLight(fresh.sunLight);
-    SetMillimetersPerUnit(fresh.millimetersPerUnit);
-    SetRenderSize(fresh.renderSize);
-    m_camera->Restart();
-    setProperty("object-creator-next-index", QVariant());
-    SetFileName(QString());
-    SetModified(false);
+    const std::function<void()> steps[] = {[&] { SetGroundPlaneEnabled(fresh.bGround); },
+                                           [&] { SetGroundShadowEnabled(fresh.bGroundShadow); },
+                                           [&] { SetBackgroundMode(fresh.backgroundMode); },
+                                           [&] { SetBackgroundColor(fresh.backgroundColor); },
+                                           [&] { SetBackgroundImage(fresh.pBackgroundImage); },
+                                           [&] { SetAmbientLight(fresh.ambientLight); },
+                                           [&] { SetSunDirection(fresh.sunDirection); },
+                                           [&] { SetSunLight(fresh.sunLight); },
+                                           [&] { SetMillimetersPerUnit(fresh.millimetersPerUnit); },
+                                           [&] { SetRenderSize(fresh.renderSize); },
+                                           [&] { m_camera->Restart(); },
+                                           [&] { setProperty("object-creator-next-index", QVariant()); },
+                                           [&] { SetFileName(QString()); },
+                                           [&] { SetModified(false); }};
+    for (const std::function<void()>& step : steps)
+        if (self) step();
+}
+
+/// And what it wears.
+void Scene::ClearTree()
+{
+    sSceneModifications planned;
+    planned.strTitle = QStringLiteral("Clear");
+    const Bracket bracket(m_batch, planned);
+    RemoveNodes(m_pRoot->GetChildren());
+    if (bracket.IsAlive()) m_pRoot->SetName(QString());
+    if (bracket.IsAlive()) m_pRoot->SetVisible(true);
+    if (!bracket.IsAlive()) return;
+    for (IMaterial* pMaterial : std::vector<IMaterial*>(m_materials))
+        if (bracket.IsAlive()) RemoveMaterial(pMaterial);
+    if (bracket.IsAlive()) GetDefaultMaterial()->Reset();
+    if (bracket.IsAlive()) GetDefaultMaterial()->SetName(kDefaultMaterial);
+    if (!bracket.IsAlive()) return;
+    m_batch.MakeRoom(m_images.size());
+    for (std::unique_ptr<Image>& image : m_images)
+        m_batch.Keep(std::move(image));
+    m_images.clear();
 }
 
 // ------------------------------------------------------------------ materials
@@ -235,12 +249,16 @@ Scene::Dresses Scene::PlanDresses(const std::vector<INode*>& nodes, const F& cho
     return dresses;
 }
 
-void Scene::Dress(const Dresses& dresses, Change& change)
+void Scene::NoteDresses(const Dresses& dresses, Change& change)
 {
-    for (const auto& [pMeshNode, chosen] : dresses) {
+    for (const auto& dress : dresses)
+        change.Changed(*dress.first, eNodeChangedMaterial);
+}
+
+void Scene::Dress(const Dresses& dresses) noexcept
+{
+    for (const auto& [pMeshNode, chosen] : dresses)
         pMeshNode->GiveMaterials(chosen);
-        change.Changed(*pMeshNode, eNodeChangedMaterial);
-    }
 }
 
 void Scene::AssignMaterial(const std::vector<INode*>& nodes, IMaterial* pMaterial)
@@ -252,7 +270,11 @@ void Scene::AssignMaterial(const std::vector<INode*>& nodes, IMaterial* pMateria
     sSceneModifications planned;
     planned.strTitle = QStringLiteral("Assign a material");
     Change change(m_batch, planned);
-    Dress(PlanDresses(nodes, choose), change);
+    Notes notes(change);
+    const Dresses dresses = PlanDresses(nodes, choose);
+    NoteDresses(dresses, change);
+    Dress(dresses);
+    notes.Hold();
 }
 
 void Scene::RemoveMaterial(IMaterial* pMaterial)
@@ -263,11 +285,17 @@ void Scene::RemoveMaterial(IMaterial* pMaterial)
     planned.materialsChanged = true;
     Change change(m_batch, planned);
     if (pMaterial->GetScene() != this) return; // a slot was faster
+    Notes notes(change);
+    const Dresses dresses =
+        PlanDresses({m_pRoot}, [&](IMaterial* pGiven) { return pGiven == pMaterial ? nullptr : pGiven; });
+    NoteDresses(dresses, change);
+    m_batch.MakeRoom(1);
     // All of it before anybody hears of it, and could put the material on again.
     m_materials.erase(std::find(m_materials.begin(), m_materials.end(), pMaterial));
     static_cast<SceneMaterial*>(pMaterial)->Leave();
     m_batch.Keep(std::unique_ptr<QObject>(pMaterial));
-    Dress(PlanDresses({m_pRoot}, [&](IMaterial* pGiven) { return pGiven == pMaterial ? nullptr : pGiven; }), change);
+    Dress(dresses);
+    notes.Hold();
     change.Materials();
     change.InScene(eSceneChangedMaterials);
 }

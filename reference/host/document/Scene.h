@@ -32,6 +32,16 @@ struct SceneState;
 /// stays alive until the operation that called them has ended, and what an
 /// operation still had to do with it is passed over.
 ///
+/// What slots throw goes no further than a warning (see Tell()). A slot may even
+/// delete the scene: the operation that told it then ends, with a LogicException
+/// where it had not begun. Nodes and materials end through the scene alone.
+///
+/// Where there is no memory, operations throw std::bad_alloc, and the scene is as
+/// it was; what was announced is told of as ended, and the numbers of nodes may
+/// skip some. What is made up of several operations (Clear(), restoring a snapshot,
+/// an animation's next pose) may have done some of them, and does the rest when it
+/// is asked for once more.
+///
 /// Every change counts as something to save, but for those of the selection,
 /// the camera and the file name. The scene tells it by eSceneChangedDocument, together with
 /// the change.
@@ -189,23 +199,20 @@ private:
     std::vector<Node*> InTreeOrder(const std::vector<INode*>& nodes, Listed listed) const;
     std::vector<Node*> AllNodes() const;
     Node& Own(INode* pNode, const char* method) const;
-    Node& Register(std::unique_ptr<Node> node, Node& parent, Change& change);
-    Node& Append(std::unique_ptr<Node> node, Node& parent, Change& change);
+    class Newcomers;
+    class Arrangement;
     INode* AddGroup(const QString& strName, Node* pParent);
     INode* AddLight(const QString& strName, Node* pParent);
     INode* AddNode(std::unique_ptr<Node> node, Node& parent);
-    Node& CopyBranch(Node& top, Change& change);
-    template <typename F>
-    static void ReplaceInParents(const std::vector<Node*>& nodes, const F& replace);
+    Node& CopyBranch(Node& top, Newcomers& newcomers);
     static std::vector<INode*> ChildrenAfterMove(const Node& parent, const std::vector<Node*>& moving, int nPosition);
-    static void Dissolve(const std::vector<Node*>& groups, Change& change);
-    void Forget(const std::vector<Node*>& tops, Change& change);
-    static void Reparent(Node& node, Node& parent, const Matrix& parentWorld, Change& change);
-    static void SetMatrixOf(Node& node, const Matrix& matrix, Change& change);
+    static void Dissolve(const std::vector<Node*>& groups, Arrangement& arrangement);
+    void PrepareToForget(const std::vector<INode*>& nodes, Change& change);
+    void Forget(const std::vector<INode*>& nodes, Change& change) noexcept;
     /// After nodes moved: brings selection and models into their order.
     void FollowTree(Change& change);
     void FollowTreeWithModels(Change& change);
-    void ForgetModels(Change& change);
+    void ForgetModels(Change& change) noexcept;
     /// \param motion of a node within the world; nothing for one that stays
     void MoveInWorld(const std::vector<INode*>& nodes, const QString& strTitle,
                      const std::function<std::optional<Matrix>(const Node&)>& motion);
@@ -214,15 +221,19 @@ private:
     class MeshBuilder;
     class ModelMaterials;
     INode* ReadModel(const QString& strName, const QString& strSource, Node* pParent);
-    INode* HangMeshes(IGenerator& generator, const QString& strName, const QString& strSource, const QPointer<Node>& parent);
+    INode* HangMeshes(IGenerator& generator, const QString& strName, const QString& strSource,
+                      const QPointer<Node>& parent);
     INode* HangModel(Model&& model, Node& parent, const QString& strName, const QString& strSource,
                      ModelMaterials& materials);
-    void AddMeshes(std::vector<PosedMesh>& meshes, Node& parent, const QString& strSource, ModelMaterials& materials,
-                   PosedModel* pModel, Change& change);
+    std::vector<INode*> PrepareMeshes(std::vector<PosedMesh>& meshes, Node& parent, const QString& strSource,
+                                      ModelMaterials& materials, PosedModel* pModel, Newcomers& newcomers);
+    void TakeOver(ModelMaterials& materials, Change& change) noexcept;
     void PoseModel(PosedModel& model, int nAnimation, float time, Change& change);
     bool IsAnchor(const Node& node) const;
     void Play(PosedModel* pModel, int nAnimation, float time);
     IMaterial* AddMaterial(std::unique_ptr<SceneMaterial> material, Change& change);
+
+    void ClearTree();
 
     // Of materials.
     bool IsOwnOrNull(const IMaterial* pMaterial) const { return !pMaterial || pMaterial->GetScene() == this; }
@@ -230,12 +241,14 @@ private:
     using Dresses = std::vector<std::pair<MeshNode*, std::vector<IMaterial*>>>;
     template <typename F>
     Dresses PlanDresses(const std::vector<INode*>& nodes, const F& choose) const;
-    static void Dress(const Dresses& dresses, Change& change);
+    static void NoteDresses(const Dresses& dresses, Change& change);
+    static void Dress(const Dresses& dresses) noexcept;
 
     // Of snapshots.
     SceneState KeepState() const;
     void RestoreState(const SceneState& state, const QString& strName);
 
+    void PrepareToKeep() { m_batch.MakeRoom(1); }
     void KeepUntilLater(std::unique_ptr<QObject> removed);
     /// Tells of a change that may be the first one to save.
     void Announce(eSceneChangedFlags what);
@@ -261,7 +274,8 @@ private:
 
     std::vector<std::unique_ptr<PosedModel>> m_models; ///< In the order of their groups.
     PosedModel* m_pPlaying = nullptr;
-    int m_nPlaying = -1; ///< Among that model's animations.
+    int m_nPlaying = -1;       ///< Among that model's animations.
+    bool m_bHalfPosed = false; ///< Some of its meshes may be as they were before.
     float m_time = 0.0f;
 
     std::unique_ptr<FreeCamera> m_camera;

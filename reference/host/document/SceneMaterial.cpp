@@ -5,6 +5,7 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IImageManager.h"
 #include "lumenta/materials/TextureTransformation.h"
+#include "reference/host/Caught.h"
 #include "reference/host/Directions.h"
 #include "reference/host/document/Scene.h"
 #include "reference/host/Studio.h"
@@ -261,12 +262,16 @@ public:
     {
         ++m_material.m_nUpdates;
     }
-    ~Update() { m_material.CloseUpdate(); }
+    ~Update()
+    {
+        if (m_pAlive) m_material.CloseUpdate();
+    }
     Update(const Update&) = delete;
     Update& operator=(const Update&) = delete;
 
 private:
     SceneMaterial& m_material;
+    const QPointer<SceneMaterial> m_pAlive = &m_material; ///< Slots may end the scene, and it with that.
 };
 
 SceneMaterial::SceneMaterial(const QString& strName, Scene* pScene)
@@ -281,9 +286,9 @@ SceneMaterial::~SceneMaterial()
     m_state.images = {}; // nobody is told any more
 }
 
-std::unique_ptr<Change> SceneMaterial::BeginChange()
+void SceneMaterial::BeginChange(std::optional<Change>& change)
 {
-    return m_pScene ? std::make_unique<Change>(m_pScene->m_batch) : nullptr;
+    if (m_pScene) change.emplace(m_pScene->m_batch);
 }
 
 void SceneMaterial::Leave()
@@ -311,7 +316,7 @@ void SceneMaterial::CloseUpdate()
 {
     if (--m_nUpdates > 0 || !m_bChanged) return;
     m_bChanged = false;
-    Q_EMIT changed();
+    Tell("changed", [&] { Q_EMIT changed(); });
 }
 
 /// edit(state) is called a second time if slots could have changed something,
@@ -322,10 +327,13 @@ void SceneMaterial::Edit(const F& edit)
     State wanted = m_state;
     edit(wanted);
     if (wanted == m_state) return;
-    const std::unique_ptr<Change> change = BeginChange();
+    std::optional<Change> change;
+    BeginChange(change);
     wanted = m_state;
     edit(wanted);
     if (wanted == m_state) return;
+    for (IImage* pImage : wanted.images) // before slots can end one
+        if (pImage) connect(pImage, &QObject::destroyed, this, &SceneMaterial::OnImageDestroyed, Qt::UniqueConnection);
     const Update update(*this);
     m_bChanged = true;
     if (change) change->Materials();
@@ -333,17 +341,17 @@ void SceneMaterial::Edit(const F& edit)
     std::array<QPointer<IImage>, eMaterialSlotCount> before;
     std::copy(m_state.images.begin(), m_state.images.end(), before.begin());
     m_state = wanted;
-    for (IImage* pImage : wanted.images) // before slots can end one
-        if (pImage) connect(pImage, &QObject::destroyed, this, &SceneMaterial::OnImageDestroyed, Qt::UniqueConnection);
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        if (before[i] && before[i] != wanted.images[i]) Q_EMIT imageUnload(static_cast<eMaterialSlot>(i), before[i]);
+    const QPointer<SceneMaterial> self = this;
+    for (std::size_t i = 0; self && i < before.size(); ++i) {
+        if (before[i] && before[i] != wanted.images[i])
+            Tell("imageUnload", [&] { Q_EMIT imageUnload(static_cast<eMaterialSlot>(i), before[i]); });
     }
-    for (std::size_t i = 0; i < before.size(); ++i) {
+    for (std::size_t i = 0; self && i < before.size(); ++i) {
         IImage* const pImage = m_state.images[i];
         if (pImage && pImage == wanted.images[i] && before[i] != pImage)
-            Q_EMIT imageLoad(static_cast<eMaterialSlot>(i), pImage);
+            Tell("imageLoad", [&] { Q_EMIT imageLoad(static_cast<eMaterialSlot>(i), pImage); });
     }
-    ReturnLoans();
+    if (self) ReturnLoans();
 }
 
 /// Of images that have left their slots.
@@ -378,10 +386,13 @@ void SceneMaterial::OnImageDestroyed(QObject* pObject)
     };
     if (std::none_of(m_state.images.begin(), m_state.images.end(), isGone)) return;
     std::replace_if(m_state.images.begin(), m_state.images.end(), isGone, nullptr); // before slots could ask it
-    const std::unique_ptr<Change> change = BeginChange();
-    const Update update(*this);
-    m_bChanged = true;
-    if (change) change->Materials();
+    Tell("destroyed", [this] { // by a destructor, out of which nothing may be thrown
+        std::optional<Change> change;
+        BeginChange(change);
+        const Update update(*this);
+        m_bChanged = true;
+        if (change) change->Materials();
+    });
 }
 
 // --------------------------------------------------------------- operations
@@ -389,7 +400,8 @@ void SceneMaterial::OnImageDestroyed(QObject* pObject)
 void SceneMaterial::SetName(const QString& strName)
 {
     if (strName == m_strName) return;
-    const std::unique_ptr<Change> change = BeginChange();
+    std::optional<Change> change;
+    BeginChange(change);
     if (strName == m_strName) return; // a slot was faster
     const Update update(*this);
     m_bChanged = true;
@@ -423,14 +435,15 @@ void SceneMaterial::LoadImages(IImageManager& manager, const QString& strBaseFol
     std::optional<Bracket> batch;
     if (m_pScene) batch.emplace(m_pScene->m_batch, sSceneModifications{});
     const Update update(*this);
+    const QPointer<SceneMaterial> self = this;
     std::exception_ptr failure;
-    for (int i = 0; i < eMaterialSlotCount; ++i) {
+    for (int i = 0; self && i < eMaterialSlotCount; ++i) {
         const auto slot = static_cast<eMaterialSlot>(i);
         if (GetImage(slot) || GetImageFile(slot).isEmpty()) continue;
         try {
             ImageLoan loan(manager, TryToFindFileOptimistic(GetImageFile(slot), strBaseFolder));
             SetImage(slot, loan.Image());
-            KeepLoan(static_cast<std::size_t>(i), std::move(loan));
+            if (self) KeepLoan(static_cast<std::size_t>(i), std::move(loan));
         } catch (const Exception&) {
             failure = failure ? failure : std::current_exception();
         }
@@ -516,8 +529,9 @@ void SceneMaterial::CopyFrom(const IMaterial& other)
     if (const auto* const pOther = dynamic_cast<const SceneMaterial*>(&other))
         std::transform(pOther->m_loans.begin(), pOther->m_loans.end(), loans.begin(),
                        [](const ImageLoan& loan) { return loan.Again(); });
+    const QPointer<SceneMaterial> self = this;
     Edit([&](State& state) { state = StateOf(other); });
-    for (std::size_t i = 0; i < loans.size(); ++i)
+    for (std::size_t i = 0; self && i < loans.size(); ++i)
         KeepLoan(i, std::move(loans[i]));
 }
 

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "lumenta/interfaces/IMaterial.h"
+#include "reference/host/document/Batch.h"
 #include "reference/host/document/ImageLoan.h"
 
 #include <array>
-#include <memory>
+#include <optional>
 
 namespace Host {
 
-class Change;
 class Scene;
 
 /// A material as a table of values. A new one is of light clay, with a weak,
@@ -169,8 +169,8 @@ private:
     /// Every change goes through here: calls edit(state), then tells.
     template <typename F>
     void Edit(const F& edit);
-    /// In the scene's batch, which holds as long as it lives; null without a scene.
-    std::unique_ptr<Change> BeginChange();
+    /// In the scene's batch, which holds as long as it lives; nothing without a scene.
+    void BeginChange(std::optional<Change>& change);
     void CloseUpdate();
     void ReturnLoans();
     void KeepLoan(std::size_t nSlot, ImageLoan loan);
@@ -183,8 +183,8 @@ private:
     Scene* m_pScene;
     State m_state;
     std::array<ImageLoan, eMaterialSlotCount> m_loans; ///< Of what is in the slots.
-    int m_nUpdates = 0;  ///< Of callers' brackets and running operations.
-    int m_nExplicit = 0; ///< Of callers' brackets.
+    int m_nUpdates = 0;                                ///< Of callers' brackets and running operations.
+    int m_nExplicit = 0;                               ///< Of callers' brackets.
     bool m_bChanged = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include "lumenta/foundation/Exceptions.h"
 #include "reference/host/document/Mesh.h"
+#include "reference/host/document/Newcomers.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/Placement.h"
 #include "reference/host/document/PosedModel.h"
@@ -135,9 +136,12 @@ public:
         return fresh.back().get();
     }
 
-    /// Before another model: what its scene has given up is made anew.
+    /// Before another model: what its scene has given up is made anew, and what
+    /// it did not get to take over.
     void ForgetRemoved()
     {
+        fresh.clear();
+        images.clear();
         for (auto it = m_made.begin(); it != m_made.end();) {
             const SceneMaterial* const pMaterial = it->second.pMaterial;
             it = pMaterial && pMaterial->GetScene() ? std::next(it) : m_made.erase(it);
@@ -201,7 +205,13 @@ public:
         Scene& scene = StillThere(m_pParent).SceneOrThrow();
         Change change(scene.m_batch, PlannedAdding(m_strName));
         StillThere(m_pParent).SceneOrThrow(); // a slot may have removed it
-        scene.AddMeshes(meshes, *m_pParent, QString(), m_materials, nullptr, change);
+        Newcomers newcomers(scene, change);
+        const std::vector<INode*> nodes =
+            scene.PrepareMeshes(meshes, *m_pParent, QString(), m_materials, nullptr, newcomers);
+        ReserveMore(m_pParent->m_children, nodes.size());
+        m_pParent->m_children.insert(m_pParent->m_children.end(), nodes.begin(), nodes.end());
+        newcomers.Hold();
+        scene.TakeOver(m_materials, change);
     }
     void AddMeshNode(const QString& name, std::vector<MeshVertex>& vertices, std::vector<unsigned int>& indices,
                      const QString& materialName, const QMap<QString, QVariant>& materialParameters) override
@@ -224,20 +234,32 @@ IMeshNodeBuilder* Scene::CreateMeshBuilder(INode* pParent)
     return new MeshBuilder(Own(pParent, "IScene::CreateMeshBuilder"));
 }
 
-void Scene::AddMeshes(std::vector<PosedMesh>& meshes, Node& parent, const QString& strSource, ModelMaterials& materials,
-                      PosedModel* pModel, Change& change)
+/// \return the new nodes, which are not yet among the parent's children
+std::vector<INode*> Scene::PrepareMeshes(std::vector<PosedMesh>& meshes, Node& parent, const QString& strSource,
+                                         ModelMaterials& materials, PosedModel* pModel, Newcomers& newcomers)
 {
     materials.ForgetRemoved();
+    std::vector<INode*> nodes;
     MeshNode* pNode = nullptr;
     for (PosedMesh& mesh : meshes) {
-        if (!pNode || pNode->GetName() != mesh.name)
+        if (!pNode || pNode->GetName() != mesh.name) {
             pNode = static_cast<MeshNode*>(
-                &Append(std::make_unique<MeshNode>(++m_nLastId, mesh.name, strSource), parent, change));
+                &newcomers.Add(std::make_unique<MeshNode>(++m_nLastId, mesh.name, strSource), parent));
+            nodes.push_back(pNode);
+        }
         SceneMaterial* const pMaterial = materials.For(mesh);
         auto own = std::make_unique<Mesh>(mesh.name, std::move(mesh.vertices), std::move(mesh.indices));
         if (pModel) pModel->parts.push_back({pNode, own.get()});
         pNode->AddMesh(std::move(own), pMaterial);
     }
+    ReserveMore(m_materials, materials.fresh.size());
+    ReserveMore(m_images, materials.images.size());
+    return nodes;
+}
+
+/// What the meshes that were prepared wear.
+void Scene::TakeOver(ModelMaterials& materials, Change& change) noexcept
+{
     for (std::unique_ptr<SceneMaterial>& material : std::exchange(materials.fresh, {}))
         AddMaterial(std::move(material), change);
     for (std::unique_ptr<Image>& image : std::exchange(materials.images, {}))
@@ -291,9 +313,14 @@ INode* Scene::HangMeshes(IGenerator& generator, const QString& strName, const QS
         CheckTriangles("INode::CreateMesh", mesh.name, mesh.vertices, mesh.indices);
     Change change(StillThere(parent).SceneOrThrow().m_batch, PlannedAdding(strName));
     StillThere(parent).SceneOrThrow(); // a slot may have removed it
-    Node& group = Append(std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, strName), *parent, change);
+    Newcomers newcomers(*parent->m_pScene, change);
+    Node& group = newcomers.Add(std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, strName), *parent);
     ModelMaterials materials;
-    AddMeshes(collector.meshes, group, strSource, materials, nullptr, change);
+    group.m_children = PrepareMeshes(collector.meshes, group, strSource, materials, nullptr, newcomers);
+    ReserveMore(parent->m_children, 1);
+    parent->m_children.push_back(&group);
+    newcomers.Hold();
+    TakeOver(materials, change);
     return &group;
 }
 
@@ -307,17 +334,28 @@ INode* Scene::HangModel(Model&& model, Node& parent, const QString& strName, con
 
     Change change(m_batch, PlannedAdding(strName));
     parent.SceneOrThrow(); // a slot may have removed it
-    posed->pAnchor = &Append(std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, strName), parent, change);
-    posed->pAnchor->m_matrix = upright;
-    AddMeshes(collector.meshes, *posed->pAnchor, strSource, materials, posed.get(), change);
-
-    Node* const pAnchor = posed->pAnchor;
+    Newcomers newcomers(*this, change);
+    Node& group = newcomers.Add(std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, strName), parent);
+    group.m_matrix = upright;
+    group.m_children = PrepareMeshes(collector.meshes, group, strSource, materials, posed.get(), newcomers);
+    posed->pAnchor = &group;
+    ReserveMore(parent.m_children, 1);
+    ReserveMore(m_models, 1);
+    parent.m_children.push_back(&group);
     if (!posed->GetAnimations().empty()) {
         m_models.push_back(std::move(posed));
-        FollowTreeWithModels(change);
+        try {
+            FollowTreeWithModels(change);
+        } catch (...) {
+            m_models.pop_back();
+            parent.m_children.pop_back();
+            throw;
+        }
         change.InScene(eSceneChangedAnimation);
     }
-    return pAnchor;
+    newcomers.Hold();
+    TakeOver(materials, change);
+    return &group;
 }
 
 // ------------------------------------------------------------------ animation
@@ -339,7 +377,7 @@ void Scene::FollowTreeWithModels(Change& change)
     change.InScene(eSceneChangedAnimation);
 }
 
-void Scene::ForgetModels(Change& change)
+void Scene::ForgetModels(Change& change) noexcept
 {
     const auto gone =
         std::remove_if(m_models.begin(), m_models.end(), [](const auto& model) { return !model->pAnchor->GetScene(); });
@@ -400,17 +438,19 @@ void Scene::SetAnimation(int nAnimation, float time)
 
 void Scene::Play(PosedModel* pModel, int nAnimation, float time)
 {
-    if (pModel == m_pPlaying && nAnimation == m_nPlaying && time == m_time) return;
+    if (pModel == m_pPlaying && nAnimation == m_nPlaying && time == m_time && !m_bHalfPosed) return;
     const Timed timed(m_pStopwatch, eStageDocument);
     Change change(m_batch);
     const bool isThere =
         std::any_of(m_models.begin(), m_models.end(), [&](const auto& model) { return model.get() == pModel; });
     if (pModel && !isThere) return; // a slot has removed it
+    m_bHalfPosed = true;
     if (m_pPlaying && m_pPlaying != pModel) PoseModel(*m_pPlaying, -1, 0.0f, change);
     m_pPlaying = pModel;
     m_nPlaying = nAnimation;
     m_time = time;
     if (pModel) PoseModel(*pModel, nAnimation, time, change);
+    m_bHalfPosed = false;
     change.InScene(eSceneChangedAnimation);
 }
 
@@ -418,8 +458,9 @@ void Scene::PoseModel(PosedModel& model, int nAnimation, float time, Change& cha
 {
     const auto rewrite = [&](const PosedModel::Part& part, const std::vector<MeshVertex>& vertices) {
         const Timed timed(m_pStopwatch, eStageDocument);
-        if (part.pNode && part.pNode->GetScene() && part.pNode->ReplaceVertices(*part.pMesh, vertices))
-            change.Changed(*part.pNode, eNodeChangedMesh);
+        if (!part.pNode || !part.pNode->GetScene() || part.pMesh->HasVertices(vertices)) return;
+        change.Changed(*part.pNode, eNodeChangedMesh);
+        part.pNode->ReplaceVertices(*part.pMesh, vertices);
     };
     MeshRewriter rewriter(model.parts, rewrite);
     model.Pose(nAnimation, time, rewriter, m_pStopwatch);

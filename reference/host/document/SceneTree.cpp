@@ -3,6 +3,8 @@
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/scene/BoundingBoxes.h"
 #include "lumenta/scene/NodeHierarchy.h"
+#include "reference/host/Caught.h"
+#include "reference/host/document/Newcomers.h"
 #include "reference/host/document/Node.h"
 #include "reference/host/document/Placement.h"
 #include "reference/host/document/PosedModel.h"
@@ -13,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <unordered_set>
+#include <utility>
 
 namespace Host {
 
@@ -111,29 +114,47 @@ std::vector<INode*> Scene::GetLights() const
 
 // --------------------------------------------------------------- adding nodes
 
-/// Takes the node over. Its parent's list is up to the caller.
-Node& Scene::Register(std::unique_ptr<Node> node, Node& parent, Change& change)
+Scene::Newcomers::Newcomers(Scene& scene, Change& change)
+    : m_scene(scene)
+    , m_change(change)
+    , m_notes(change)
 {
-    Node& registered = *node;
-    registered.m_pScene = this;
-    registered.m_pParent = &parent;
-    m_nodes[registered.m_nId] = std::move(node);
-    change.Added(registered);
-    change.InScene(eSceneChangedHierarchy);
-    return registered;
 }
 
-Node& Scene::Append(std::unique_ptr<Node> node, Node& parent, Change& change)
+Scene::Newcomers::~Newcomers()
 {
-    parent.m_children.push_back(node.get());
-    return Register(std::move(node), parent, change);
+    if (m_bHold) return;
+    for (const Node* pNode : m_added)
+        m_scene.m_nodes.erase(pNode->m_nId);
+}
+
+Node& Scene::Newcomers::Add(std::unique_ptr<Node> node, Node& parent)
+{
+    ReserveMore(m_added, 1);
+    m_change.Added(*node);
+    Node& added = *(m_scene.m_nodes[node->m_nId] = std::move(node));
+    added.m_pParent = &parent;
+    added.m_pScene = &m_scene;
+    m_added.push_back(&added);
+    return added;
+}
+
+void Scene::Newcomers::Hold() noexcept
+{
+    m_bHold = true;
+    m_notes.Hold();
+    m_change.InScene(eSceneChangedHierarchy);
 }
 
 INode* Scene::AddNode(std::unique_ptr<Node> node, Node& parent)
 {
     Change change(m_batch, Planned(QStringLiteral("Add '%1'").arg(node->m_strName)));
     parent.SceneOrThrow(); // a slot may have removed it
-    return &Append(std::move(node), parent, change);
+    Newcomers newcomers(*this, change);
+    ReserveMore(parent.m_children, 1);
+    parent.m_children.push_back(&newcomers.Add(std::move(node), parent));
+    newcomers.Hold();
+    return parent.m_children.back();
 }
 
 INode* Scene::AddGroup(const QString& strName, Node* pParent)
@@ -146,16 +167,17 @@ INode* Scene::AddLight(const QString& strName, Node* pParent)
     return AddNode(std::make_unique<LightNode>(++m_nLastId, strName), *pParent);
 }
 
-Node& Scene::CopyBranch(Node& top, Change& change)
+Node& Scene::CopyBranch(Node& top, Newcomers& newcomers)
 {
-    Node& copiedTop = Register(top.Copy(++m_nLastId), *top.m_pParent, change);
+    Node& copiedTop = newcomers.Add(top.Copy(++m_nLastId), *top.m_pParent);
     std::vector<std::pair<const Node*, Node*>> pending{{&top, &copiedTop}};
     while (!pending.empty()) {
         const auto [pSource, pCopy] = pending.back();
         pending.pop_back();
         for (const INode* pChild : pSource->m_children) {
             const auto* const pOwn = static_cast<const Node*>(pChild);
-            pending.emplace_back(pOwn, &Append(pOwn->Copy(++m_nLastId), *pCopy, change));
+            pCopy->m_children.push_back(&newcomers.Add(pOwn->Copy(++m_nLastId), *pCopy));
+            pending.emplace_back(pOwn, static_cast<Node*>(pCopy->m_children.back()));
         }
     }
     return copiedTop;
@@ -163,46 +185,114 @@ Node& Scene::CopyBranch(Node& top, Change& change)
 
 // ------------------------------------------------------------- moving nodes
 
-/// Rebuilds the children of every parent of `nodes`, once each: replace(node,
-/// children) appends what comes into the place of a listed node.
-template <typename F>
-void Scene::ReplaceInParents(const std::vector<Node*>& nodes, const F& replace)
-{
-    std::vector<Node*> parents;
-    std::unordered_set<const INode*> known;
-    for (const Node* pNode : nodes)
-        if (known.insert(pNode->m_pParent).second) parents.push_back(pNode->m_pParent);
-
-    const std::unordered_set<const INode*> listed(nodes.begin(), nodes.end());
-    for (Node* pParent : parents) {
-        std::vector<INode*> children;
-        for (INode* pChild : pParent->m_children) {
-            if (listed.count(pChild))
-                replace(*static_cast<Node*>(pChild), children);
-            else
-                children.push_back(pChild);
-        }
-        pParent->m_children = std::move(children);
+/// Where nodes are to hang and stand: all of it is prepared and noted, and then
+/// put into effect at once. Taken back unless it is to hold.
+class Scene::Arrangement {
+public:
+    explicit Arrangement(Change& change)
+        : m_change(change)
+        , m_notes(change)
+    {
     }
-}
+    ~Arrangement()
+    {
+        if (m_bInEffect && !m_bHold) Swap();
+    }
+    Arrangement(const Arrangement&) = delete;
+    Arrangement& operator=(const Arrangement&) = delete;
 
-void Scene::SetMatrixOf(Node& node, const Matrix& matrix, Change& change)
-{
-    if (node.m_matrix == matrix) return;
-    node.m_matrix = matrix;
-    change.Changed(node, eNodeChangedMatrix);
-}
+    /// New children for every parent of `nodes`: replace(node, children) appends
+    /// what comes into the place of a listed node.
+    template <typename F>
+    void ReplaceInParents(const std::vector<Node*>& nodes, const F& replace)
+    {
+        std::vector<Node*> parents;
+        std::unordered_set<const INode*> known;
+        for (const Node* pNode : nodes)
+            if (known.insert(pNode->m_pParent).second) parents.push_back(pNode->m_pParent);
 
-/// Another parent, the same place in the world. Children's lists are up to the caller.
-void Scene::Reparent(Node& node, Node& parent, const Matrix& parentWorld, Change& change)
-{
-    const Matrix formerWorld = WorldOf(node.m_pParent);
-    node.m_pParent = &parent;
-    change.Moved(node);
-    if (formerWorld == parentWorld) return; // not a bit of rounding without need
-    if (const std::optional<Matrix> local = LocalFor(node.m_matrix * formerWorld, parentWorld))
-        SetMatrixOf(node, *local, change);
-}
+        const std::unordered_set<const INode*> listed(nodes.begin(), nodes.end());
+        for (Node* pParent : parents) {
+            std::vector<INode*> children;
+            for (INode* pChild : pParent->m_children) {
+                if (listed.count(pChild))
+                    replace(*static_cast<Node*>(pChild), children);
+                else
+                    children.push_back(pChild);
+            }
+            SetChildren(*pParent, std::move(children));
+        }
+    }
+
+    /// Each parent once.
+    void SetChildren(Node& parent, std::vector<INode*> children) { m_lists.emplace_back(&parent, std::move(children)); }
+
+    void DropChildrenOf(const Node& parent)
+    {
+        m_lists.erase(
+            std::remove_if(m_lists.begin(), m_lists.end(), [&](const auto& list) { return list.first == &parent; }),
+            m_lists.end());
+    }
+
+    void SetMatrix(Node& node, const Matrix& matrix) { Place(node, node.m_pParent, matrix); }
+
+    void Move(Node& node, Node& parent, const Matrix& matrix)
+    {
+        m_change.Moved(node);
+        Place(node, &parent, matrix);
+    }
+
+    /// To where it is in the world already.
+    void Reparent(Node& node, Node& parent, const Matrix& parentWorld)
+    {
+        const Matrix formerWorld = WorldOf(node.m_pParent);
+        const bool isSame = formerWorld == parentWorld; // not a bit of rounding without need
+        const std::optional<Matrix> local = isSame ? std::nullopt : LocalFor(node.m_matrix * formerWorld, parentWorld);
+        Move(node, parent, local ? *local : node.m_matrix);
+    }
+
+    void PutIntoEffect() noexcept
+    {
+        m_bInEffect = true;
+        Swap();
+    }
+
+    void Hold() noexcept
+    {
+        m_bHold = true;
+        m_notes.Hold();
+    }
+
+private:
+    struct Placed {
+        Node* pNode;
+        Node* pParent;
+        Matrix matrix;
+    };
+
+    void Place(Node& node, Node* pParent, const Matrix& matrix)
+    {
+        if (node.m_matrix != matrix) m_change.Changed(node, eNodeChangedMatrix);
+        m_places.push_back({&node, pParent, matrix});
+    }
+
+    void Swap() noexcept
+    {
+        for (auto& [pParent, children] : m_lists)
+            pParent->m_children.swap(children);
+        for (Placed& place : m_places) {
+            std::swap(place.pNode->m_pParent, place.pParent);
+            std::swap(place.pNode->m_matrix, place.matrix);
+        }
+    }
+
+    Change& m_change;
+    Notes m_notes;
+    std::vector<std::pair<Node*, std::vector<INode*>>> m_lists;
+    std::vector<Placed> m_places;
+    bool m_bInEffect = false;
+    bool m_bHold = false;
+};
 
 std::vector<INode*> Scene::ChildrenAfterMove(const Node& parent, const std::vector<Node*>& moving, int nPosition)
 {
@@ -228,12 +318,15 @@ void Scene::MoveNodes(const std::vector<INode*>& nodes, INode* pParent, int nPos
     moving = InTreeOrder(nodes, eTopsOnly);
     if (!parent.m_pScene || LiesUnder(&parent, moving)) return;
     const Matrix parentWorld = WorldOf(&parent);
-    std::vector<INode*> children = ChildrenAfterMove(parent, moving, nPosition);
-    ReplaceInParents(moving, [](Node&, std::vector<INode*>&) {});
+    Arrangement arrangement(change);
+    arrangement.ReplaceInParents(moving, [](Node&, std::vector<INode*>&) {});
+    arrangement.DropChildrenOf(parent);
+    arrangement.SetChildren(parent, ChildrenAfterMove(parent, moving, nPosition));
     for (Node* pNode : moving)
-        Reparent(*pNode, parent, parentWorld, change);
-    parent.m_children = std::move(children);
+        arrangement.Reparent(*pNode, parent, parentWorld);
+    arrangement.PutIntoEffect();
     FollowTree(change);
+    arrangement.Hold();
 }
 
 INode* Scene::GroupNodes(const std::vector<INode*>& nodes, const QString& strName)
@@ -246,14 +339,19 @@ INode* Scene::GroupNodes(const std::vector<INode*>& nodes, const QString& strNam
 
     Node& parent = *members.front()->m_pParent;
     const Matrix parentWorld = WorldOf(&parent);
-    Node& group = Register(std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, strName), parent, change);
-    ReplaceInParents(members, [&](const Node& node, std::vector<INode*>& children) {
+    Newcomers newcomers(*this, change);
+    Node& group = newcomers.Add(std::make_unique<Node>(eNodeTypeGroup, ++m_nLastId, strName), parent);
+    group.m_children = AsInterfaces(members);
+    Arrangement arrangement(change);
+    arrangement.ReplaceInParents(members, [&](const Node& node, std::vector<INode*>& children) {
         if (&node == members.front()) children.push_back(&group);
     });
     for (Node* pNode : members)
-        Reparent(*pNode, group, parentWorld, change);
-    group.m_children = AsInterfaces(members);
+        arrangement.Reparent(*pNode, group, parentWorld);
+    arrangement.PutIntoEffect();
     FollowTree(change);
+    arrangement.Hold();
+    newcomers.Hold();
     return &group;
 }
 
@@ -270,14 +368,18 @@ void Scene::UngroupNodes(const std::vector<INode*>& nodes)
     Change change(m_batch, Planned(Title("Ungroup", groups.size()), &sSceneModifications::removed, groups));
     groups = listedGroups();
     if (groups.empty()) return;
-    Dissolve(groups, change);
-    Forget(groups, change);
-    FollowTree(change);
+    Arrangement arrangement(change);
+    Dissolve(groups, arrangement);
+    const std::vector<INode*> leaving = AsInterfaces(groups);
+    PrepareToForget(leaving, change);
+    arrangement.PutIntoEffect(); // which changes the order of no others: nothing has to follow
+    Forget(leaving, change);
+    arrangement.Hold();
 }
 
 /// Hands the children of groups, which come in tree order, to the nodes around
 /// them. Linear also where groups hang in groups.
-void Scene::Dissolve(const std::vector<Node*>& groups, Change& change)
+void Scene::Dissolve(const std::vector<Node*>& groups, Arrangement& arrangement)
 {
     std::unordered_map<const INode*, Matrix> outward; // from within each group to around the outermost one
     std::vector<Node*> outermost;
@@ -286,7 +388,7 @@ void Scene::Dissolve(const std::vector<Node*>& groups, Change& change)
         if (around == outward.end()) outermost.push_back(pGroup);
         outward[pGroup] = around == outward.end() ? pGroup->m_matrix : pGroup->m_matrix * around->second;
     }
-    ReplaceInParents(outermost, [&](Node& group, std::vector<INode*>& children) {
+    arrangement.ReplaceInParents(outermost, [&](Node& group, std::vector<INode*>& children) {
         Node* const pParent = group.m_pParent;
         std::vector<INode*> pending{&group};
         while (!pending.empty()) {
@@ -294,12 +396,9 @@ void Scene::Dissolve(const std::vector<Node*>& groups, Change& change)
             pending.pop_back();
             if (outward.count(&node)) {
                 pending.insert(pending.end(), node.m_children.rbegin(), node.m_children.rend());
-                node.m_children.clear();
                 continue;
             }
-            SetMatrixOf(node, node.m_matrix * outward[node.m_pParent], change);
-            node.m_pParent = pParent;
-            change.Moved(node);
+            arrangement.Move(node, *pParent, node.m_matrix * outward[node.m_pParent]);
             children.push_back(&node);
         }
     });
@@ -313,14 +412,19 @@ std::vector<INode*> Scene::DuplicateNodes(const std::vector<INode*>& nodes)
     tops = InTreeOrder(nodes, eTopsOnly);
     std::vector<INode*> copies;
     std::unordered_map<const INode*, INode*> copyOf;
+    Newcomers newcomers(*this, change);
     for (Node* pTop : tops) {
-        copies.push_back(&CopyBranch(*pTop, change));
+        copies.push_back(&CopyBranch(*pTop, newcomers));
         copyOf[pTop] = copies.back();
     }
-    ReplaceInParents(tops, [&](Node& node, std::vector<INode*>& children) {
+    Arrangement arrangement(change);
+    arrangement.ReplaceInParents(tops, [&](Node& node, std::vector<INode*>& children) {
         children.push_back(&node);
         children.push_back(copyOf[&node]);
     });
+    arrangement.PutIntoEffect();
+    arrangement.Hold();
+    newcomers.Hold();
     return copies;
 }
 
@@ -340,8 +444,11 @@ void Scene::MoveInWorld(const std::vector<INode*>& nodes, const QString& strTitl
     };
     if (plan().empty()) return;
     Change change(m_batch, Planned(strTitle));
+    Arrangement arrangement(change);
     for (const auto& [pNode, local] : plan())
-        SetMatrixOf(*pNode, local, change);
+        arrangement.SetMatrix(*pNode, local);
+    arrangement.PutIntoEffect();
+    arrangement.Hold();
 }
 
 void Scene::TransformNodes(const std::vector<INode*>& nodes, const Matrix& world)
@@ -374,17 +481,28 @@ void Scene::RemoveNodes(const std::vector<INode*>& nodes)
     Change change(m_batch, Planned(Title("Remove", tops.size()), &sSceneModifications::removed, tops));
     tops = InTreeOrder(nodes, eTopsOnly);
     if (tops.empty()) return;
-    ReplaceInParents(tops, [](Node&, std::vector<INode*>&) {});
-    Forget(tops, change);
+    Arrangement arrangement(change);
+    arrangement.ReplaceInParents(tops, [](Node&, std::vector<INode*>&) {});
+    const std::vector<INode*> leaving = CollectAllChildren(AsInterfaces(tops));
+    PrepareToForget(leaving, change);
+    arrangement.PutIntoEffect();
+    Forget(leaving, change);
+    arrangement.Hold();
 }
 
-/// Ends nodes and all that is under them. Their parents' lists are up to the caller.
-void Scene::Forget(const std::vector<Node*>& tops, Change& change)
+void Scene::PrepareToForget(const std::vector<INode*>& nodes, Change& change)
+{
+    m_batch.MakeRoom(nodes.size());
+    for (const INode* pNode : nodes)
+        if (!m_batch.IsNew(pNode)) change.Removed(*pNode); // what came within this batch was never told of
+}
+
+/// Ends nodes. The lists of parents that stay are up to the caller.
+void Scene::Forget(const std::vector<INode*>& nodes, Change& change) noexcept
 {
     bool hasSelected = false;
-    for (INode* pNode : CollectAllChildren(AsInterfaces(tops))) {
+    for (INode* pNode : nodes) {
         Node& node = *static_cast<Node*>(pNode);
-        if (!m_batch.IsNew(pNode)) change.Removed(*pNode); // what came within this batch was never told of
         hasSelected = hasSelected || node.m_bSelected;
         node.m_pParent = nullptr;
         node.m_pScene = nullptr;
@@ -405,12 +523,12 @@ void Scene::Forget(const std::vector<Node*>& tops, Change& change)
 
 void Scene::FollowTree(Change& change)
 {
-    change.InScene(eSceneChangedHierarchy);
     std::vector<INode*> selection = AsInterfaces(InTreeOrder(m_selection, eEach));
+    FollowTreeWithModels(change);
+    change.InScene(eSceneChangedHierarchy);
     if (m_bSelectionSorted && selection != m_selection) change.Selection();
     m_selection = std::move(selection);
     m_bSelectionSorted = true;
-    FollowTreeWithModels(change);
 }
 
 // ------------------------------------------------------------------ selection
@@ -431,7 +549,7 @@ void Scene::SetSelection(const std::vector<INode*>& nodes)
     m_selection = std::move(selection);
     for (INode* pNode : m_selection)
         static_cast<Node*>(pNode)->m_bSelected = true;
-    Q_EMIT selectionChanged();
+    Tell("selectionChanged", [&] { Q_EMIT selectionChanged(); });
 }
 
 bool Scene::IsSelected(const INode* pNode) const
@@ -449,7 +567,7 @@ void Scene::SetSelected(INode* pNode, bool bSelected)
         m_selection.erase(std::find(m_selection.begin(), m_selection.end(), pNode));
     }
     static_cast<Node*>(pNode)->m_bSelected = bSelected;
-    Q_EMIT selectionChanged();
+    Tell("selectionChanged", [&] { Q_EMIT selectionChanged(); });
 }
 
 // ------------------------------------------------------------------ snapshots
@@ -476,17 +594,22 @@ void Scene::RestoreState(const SceneState& state, const QString& strName)
     });
     if (!isSame) {
         Change change(m_batch);
+        Arrangement arrangement(change);
+        std::vector<Node*> turned;
         for (const SceneState::Node& kept : state.nodes) {
             Node* const pNode = find(kept.nId);
-            if (!pNode) continue;
-            SetMatrixOf(*pNode, kept.matrix, change);
-            if (pNode->m_bVisible != kept.bVisible) {
-                pNode->m_bVisible = kept.bVisible;
-                change.Changed(*pNode, eNodeChangedVisibility);
-            }
+            if (pNode && pNode->m_matrix != kept.matrix) arrangement.SetMatrix(*pNode, kept.matrix);
+            if (!pNode || pNode->m_bVisible == kept.bVisible) continue;
+            change.Changed(*pNode, eNodeChangedVisibility);
+            turned.push_back(pNode);
         }
+        arrangement.PutIntoEffect();
+        for (Node* pNode : turned)
+            pNode->m_bVisible = !pNode->m_bVisible;
+        arrangement.Hold();
     }
-    m_camera->SetState(state.camera);
+    if (bracket.IsAlive()) m_camera->SetState(state.camera);
+    if (!bracket.IsAlive()) return;
     const auto found = std::find_if(m_models.begin(), m_models.end(), [&](const std::unique_ptr<PosedModel>& model) {
         return model->pAnchor->GetId() == state.nModelNode;
     });

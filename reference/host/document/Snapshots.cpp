@@ -1,7 +1,10 @@
 #include "reference/host/document/Snapshots.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/Caught.h"
 #include "reference/host/document/Scene.h"
+
+#include <QPointer>
 
 #include <algorithm>
 #include <utility>
@@ -26,6 +29,14 @@ SnapshotManager::~SnapshotManager()
         delete pSnapshot;
 }
 
+template <typename F>
+void SnapshotManager::TellChange(const char* strSignal, const F& emitSignal)
+{
+    const QPointer<SnapshotManager> self = this; // slots may end the scene
+    Tell(strSignal, emitSignal);
+    if (self) m_scene.Announce({});
+}
+
 std::vector<ISnapshot*>::iterator SnapshotManager::Find(const ISnapshot* pSnapshot, const char* method)
 {
     const auto found = std::find(m_snapshots.begin(), m_snapshots.end(), pSnapshot);
@@ -37,10 +48,11 @@ std::vector<ISnapshot*>::iterator SnapshotManager::Find(const ISnapshot* pSnapsh
 
 const ISnapshot* SnapshotManager::Take(const QString& strName)
 {
-    auto* const pSnapshot = new Snapshot(strName, m_scene.KeepState());
-    m_snapshots.push_back(pSnapshot);
-    Q_EMIT insertSnapshot(pSnapshot, static_cast<int>(m_snapshots.size()) - 1);
-    m_scene.Announce({});
+    auto snapshot = std::make_unique<Snapshot>(strName, m_scene.KeepState());
+    m_snapshots.push_back(snapshot.get());
+    Snapshot* const pSnapshot = snapshot.release();
+    const int nPosition = static_cast<int>(m_snapshots.size()) - 1;
+    TellChange("insertSnapshot", [&] { Q_EMIT insertSnapshot(pSnapshot, nPosition); });
     return pSnapshot;
 }
 
@@ -56,8 +68,7 @@ void SnapshotManager::Rename(const ISnapshot* pSnapshot, const QString& strName)
     auto* const pOwn = static_cast<Snapshot*>(*Find(pSnapshot, "ISnapshotManager::Rename"));
     if (pOwn->m_strName == strName) return;
     pOwn->m_strName = strName;
-    Q_EMIT renameSnapshot(pOwn, strName);
-    m_scene.Announce({});
+    TellChange("renameSnapshot", [&] { Q_EMIT renameSnapshot(pOwn, strName); });
 }
 
 void SnapshotManager::Move(const ISnapshot* pSnapshot, int nPosition)
@@ -70,20 +81,23 @@ void SnapshotManager::Move(const ISnapshot* pSnapshot, int nPosition)
         std::rotate(place, found, found + 1);
     else
         std::rotate(found, found + 1, place + 1);
-    Q_EMIT removeSnapshot(pOwn);
-    const auto now = std::find(m_snapshots.begin(), m_snapshots.end(), pOwn); // slots may have removed some
-    if (now != m_snapshots.end()) Q_EMIT insertSnapshot(pOwn, static_cast<int>(now - m_snapshots.begin()));
-    m_scene.Announce({});
+    const QPointer<SnapshotManager> self = this;
+    Tell("removeSnapshot", [&] { Q_EMIT removeSnapshot(pOwn); });
+    if (!self) return;
+    TellChange("insertSnapshot", [&] {
+        const auto now = std::find(m_snapshots.begin(), m_snapshots.end(), pOwn); // slots may have removed some
+        if (now != m_snapshots.end()) Q_EMIT insertSnapshot(pOwn, static_cast<int>(now - m_snapshots.begin()));
+    });
 }
 
 void SnapshotManager::Remove(const ISnapshot* pSnapshot)
 {
     const auto found = Find(pSnapshot, "ISnapshotManager::Remove");
     ISnapshot* const pOwn = *found;
+    m_scene.PrepareToKeep();
     m_snapshots.erase(found);
     m_scene.KeepUntilLater(std::unique_ptr<QObject>(pOwn));
-    Q_EMIT removeSnapshot(pOwn);
-    m_scene.Announce({});
+    TellChange("removeSnapshot", [&] { Q_EMIT removeSnapshot(pOwn); });
 }
 
 } // namespace Host

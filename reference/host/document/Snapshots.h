@@ -60,6 +60,9 @@ public:
     void Remove(const ISnapshot* pSnapshot) override;
 
 private:
+    /// emitSignal(), and then that there is something to save.
+    template <typename F>
+    void TellChange(const char* strSignal, const F& emitSignal);
     std::vector<ISnapshot*>::iterator Find(const ISnapshot* pSnapshot, const char* method);
 
     Scene& m_scene;

@@ -59,12 +59,8 @@ IImageManager* Application::GetImageManager() const
     // A manager that asks for itself while it is being made gets none.
     if (std::exchange(m_bImagesAsked, true)) return m_images.get();
     for (const PluginService& service : Plugins().ServicesOf<IImageManager>()) {
-        try {
-            m_images = Plugins().CreateService<IImageManager>(service.id);
-            break;
-        } catch (const Exception& exception) {
-            m_log.Write(eLogWarning, exception.GetErrorText());
-        }
+        m_images = Plugins().TryToCreateService<IImageManager>(service.id);
+        if (m_images) break;
     }
     return m_images.get();
 }
@@ -90,11 +86,8 @@ std::vector<Application::NamedLoader> Application::LoadersFor(const QString& str
 {
     std::vector<NamedLoader> loaders;
     for (const PluginService& service : Plugins().ServicesOf<IModelLoader>()) {
-        try {
-            loaders.push_back({service.title, Plugins().CreateService<IModelLoader>(service.id)});
-        } catch (const Exception& exception) {
-            m_log.Write(eLogWarning, exception.GetErrorText());
-        }
+        if (auto loader = Plugins().TryToCreateService<IModelLoader>(service.id))
+            loaders.push_back({service.title, std::move(loader)});
     }
     if (loaders.empty())
         throw LoadingException(QStringLiteral("no plug-in that reads models is in %1").arg(Quoted(m_pluginFolders)));

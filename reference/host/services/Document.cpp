@@ -65,6 +65,9 @@ QStringList Document::Save(const QString& strFileName)
 {
     const QSharedPointer<ISceneSaver> saver = CreateSceneSaver(m_application.GetSerializers(), strFileName);
     saver->Save(strFileName, *m_scene);
+    if (!QFileInfo::exists(strFileName)) // before anybody believes that all is saved
+        throw SavingException(
+            QStringLiteral("The file '%1' was not written by what saves such files").arg(strFileName));
     MoveTo(QFileInfo(strFileName).absoluteFilePath());
     m_scene->SetModified(false);
     return saver->GetWarnings();

@@ -1,9 +1,11 @@
 #include "reference/host/services/Log.h"
 
 #include "lumenta/foundation/Exceptions.h"
+#include "reference/host/Caught.h"
 
 #include <QDateTime>
 #include <QMutexLocker>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 
@@ -28,11 +30,11 @@ void Log::Write(eLogLevel level, const QString& strText)
 {
     const QMutexLocker lock(&m_mutex);
     if (m_bWriting) return;
-    m_bWriting = true;
     const std::vector<ILogWriter*> writers = m_writers;
+    const QScopedValueRollback<bool> writing(m_bWriting, true);
     for (ILogWriter* const pWriter : writers)
-        if (std::find(m_writers.begin(), m_writers.end(), pWriter) != m_writers.end()) pWriter->Write(level, strText);
-    m_bWriting = false;
+        if (std::find(m_writers.begin(), m_writers.end(), pWriter) != m_writers.end())
+            Tell("ILog::Write", [&] { pWriter->Write(level, strText); });
 }
 
 void Log::AddWriter(ILogWriter* pWriter)

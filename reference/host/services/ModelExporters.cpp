@@ -11,7 +11,7 @@ std::vector<ModelExporter> ModelExporters(const PluginHost& plugins)
 {
     std::vector<ModelExporter> exporters;
     for (const PluginService& service : plugins.ServicesOf<IExporter>()) {
-        const std::shared_ptr<IExporter> exporter = plugins.CreateService<IExporter>(service.id);
+        const std::shared_ptr<IExporter> exporter = plugins.TryToCreateService<IExporter>(service.id);
         if (auto* const pModels = qobject_cast<IModelExporter*>(exporter.get()))
             exporters.emplace_back(exporter, pModels);
     }

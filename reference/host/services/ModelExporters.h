@@ -14,7 +14,7 @@ class PluginHost;
 /// Shares the exporter that it is a side of.
 using ModelExporter = std::shared_ptr<IModelExporter>;
 
-/// Those of all plug-ins, new ones.
+/// Those of all plug-ins that can be made, new ones.
 std::vector<ModelExporter> ModelExporters(const PluginHost& plugins);
 
 /// The first that writes files of this suffix; null where none does.

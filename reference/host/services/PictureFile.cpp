@@ -35,7 +35,10 @@ QImage DrawPicture(IRender& render, const IScene& scene, const sRenderSettings& 
     if (!code) loop.exec(QEventLoop::ExcludeUserInputEvents);
     if (code == eRenderExitSuccess) {
         leftOut = lines;
-        return render.GetImage();
+        QImage picture = render.GetImage();
+        if (picture.isNull())
+            throw SavingException(QStringLiteral("The picture can't be drawn: the renderer gave none"));
+        return picture;
     }
     const QString reason =
         code == eRenderExitStopped ? QStringLiteral("it was stopped") : lines.value(lines.size() - 1);

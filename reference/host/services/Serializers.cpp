@@ -36,7 +36,8 @@ bool Holds(const QList<SerializerInfo>& infos, const QString& id)
 ModelFormats::ModelFormats(const PluginHost& plugins)
 {
     for (const PluginService& service : plugins.ServicesOf<IModelLoader>()) {
-        const std::unique_ptr<IModelLoader> loader = plugins.CreateService<IModelLoader>(service.id);
+        const std::unique_ptr<IModelLoader> loader = plugins.TryToCreateService<IModelLoader>(service.id);
+        if (!loader) continue;
         const std::vector<ModelFormatInfo>& formats = loader->GetFormats();
         m_formats.insert(m_formats.end(), formats.begin(), formats.end());
     }

@@ -1,5 +1,7 @@
 #include "reference/host/services/Settings.h"
 
+#include "reference/host/Caught.h"
+
 namespace Host {
 
 Settings::Settings(const QString& strFileName, QObject* pParent)
@@ -22,7 +24,7 @@ void Settings::SetValue(const QString& strName, const QVariant& value)
         m_file.setValue(strName, value);
     else
         m_file.remove(strName);
-    Q_EMIT onValueChanged(strName, value);
+    Tell("onValueChanged", [&] { Q_EMIT onValueChanged(strName, value); });
 }
 
 } // namespace Host

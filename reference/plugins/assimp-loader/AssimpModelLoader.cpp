@@ -3,6 +3,8 @@
 #include "reference/plugins/assimp-loader/AssimpFormats.h"
 #include "reference/plugins/assimp-loader/Report.h"
 
+#include <QPointer>
+
 #include <cmath>
 
 namespace Host {
@@ -22,9 +24,10 @@ void AssimpModelLoader::Load(const QString& strFileName)
 {
     m_model = Model();
     m_isCancelled = false;
+    const QPointer<AssimpModelLoader> self = this; // slots may delete it
     const auto tell = [&](int percent) {
         Q_EMIT loadingProgress(percent);
-        if (m_isCancelled)
+        if (!self || m_isCancelled)
             Report(strFileName).Refuse(QStringLiteral("loading was cancelled"));
     };
     m_model = LoadModel(strFileName, tell, m_ticksPerSecond);

@@ -103,6 +103,8 @@ void FolderUploader::Later(Step step)
             (this->*step)();
         } catch (const Exception& exception) {
             EndWith(exception.GetErrorText());
+        } catch (...) {
+            EndWith(QStringLiteral("It failed for an unknown reason"));
         }
     });
 }

@@ -8,6 +8,9 @@
 #include <QSaveFile>
 #include <QtEndian>
 
+#include <cerrno>
+#include <cstring>
+
 namespace Host {
 
 namespace {
@@ -22,9 +25,9 @@ constexpr int kLengthAt = 12;
 constexpr int kChecksumAt = 20;
 constexpr int kHeaderSize = 52;
 
-FileException CannotOpen(const QString& fileName)
+FileException CannotOpen(const QString& fileName, const QIODevice& file)
 {
-    return {fileName, QStringLiteral("Can't open the file")};
+    return {fileName, QStringLiteral("Can't open the file: ") + file.errorString()};
 }
 
 /// Of all but itself.
@@ -92,7 +95,8 @@ bool IsDocumentFile(const QString& fileName)
 QByteArray ReadDocumentFile(const QString& fileName)
 {
     QFile file(fileName);
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) throw CannotOpen(fileName);
+    if (!QFileInfo(fileName).isFile()) throw FileException(fileName, QStringLiteral("Can't open the file"));
+    if (!file.open(QIODevice::ReadOnly)) throw CannotOpen(fileName, file);
     const QByteArray header = file.read(kHeaderSize);
     if (file.error() != QFileDevice::NoError) throw FileException(fileName, QStringLiteral("Can't read the file"));
     CheckBeginning(header);
@@ -110,10 +114,16 @@ void WriteDocumentFile(const QString& fileName, const QByteArray& body)
 {
     QSaveFile file(fileName);
     // QSaveFile doesn't notice where what its buffer still holds finds no room on the disk.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) throw CannotOpen(fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        throw CannotOpen(fileName, file);
+    const auto refuse = [&](const QString& reason) {
+        return FileException(fileName, QStringLiteral("Can't write the data: ") + reason);
+    };
     const QByteArray header = HeaderOf(body);
     const bool isWritten = file.write(header) == header.size() && file.write(body) == body.size();
-    if (!isWritten || !file.commit()) throw FileException(fileName, QStringLiteral("Can't write the data"));
+    // The toolkit has no words for a file that is cut short; the system has.
+    if (!isWritten) throw refuse(QString::fromLocal8Bit(std::strerror(errno)));
+    if (!file.commit()) throw refuse(file.errorString());
 }
 
 } // namespace Host

@@ -179,13 +179,16 @@ private:
         if (m_images[nImage]) return m_images[nImage];
         const QByteArray& png = m_document.images[nImage];
         const QByteArray hash = QCryptographicHash::hash(png, QCryptographicHash::Sha256).toHex();
+        QString failure;
         try {
             const QString name = QStringLiteral("embedded-%1.png").arg(QLatin1String(hash));
-            m_images[nImage] = m_loaded->Add(m_pImages->DecodeImage(png, name));
+            if (IImage* const pImage = m_pImages->DecodeImage(png, name)) m_images[nImage] = m_loaded->Add(pImage);
         } catch (const Exception& exception) {
-            m_warnings += QStringLiteral("%1: an image that is in the document can't be read. %2")
-                              .arg(user, exception.GetErrorText());
+            failure = exception.GetErrorText();
         }
+        if (!m_images[nImage])
+            m_warnings +=
+                QStringLiteral("%1: an image that is in the document can't be read. %2").arg(user, failure).trimmed();
         return m_images[nImage];
     }
 

@@ -1,6 +1,7 @@
 #include "lumenta/foundation/CameraMatrices.h"
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IMaterial.h"
+#include "lumenta/interfaces/IMesh.h"
 #include "lumenta/interfaces/ISnapshotManager.h"
 #include "lumenta/scene/BoundingBoxes.h"
 #include "lumenta/platform/IMeshNodeBuilder.h"
@@ -14,6 +15,9 @@
 #include "reference/host/document/Scene.h"
 #include "reference/host/document/SceneMaterial.h"
 
+#include "tests/faults/Allocations.h"
+#include "tests/foundation/Exact.h"
+
 #include <QtTest>
 
 #include <cmath>
@@ -24,7 +28,8 @@ using namespace Host;
 
 /// a { b { e } c } d m(esh), all groups but the mesh; and what the scene tells.
 struct World {
-    Scene scene;
+    std::unique_ptr<Scene> pScene = std::make_unique<Scene>();
+    Scene& scene = *pScene;
     INode* root = scene.GetRoot();
     INode* a = root->CreateGroup("a");
     INode* b = a->CreateGroup("b");
@@ -36,6 +41,7 @@ struct World {
     IMaterial* worn = nullptr;
     QStringList told;
     std::unique_ptr<IImage> image; // whose end is told
+    Model model;                   // which can be added once
 
     World()
     {
@@ -108,6 +114,107 @@ Boxes BoxesUnder(const INode* pGroup)
     for (INode* pNode : pGroup->GetChildren()) qobject_cast<IMeshNode*>(pNode)->FillBBox(boxes[pNode->GetName()]);
     return boxes;
 }
+
+/// Two triangles, of a material with an image and of none, that two animations raise.
+Model SmallModel()
+{
+    Model model;
+    model.fileName = "small.x";
+    model.embeddedImages["stripes"] = QImage(2, 2, QImage::Format_RGB32);
+    model.scene = std::make_unique<SkinAnimation::Scene>();
+    auto* const pNode = model.scene->root = new SkinAnimation::Node("bone", Matrix(), Matrix(), nullptr);
+    model.scene->nodes = {pNode};
+    pNode->geometries.reserve(2), model.scene->animations.reserve(2); // so that nothing that is new gets lost
+    for (const char* name : {"wool", ""}) {
+        pNode->geometries.push_back(new SkinAnimation::Geometry(name, false));
+        SkinAnimation::Geometry& geometry = *pNode->geometries.back();
+        geometry.materialName = name;
+        if (*name) geometry.materialParameters["texture"] = "stripes";
+        geometry.indices = {0, 1, 2};
+        for (const TVec3<float>& position : {TVec3<float>{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}) {
+            geometry.vertices.emplace_back();
+            geometry.vertices.back().position = position;
+            geometry.vertices.back().normal = {0, 0, 1}, geometry.vertices.back().texCoord = {0, 0};
+        }
+        model.scene->animations.push_back(new SkinAnimation::Animation);
+        model.scene->animations.back()->layers = {{"", 500, {{pNode, {{0, {0, 1, 0}, {0, 0, 0, 1}, {1, 1, 1}}}}}}};
+    }
+    return model;
+}
+
+/// Two meshes of one name.
+struct Maker final : IGenerator {
+    void Generate(IMeshNodeBuilder& builder) override
+    {
+        std::vector<MeshVertex> vertices(3);
+        std::vector<unsigned int> indices{0, 1, 2};
+        for (const char* material : {"glass", "clay"}) builder.AddMeshNode("x", vertices, indices, material, {});
+    }
+    QVariant GetValue(const QString&) const override { return {}; }
+    void SetValue(const QString&, const QVariant&) override {}
+};
+
+/// All that can be asked for, but for the numbers of nodes.
+QString StateOf(const World& world)
+{
+    QStringList texts{TextOf(world.root), QString::number(double(world.scene.GetAnimationTime())),
+                      QString::number(world.scene.GetCurrentAnimation()), QString::number(world.scene.IsModified()),
+                      QString::number(world.scene.GetBackgroundImage() != nullptr)};
+    for (INode* pNode : CollectAllChildren({world.root})) {
+        texts += Floats(pNode->GetMatrix()) + (pNode->IsVisible() ? " shown" : " hidden");
+        const auto* const pMeshNode = qobject_cast<IMeshNode*>(pNode);
+        for (std::size_t i = 0; pMeshNode && i < pMeshNode->GetMeshes().size(); ++i)
+            texts += pMeshNode->GetMaterial(i)->GetName() + ' ' + Floats(pMeshNode->GetMeshes()[i]->GetBBox());
+    }
+    for (const IMaterial* pMaterial : world.scene.GetMaterials()) {
+        texts += pMaterial->GetName() + QStringList(pMaterial->GetParameters().keys()).join(' ');
+        for (int i = 0; i < eMaterialSlotCount; ++i)
+            texts += QString::number(pMaterial->GetImage(static_cast<eMaterialSlot>(i)) != nullptr);
+    }
+    for (const INode* pNode : world.scene.GetSelection()) texts += pNode->GetName();
+    for (const sAnimationInfo& info : world.scene.GetAnimations()) texts += info.strName + info.strModel;
+    for (const ISnapshot* pSnapshot : world.scene.GetSnapshotManager()->GetSnapshots()) texts += pSnapshot->GetName();
+    return texts.join(' ');
+}
+
+/// One operation each.
+const std::pair<const char*, Deed> kDeeds[] = {
+    {"move", [](World& w) { w.scene.MoveNodes({w.b, w.m}, w.d, 0); }},
+    {"duplicate", [](World& w) { w.scene.DuplicateNodes({w.b, w.m}); }},
+    {"group", [](World& w) { w.scene.GroupNodes({w.e, w.m, w.d}, "g"); }},
+    {"ungroup", [](World& w) { w.scene.UngroupNodes({w.a, w.b}); }},
+    {"hide", [](World& w) { w.m->SetVisible(false); }},
+    {"transform", [](World& w) { w.scene.TransformNodes({w.b, w.m}, World::Moved(1)); }},
+    {"assign a material", [](World& w) { w.scene.AssignMaterial({w.a, w.m}, w.material); }},
+    {"change a material", [](World& w) { w.material->SetOpacity(0.5f); }},
+    {"put in an image", [](World& w) { w.material->SetImage(eMaterialSlotBump, w.image.get()); }},
+    {"remove a material", [](World& w) { w.scene.RemoveMaterial(w.worn); }},
+    {"dress a mesh", [](World& w) { qobject_cast<IMeshNode*>(w.m)->SetMaterial(0, w.material); }},
+    {"move a snapshot", [](World& w) { w.scene.GetSnapshotManager()->Move(w.scene.GetSnapshotManager()->Take("s"), 0); }},
+    {"select", [](World& w) { w.scene.SetSelection({w.e}); }},
+    {"add a group", [](World& w) { w.b->CreateGroup("g"); }},
+    {"remove", [](World& w) { w.scene.RemoveNodes({w.b, w.m}); }},
+    {"select one more", [](World& w) { w.scene.SetSelected(w.e, true); }},
+    {"put in a background", [](World& w) { w.scene.SetBackgroundImage(w.image.get()); }},
+    {"make meshes", [](World& w) { w.b->CreateMesh("made", ":made"); }},
+    {"add a model", [](World& w) { w.scene.AddModel(std::move(w.model), w.d); }},
+    {"read a model", [](World& w) { w.b->CreateMesh("small", "a file"); }},
+    {"pose", [](World& w) { w.scene.SetAnimation(1, 400); }},
+    {"restore", [](World& w) { w.scene.GetSnapshotManager()->Restore(w.scene.GetSnapshotManager()->GetSnapshots().front()); }},
+    {"remove a snapshot", [](World& w) { w.scene.GetSnapshotManager()->Remove(w.scene.GetSnapshotManager()->GetSnapshots().front()); }},
+    {"clear", [](World& w) { w.scene.Clear(); }},
+    {"a batch", [](World& w) { // a removal and a model in one batch, which ends in any case
+        w.scene.BeginUpdate({"batch", {}, {w.a, w.c}, {}, {}});
+        const std::shared_ptr<void> end(nullptr, [&w](void*) { w.scene.EndUpdate(); });
+        const std::unique_ptr<IMeshNodeBuilder> builder(w.scene.CreateMeshBuilder(w.d));
+        std::vector<MeshVertex> vertices(3);
+        std::vector<unsigned int> indices{0, 1, 2};
+        w.scene.RemoveNodes({w.a});
+        builder->BeginModel("model", 1);
+        for (const char* name : {"glass", "clay"}) builder->AddMeshNode(name, vertices, indices, name, {});
+        builder->EndModel();
+    }}};
+constexpr int kFirstOfModels = 18, kFirstInParts = 20; // which may be done in part
 
 /// What must hold whatever slots have done in between.
 void CheckSound(World& world)
@@ -230,7 +337,7 @@ private Q_SLOTS:
         QVERIFY(!pRemoved);
     }
 
-    // Each slot meddles once, in every signal that it can.
+    // Each slot meddles once, in every signal that it can; some end the scene, or throw.
     void slotsMayMeddle()
     {
         const Deed meddles[] = {
@@ -242,22 +349,13 @@ private Q_SLOTS:
             [](World& w) { qobject_cast<IMeshNode*>(w.m)->SetMaterial(0, w.worn); },
             [](World& w) { QVERIFY_EXCEPTION_THROWN(w.material->EndUpdate(), LogicException); },
             [](World& w) { w.image.reset(); },
-            [](World& w) { w.scene.Clear(); }};
-        const Deed deeds[] = {
-            [](World& w) { w.scene.MoveNodes({w.b, w.m}, w.d, 0); },
-            [](World& w) { w.scene.DuplicateNodes({w.b, w.m}); },
-            [](World& w) { w.scene.GroupNodes({w.e, w.m, w.d}, "g"); },
-            [](World& w) { w.scene.UngroupNodes({w.a, w.b}); },
-            [](World& w) { w.m->SetVisible(false); },
-            [](World& w) { w.scene.TransformNodes({w.b, w.m}, World::Moved(1)); },
-            [](World& w) { w.scene.AssignMaterial({w.a, w.m}, w.material); },
-            [](World& w) { w.material->SetOpacity(0.5f); },
-            [](World& w) { w.material->SetImage(eMaterialSlotBump, w.image.get()); },
-            [](World& w) { w.scene.RemoveMaterial(w.worn); },
-            [](World& w) { qobject_cast<IMeshNode*>(w.m)->SetMaterial(0, w.material); },
-            [](World& w) { w.scene.GetSnapshotManager()->Move(w.scene.GetSnapshotManager()->Take("s"), 0); },
-            [](World& w) { w.scene.SetSelection({w.e}); }};
-        for (int nCase = 0; nCase < 9 * 13 * 7; ++nCase) {
+            [](World& w) { w.scene.Clear(); },
+            [](World& w) { w.pScene.reset(); },
+            [](World&) { QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^A receiver of '.*' threw: in anger$"));
+                throw LogicException("in anger"); },
+            [](World&) { QTest::ignoreMessage(QtWarningMsg, QRegularExpression("threw: something of an unknown class$"));
+                throw 5; }};
+        for (int nCase = 0; nCase < int(std::size(meddles)) * 13 * 7; ++nCase) {
             Image old(QImage(1, 1, QImage::Format_RGB32));
             World w;
             w.image = std::make_unique<Image>(old.ToQImage());
@@ -275,10 +373,73 @@ private Q_SLOTS:
             if (nCase % 7 == 4) connect(&w.scene, &IScene::afterSceneUpdate, this, once);
             if (nCase % 7 == 5) connect(w.material, &IMaterial::imageUnload, this, once);
             if (nCase % 7 == 6) connect(&snapshots, &ISnapshotManager::removeSnapshot, this, once);
-            deeds[nCase / 7 % 13](w);
+            try {
+                kDeeds[nCase / 7 % 13].second(w);
+            } catch (const LogicException& thrown) {
+                QCOMPARE(thrown.GetErrorText(), QString("A receiver of 'beforeSceneUpdate' has deleted the scene"));
+                QVERIFY(nCase % 7 == 0 && !w.pScene);
+            }
+            if (!w.pScene) continue;
             CheckSound(w);
             if (nCase % 2) QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         }
+    }
+
+    // Each allocation of each operation fails once.
+    void operationsNeedMemory_data()
+    {
+        QTest::addColumn<int>("deed");
+        for (int i = 0; i < int(std::size(kDeeds)); ++i) QTest::newRow(kDeeds[i].first) << i;
+    }
+    void operationsNeedMemory()
+    {
+        QFETCH(int, deed);
+        const auto prepare = [deed] {
+            auto w = std::make_unique<World>();
+            w->image = std::make_unique<Image>(QImage(1, 1, QImage::Format_RGB32));
+            w->scene.AssignMaterial({w->m}, w->worn = w->scene.CreateMaterial("worn"));
+            w->scene.SetSelection({w->m, w->b});
+            w->scene.SetModelReader([](const QString&) { return SmallModel(); });
+            w->scene.SetMeshMaker([](const QString& source) { return source == ":made" ? std::make_unique<Maker>() : nullptr; });
+            if (deed >= kFirstOfModels) w->model = SmallModel();
+            if (deed >= kFirstInParts) w->scene.AddModel(std::move(w->model), w->d);
+            if (deed >= kFirstInParts) w->scene.GetSnapshotManager()->Take("first");
+            if (deed > kFirstInParts) w->scene.SetAnimation(0, 200), w->b->SetMatrix(World::Moved(1));
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            w->told.clear();
+            return w;
+        };
+        std::unique_ptr<World> world = prepare();
+        const QString before = StateOf(*world);
+        kDeeds[deed].second(*world);
+        CheckSound(*world);
+        const QString done = StateOf(*world);
+        QVERIFY(done != before);
+        world.reset();
+        const long live = Allocations::Live();
+        const long failed = Allocations::FailEach([&] { world = prepare(); }, [&] { kDeeds[deed].second(*world); }, [&](bool isThrown) {
+            CheckSound(*world);
+            if (isThrown && deed < kFirstInParts) QCOMPARE(StateOf(*world), before);
+            if (isThrown && deed == kFirstOfModels) world->model = SmallModel();
+            if (isThrown) kDeeds[deed].second(*world);
+            CheckSound(*world);
+            QCOMPARE(StateOf(*world), done);
+            world.reset();
+            QCOMPARE(Allocations::Live(), live);
+        });
+        qInfo("%ld allocations have failed", failed);
+    }
+
+    void theFigureNeedsMemory()
+    {
+        MakeSampleFigure();
+        const long live = Allocations::Live();
+        const long failed = Allocations::FailEach([] {}, MakeSampleFigure, [&](bool isThrown) {
+            QVERIFY(isThrown);
+            QCOMPARE(Allocations::Live(), live);
+        });
+        QVERIFY(failed > 100);
+        qInfo("%ld allocations have failed", failed);
     }
 
     void meshesMadeInMemoryComeIn()

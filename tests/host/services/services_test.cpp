@@ -24,6 +24,7 @@ public:
     {
         lines += LevelName(level) + ' ' + text;
         if (text == "leave") log->RemoveWriter(leaver);
+        if (text == "throw") throw 5;
         if (text == "echo") log->Write(eLogInfo, "echo");
     }
 
@@ -83,9 +84,12 @@ private Q_SLOTS:
             log.AddWriter(writer);
         log.Write(eLogWarning, "one");
         log.Write(eLogError, "echo"); // would go on for ever
+        for (int i = 0; i < 2; ++i)
+            QTest::ignoreMessage(QtWarningMsg, "A receiver of 'ILog::Write' threw: something of an unknown class");
+        log.Write(eLogInfo, "throw");
         log.Write(eLogDebug, "leave");
-        QCOMPARE(first.lines, QStringList({"warning one", "error echo", "debug leave"}));
-        QCOMPARE(second.lines, QStringList({"warning one", "error echo"}));
+        QCOMPARE(first.lines, QStringList({"warning one", "error echo", "info throw", "debug leave"}));
+        QCOMPARE(second.lines, QStringList({"warning one", "error echo", "info throw"}));
     }
 
     void LogFileTakesWholeLines()
