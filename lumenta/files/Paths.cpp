@@ -15,7 +15,7 @@ bool IsWindowsStylePath(const QString& path)
     int windowsScore = 0;
     if (path.startsWith(kSlash))
         unixScore += 3;
-    else if (!path.isEmpty())
+    else
         windowsScore += 1;
     if (path.startsWith(QLatin1String("\\\\"))) windowsScore += 2;
     const bool isLong = path.size() > 3;

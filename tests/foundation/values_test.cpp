@@ -86,6 +86,14 @@ private Q_SLOTS:
         Matrix last = kCounted;
         last.m[15] = -1;
         QVERIFY(last != kCounted && kCounted == Matrix(kCounted));
+        QVERIFY((Vec2{1, 2} != Vec2{0, 2}) && (Vec2{1, 2} != Vec2{1, 0}));
+        const ColorF color{1, 2, 3, 4};
+        QVERIFY(color == ColorF(color));
+        for (float ColorF::*const component : {&ColorF::r, &ColorF::g, &ColorF::b, &ColorF::a}) {
+            ColorF other = color;
+            other.*component = 5;
+            QVERIFY(other != color);
+        }
     }
 
     void VectorsBoxesAndColors_data()
@@ -149,6 +157,7 @@ private Q_SLOTS:
         Row("rectangle: one decimal stays, more turn round", RectText({12.5, 3, 0.10203, 0.25}), "12.5 3 0.30201 0.52");
         Row("rectangle: the sixth decimal is lost, zeros go", RectText({1.123456, -2.000009, 1e15, 0.00001}),
             "1.54321 -2 1000000000000000 0.10000");
+        Row("rectangle: what has no decimals stays", RectText({qInf(), 10, 100, -qInf()}), "inf 10 100 -inf");
 
         const auto read = [](const char* name, const QVariant& value, const char* expected = "-1 -2 -3 -4") {
             Row(name, RectText(QVariantToQRectF(value, QRectF(-1, -2, -3, -4))), expected);

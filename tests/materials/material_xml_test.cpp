@@ -90,6 +90,7 @@ private Q_SLOTS:
         const QString refused = "unnamed / " + kUnreadable; // what would exhaust stack, memory or patience
         row("1,000 levels", Repeat(998, "<x>") + Material(one) + Repeat(998, "</x>"), "oak a=1");
         row("1,001 levels", Repeat(999, "<x>") + Material(one) + Repeat(999, "</x>"), refused);
+        row("1,000 elements side by side", Material(Repeat(500, Parameter("2") + one)), "oak a=1");
         row("1,000,000 levels", Repeat(1000000, "<x>"), refused);
         row("levels declared", Declared("<!ENTITY e '" + Repeat(300, "<x>") + "'>", "", Repeat(9, "&e;")), refused);
         row("brackets", Declared("<!ELEMENT x " + Repeat(480, "(") + "y" + Repeat(480, ")") + ">", ""), "oak a=");

@@ -80,6 +80,7 @@ private Q_SLOTS:
         Row("window: too wide, then too high", window({2001, 2000}, 100), "700 x 800");
         Row("window: the least wins over the most", window({640, 480}, 0, {100, 100}), "320 x 240");
         Row("window: no height", window({2000, 0}, 50), "1000 x 240");
+        Row("window: no width, and none to be had", window({0, 500}, 0, {0, 800}), "320 x 500");
         Row("window: the rest of the window is out of bounds", window({640, 480}, kMost, {1000, -10}), "320 x 240");
         Row("window: no image, and no room for it", window({0, 0}, 900), "320 x 800");
 

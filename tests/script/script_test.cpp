@@ -21,12 +21,14 @@ constexpr auto Bool = parseScriptValueToBool;
 QString label = "opacity";
 
 /// What a script gets that hands `argument` over to a native function: "true", or
-/// what it catches; and what then is in the function's variable, `result` before.
+/// what it catches, which the function must be told alike; and what then is in the
+/// function's variable, `result` before.
 template <typename Parse, typename Result, typename... Bounds>
 QString Called(Parse parse, const char* argument, Result result, Bounds... bounds)
 {
     static std::function<bool(const QScriptValue&, QScriptEngine*)> taker;
-    taker = [&](const auto& value, auto* engine) { return parse(value, label, engine, bounds..., result); };
+    bool isTaken = false;
+    taker = [&](const auto& value, auto* engine) { return isTaken = parse(value, label, engine, bounds..., result); };
     QScriptEngine engine;
     const auto take = [](QScriptContext* context, QScriptEngine* caller) {
         return taker(context->argument(0), caller) ? QScriptValue("taken") : QScriptValue();
@@ -34,7 +36,8 @@ QString Called(Parse parse, const char* argument, Result result, Bounds... bound
     engine.globalObject().setProperty("take", engine.newFunction(take));
     const QString program = "try { take(%1) } catch (e) { e.constructor === Error ? e.message : 'no Error' }";
     const QString answer = engine.evaluate(program.arg(argument)).toString();
-    return (engine.hasUncaughtException() ? "uncaught " : "") + answer + "; " + QVariant(result).toString();
+    const QString also = isTaken == (answer == "taken") ? "" : "told otherwise to the function, ";
+    return (engine.hasUncaughtException() ? "uncaught " : "") + also + answer + "; " + QVariant(result).toString();
 }
 
 [[noreturn]] void No() { qFatal("a stand-in was asked for what it is not for"); }

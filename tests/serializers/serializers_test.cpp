@@ -104,10 +104,10 @@ private Q_SLOTS:
         QVERIFY(!CreateImageSaverByFilename(&manager, "a.png")); // the later one is not tried
         QCOMPARE(manager.asked.mid(1), QStringList("first png"));
         try {
-            CreateImageSaverByFilename(&manager, "/a.png/b.%2");
+            CreateImageSaverByFilename(&manager, "/a.png/b.%2c");
             QFAIL("nothing was thrown");
         } catch (const ImageFormatException& error) { // in which the suffix is filled in before the name
-            const QString name = "/a.png/b.%2", text = "Can't find saving plugin for extension '%1'\n%2%1";
+            const QString name = "/a.png/b.%2c", text = "Can't find saving plugin for extension '%1c'\n%2%1";
             QCOMPARE(error.GetErrorText(), text.arg(name, "File name to save: "));
         }
     }
