@@ -86,6 +86,7 @@ private Q_SLOTS:
         Matrix last = kCounted;
         last.m[15] = -1;
         QVERIFY(last != kCounted && kCounted == Matrix(kCounted));
+        QVERIFY(Matrix2(1, 2, 3, 4, 5, 6) != Matrix2(1, 2, 3, 4, 5, 0));
         QVERIFY((Vec2{1, 2} != Vec2{0, 2}) && (Vec2{1, 2} != Vec2{1, 0}));
         const ColorF color{1, 2, 3, 4};
         QVERIFY(color == ColorF(color));
