@@ -68,9 +68,6 @@ inline bool IsIntersect(const Ray& ray, const TBBox<float>& box)
 
 } // namespace Plain
 
-// The plain way to walk a tree.
-// NOLINTBEGIN(misc-no-recursion)
-
 void Append(INode* node, std::vector<INode*>& list)
 {
     if (std::find(list.begin(), list.end(), node) == list.end())
@@ -165,8 +162,6 @@ void UpdateBBoxRecursive(TBBox<float>& box, const INode* node, const Matrix& par
     for (const INode* const child : node->GetChildren())
         Naive::UpdateBBoxRecursive(box, child, global);
 }
-
-// NOLINTEND(misc-no-recursion)
 
 float Trace(const Ray& ray, const IMesh& mesh)
 {

@@ -17,7 +17,7 @@ struct Probe : Class {
     virtual void Last() = 0;
 
 protected:
-    ~Probe() = default;
+    ~Probe() = default; // NOLINT(modernize-use-override): not all have a virtual one
 };
 
 /// The place in the table of virtual operations to which a pointer to one of

@@ -336,7 +336,7 @@ private Q_SLOTS:
 
     void AmongEmptyPlugins()
     {
-        for (const QString plugin : {"null", "thrown", "hollow"}) {
+        for (const QString& plugin : {QString("null"), QString("thrown"), QString("hollow")}) {
             const QTemporaryDir folder;
             Application application({EMPTY_PLUGINS + ('/' + plugin), LUMENTA_PLUGINS}, folder.filePath("settings.ini"));
             DeskWindow window(application);
