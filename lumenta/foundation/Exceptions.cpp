@@ -60,11 +60,18 @@ ObjectLoadingException::ObjectLoadingException(const QString& objectName, const 
 {
 }
 
+namespace {
+
+QString InvalidParameterText(const QString& method, const QString& parameter, const QString& details)
+{
+    const QString text = QStringLiteral("Invalid parameter '%1' passed to method '%2':\n%3");
+    return text.arg(parameter).arg(method).arg(details); // clazy:exclude=qstring-arg
+}
+
+} // namespace
+
 InvalidParameterException::InvalidParameterException(const QString& method, const QString& parameter,
                                                      const QString& details)
-    : Exception(QStringLiteral("Invalid parameter '%1' passed to method '%2':\n%3")
-                    .arg(parameter) // clazy:exclude=qstring-arg
-                    .arg(method)
-                    .arg(details))
+    : Exception(InvalidParameterText(method, parameter, details))
 {
 }

@@ -51,7 +51,8 @@ std::optional<Writer> WriterFor(const QString& fileName)
 QStringList WrittenSuffixes()
 {
     QStringList suffixes;
-    for (const SerializerInfo& info : TheApplication().GetSerializers()->GetSavers())
+    const QList<SerializerInfo> savers = TheApplication().GetSerializers()->GetSavers();
+    for (const SerializerInfo& info : savers)
         suffixes += QLatin1Char('.') + info.extension;
     for (const ModelExporter& exporter : AllExporters())
         for (const sModelExportFormat& format : exporter->GetFormats())
@@ -65,8 +66,9 @@ QStringList WrittenSuffixes()
 /// none of them.
 QStringList Endangered(const QString& fileName, const QString& source)
 {
+    const QFileInfoList beside = FilesBeside(TargetPath(fileName));
     QStringList endangered;
-    for (const QFileInfo& file : FilesBeside(TargetPath(fileName)))
+    for (const QFileInfo& file : beside)
         if (file != QFileInfo(source)) endangered += file.filePath();
     return endangered;
 }
@@ -97,7 +99,8 @@ void ProtectInputs(const Writer& writer, const IScene& scene, const QString& sou
     QStringList kept;
     for (const QString& input : inputs)
         kept += QFileInfo(input).canonicalFilePath();
-    for (const QString& file : Endangered(target, source))
+    const QStringList endangered = Endangered(target, source);
+    for (const QString& file : endangered)
         if (kept.contains(QFileInfo(file).canonicalFilePath()))
             throw Failure{target, QStringLiteral("files beside it might replace %1, which is read; another name helps")
                                       .arg(Quoted(QFileInfo(file).fileName()))};

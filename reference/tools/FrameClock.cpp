@@ -21,7 +21,7 @@ QString FrameClock::Text(int nPercent) const
     // For the first frame there would be a mere guess.
     if (nPercent < 1 && m_nFrame <= 1) return frame;
     const auto spent = static_cast<unsigned long long>(m_frame.elapsed());
-    const unsigned long long left = GetRenderingTimes(m_finished, spent, m_nFrames, m_nFrame, nPercent)[3];
+    const unsigned long long left = GetRenderingTimes(m_finished, spent, m_nFrames, m_nFrame, nPercent).at(3);
     return QStringLiteral("%1, %2 left").arg(frame, DurationText(left));
 }
 

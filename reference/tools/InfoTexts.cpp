@@ -69,7 +69,8 @@ QString MaterialsText(const QJsonArray& materials)
         const QJsonObject parameters = material[QStringLiteral("parameters")].toObject();
         const QStringList keys = parameters.keys();
         for (const QString& key : keys)
-            text += QStringLiteral("    %1: %2\n").arg(Printable(key), Printable(Cells(parameters, {key}).first()));
+            text +=
+                QStringLiteral("    %1: %2\n").arg(Printable(key), Printable(Cells(parameters, {key}).constFirst()));
     }
     return text;
 }

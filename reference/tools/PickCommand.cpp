@@ -76,7 +76,8 @@ Request ReadRequest(const Arguments& arguments, const IScene* pDocument)
     const QStringList words = arguments.Words(QStringLiteral("MODEL"));
     request.source = words.first();
     request.view = ReadRenderOptions(arguments, QStringLiteral("pick"), pDocument);
-    for (const QString& word : words.mid(1))
+    const QStringList pixels = words.mid(1);
+    for (const QString& word : pixels)
         request.pixels.push_back(ReadPixel(arguments, word, request.view.take.size));
     const auto file = [&arguments](const QString& option) {
         return arguments.Has(option) ? arguments.RequiredText(option) : QString();
@@ -258,7 +259,7 @@ void PickInDocument(const Arguments& arguments, const QString& source)
 
 void Run(const Arguments& arguments)
 {
-    const QString source = arguments.Words(QStringLiteral("MODEL")).first();
+    const QString source = arguments.Words(QStringLiteral("MODEL")).constFirst();
     if (IsDocument(source)) return PickInDocument(arguments, source);
     Request request = ReadRequest(arguments, nullptr);
     ProgressBar bar;

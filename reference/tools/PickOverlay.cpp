@@ -87,6 +87,7 @@ void DrawLabels(QPainter& painter, const QRect& picture, const NodeColours& colo
     const QFontMetrics metrics(font);
     painter.setFont(font);
     std::vector<QRect> taken;
+    taken.reserve(2 * marks.size()); // of each a cross and a label
     for (const PixelMark& mark : marks)
         taken.emplace_back(mark.pixel - QPoint(6, 6), mark.pixel + QPoint(6, 6));
     for (const PixelMark& mark : marks) {

@@ -33,11 +33,13 @@ PictureMaker::PictureMaker(const RenderOptions& options, const QString& source, 
 
 QImage PictureMaker::Draw(const IScene& scene, const Progress& progress)
 {
-    const QObject listener;
     std::optional<eRenderExitCode> code;
     QStringList lines;
-    QObject::connect(m_renderer.get(), &IRender::done, &listener, [&](eRenderExitCode exitCode) { code = exitCode; });
-    QObject::connect(m_renderer.get(), &IRender::log, &listener, [&](const QString& line) { lines += line; });
+    const QObject listener; // ends before what it writes to, so these may:
+    QObject::connect(m_renderer.get(), &IRender::done, &listener,
+                     [&](eRenderExitCode exitCode) { code = exitCode; }); // clazy:exclude=lambda-in-connect
+    QObject::connect(m_renderer.get(), &IRender::log, &listener,
+                     [&](const QString& line) { lines += line; }); // clazy:exclude=lambda-in-connect
     if (progress) QObject::connect(m_renderer.get(), &IRender::progress, &listener, progress);
     const Timed timed(m_pStopwatch, eStagePreparing);
     if (m_pStopwatch)
@@ -49,7 +51,7 @@ QImage PictureMaker::Draw(const IScene& scene, const Progress& progress)
     if (!code) Wait();
     if (code == eRenderExitFailed)
         throw Failure{m_fileName, lines.isEmpty() ? QStringLiteral("the renderer failed") : lines.last()};
-    for (const QString& line : lines) {
+    for (const QString& line : qAsConst(lines)) {
         if (m_said.contains(line)) continue;
         m_said += line;
         m_bar.Clear();

@@ -113,7 +113,8 @@ void CheckFiles(const Arguments& arguments, const QString& verb, const RenderOpt
                              .arg(take.nFrames)
                              .arg(take.size.width())
                              .arg(take.size.height()));
-    for (const QString& fileName : OutputFiles(options))
+    const QStringList fileNames = OutputFiles(options);
+    for (const QString& fileName : fileNames)
         CheckImageFile(verb, fileName);
 }
 

@@ -84,7 +84,8 @@ void CheckSaved(const QString& fileName)
 void SaveDocument(Document& document, const QString& fileName)
 {
     try {
-        for (const QString& warning : document.Save(fileName))
+        const QStringList warnings = document.Save(fileName);
+        for (const QString& warning : warnings)
             PrintWarning(fileName, warning);
     } catch (const Exception& exception) {
         throw FailureOf(exception, fileName);

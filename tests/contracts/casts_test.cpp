@@ -68,7 +68,8 @@ private Q_SLOTS:
         const auto object = Make("settings");
         auto* const settings = qobject_cast<ISettings*>(object.get());
         QVERIFY(settings);
-        QSignalSpy byText(settings, SIGNAL(onValueChanged(QString, QVariant)));
+        const char* const text = SIGNAL(onValueChanged(QString, QVariant));
+        QSignalSpy byText(settings, text);
         QSignalSpy byAddress(settings, &ISettings::onValueChanged); // that is one address in all libraries
         settings->SetValue("embree/samples", 16);
         const QList<QVariantList> expected{{"embree/samples", 16}};

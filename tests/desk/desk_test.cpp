@@ -39,9 +39,13 @@ void Confirm(QMessageBox& box) { box.accept(); }
 
 void Choose(const QMainWindow& window, const QString& menu, const QString& title)
 {
-    for (QAction* const top : window.menuBar()->actions()) Q_EMIT top->menu()->aboutToShow();
-    for (QMenu* const each : window.findChildren<QMenu*>())
-        for (QAction* const action : each->actions()) if (each->title() == menu && action->text() == title) return action->trigger();
+    const QList<QAction*> tops = window.menuBar()->actions();
+    for (QAction* const top : tops) Q_EMIT top->menu()->aboutToShow();
+    const QList<QMenu*> menus = window.findChildren<QMenu*>();
+    for (QMenu* const each : menus) {
+        const QList<QAction*> actions = each->actions();
+        for (QAction* const action : actions) if (each->title() == menu && action->text() == title) return action->trigger();
+    }
     qFatal("there is no '%s' in '%s'", qPrintable(title), qPrintable(menu));
 }
 
@@ -106,7 +110,7 @@ QString Chosen(int kind, const QString& start, const QString& typed, QMessageBox
         read = '|' + shown.findChild<QLabel*>("explanation")->text() + '|' + shown.nameFilters().join('|');
         if (!typed.isEmpty()) shown.findChild<QLineEdit*>("fileNameEdit")->setText(typed);
         if (confirmed) OnNext<QMessageBox>([=](QMessageBox& box) { box.button(confirmed)->click(); });
-        if (typed != "!") QMetaObject::invokeMethod(&shown, "accept");
+        if (typed != "!") static_cast<QDialog&>(shown).accept();
         if (shown.isVisible()) shown.reject();
     });
     return dialog->Show("Title", "Why", desk.Path(start)).mid(desk.folder.path().size()) + read;
@@ -308,7 +312,7 @@ private Q_SLOTS:
     {
         Desk desk;
         DeskWindow window(desk.application);
-        const auto file = [&](const QString& name, auto then) { OnNext<QFileDialog>([=, &desk](QFileDialog& box) { box.findChild<QLineEdit*>("fileNameEdit")->setText(desk.Path(name)), QMetaObject::invokeMethod(&box, "accept"), then(); }); };
+        const auto file = [&](const QString& name, auto then) { OnNext<QFileDialog>([=, &desk](QFileDialog& box) { box.findChild<QLineEdit*>("fileNameEdit")->setText(desk.Path(name)), static_cast<QDialog&>(box).accept(), then(); }); };
         Host::Scene& scene = *window.GetDocument().GetScene();
         window.Open(":figure"), window.centralWidget()->resize(300, 300);
         QImage(3, 2, QImage::Format_RGB32).save(desk.Path("bark.png")), Drop(*window.centralWidget(), FileData(desk.Path("bark.png")));
@@ -332,13 +336,13 @@ private Q_SLOTS:
 
     void AmongEmptyPlugins()
     {
-        for (const QString plugin : {"null", "thrown", "hollow"}) {
+        for (const QString& plugin : {QString("null"), QString("thrown"), QString("hollow")}) {
             const QTemporaryDir folder;
             Application application({EMPTY_PLUGINS + ('/' + plugin), LUMENTA_PLUGINS}, folder.filePath("settings.ini"));
             DeskWindow window(application);
             window.Open(":figure"), window.Open(kCube);
             QCOMPARE(window.GetDocument().GetScene()->GetRoot()->GetChildren().size(), std::size_t(1));
-            OnNext<QFileDialog>([&](QFileDialog& box) { box.findChild<QLineEdit*>("fileNameEdit")->setText(folder.filePath("out.obj")), QMetaObject::invokeMethod(&box, "accept"); });
+            OnNext<QFileDialog>([&](QFileDialog& box) { box.findChild<QLineEdit*>("fileNameEdit")->setText(folder.filePath("out.obj")), static_cast<QDialog&>(box).accept(); });
             Choose(window, "&File", "&Export...");
             QVERIFY(QFile::exists(folder.filePath("out.obj")));
         }

@@ -27,7 +27,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("warnings"); // of what the services that are not made are for
         QTest::addColumn<QString>("failure");
         const QStringList opening{"IImageManager", "IModelLoader"}, all = opening + QStringList("IExporter");
-        for (const QString plugin : {"null", "thrown"}) {
+        for (const QString& plugin : {QString("null"), QString("thrown")}) {
             const auto row = [&](const QString& words, const QStringList& warnings, const QString& failure = {}) {
                 QTest::newRow(qPrintable(plugin + ": " + words)) << plugin << words << warnings << failure;
             };

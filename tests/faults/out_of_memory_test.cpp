@@ -150,7 +150,7 @@ private Q_SLOTS:
         row("a loader",
             [](World& w) { w.text = CreateSceneLoader(&w.registry, "a.scene")->metaObject()->className(); });
         row("a saver", [](World& w) { w.text = CreateSceneSaver(&w.registry, "a.scene")->metaObject()->className(); });
-        row("what is dragged", [](World& w) { w.text = w.dragged.urls().first().toString(); });
+        row("what is dragged", [](World& w) { w.text = w.dragged.urls().constFirst().toString(); });
         row("arguments of a signal", [](World& w) {
             RegisterSignalArgumentTypes();
             const std::vector<const INode*> all(w.list.begin(), w.list.end());

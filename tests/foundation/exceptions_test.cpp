@@ -36,8 +36,8 @@ const std::map<QByteArray, bool (*)(Thrower, const char*)> kHandlers = {
     {"InvalidParameterException", &Catches<InvalidParameterException>},
 };
 
-static_assert(!std::has_virtual_destructor<Exception>::value && !std::has_virtual_destructor<FileException>::value,
-              "the virtual table begins with GetErrorText");
+static_assert(!std::has_virtual_destructor<Exception>::value, "the virtual table begins with GetErrorText");
+static_assert(!std::has_virtual_destructor<FileException>::value, "the virtual table begins with GetErrorText");
 static_assert(!std::is_base_of<std::exception, Exception>::value);
 static_assert(sizeof(FileException) == sizeof(Exception) + sizeof(QString)
                   && sizeof(Exception) == sizeof(void*) + sizeof(QString),

@@ -92,7 +92,7 @@ private Q_SLOTS:
     /// The exception passes through the toolkit; later the path is offered without a file.
     void AMaterialThatCannotBeWritten()
     {
-        for (const QString name : {"a/b", "oak"}) {
+        for (const QString& name : {QString("a/b"), QString("oak")}) {
             const QString path = m_folder.filePath("lumenta/" + name + ".mtl");
             const MaterialMimeData material(m_oak, name);
             try {

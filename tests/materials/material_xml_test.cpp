@@ -11,9 +11,9 @@ using Parameters = QMap<QString, QVariant>;
 
 namespace {
 
-const QString kUnreadable = "Can't parse XML material description", kVersion = "Unsupported or missing version";
-const QString kEmpty = "Material tag not contain any child tags", kDouble = "Material tag contain double child tags";
-const QString kLacks = "Invalid material format: 'parameter' node doesn't have necessary attributes";
+const QString kUnreadable = QStringLiteral("Can't parse XML material description"), kVersion = QStringLiteral("Unsupported or missing version");
+const QString kEmpty = QStringLiteral("Material tag not contain any child tags"), kDouble = QStringLiteral("Material tag contain double child tags");
+const QString kLacks = QStringLiteral("Invalid material format: 'parameter' node doesn't have necessary attributes");
 
 /// What has been read, and the message if it was not all.
 QString Read(const QByteArray& xml, Parameters parameters = {})
@@ -183,7 +183,8 @@ private Q_SLOTS:
     void TheDocumentAsWritten()
     {
         QString xml = MaterialToXml("oak", {{"a", 2}, {"Z", 1}});
-        xml.replace(QRegularExpression(R"((\w+="[^"]*") (name="[^"]*"))"), R"(\2 \1)"); // either comes first
+        static const QRegularExpression attributes(R"((\w+="[^"]*") (name="[^"]*"))");
+        xml.replace(attributes, R"(\2 \1)"); // either comes first
         QCOMPARE(xml, QString("<?xml version=\"1.0\" ?>\n<material name=\"oak\" version=\"1\">\n"
             " <parameter name=\"Z\" value=\"1\"/>\n <parameter name=\"a\" value=\"2\"/>\n</material>\n"));
     }

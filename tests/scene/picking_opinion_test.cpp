@@ -367,6 +367,7 @@ void PickingOpinionTest::passesOverBadNumbers()
     stage.scene.GetCamera()->Zoom(0.4f);
     const auto pick = [&](int x, int y) { return Answer({x, y}, {300, 300}, stage.scene); };
     std::vector<Answer> good;
+    good.reserve(100);
     for (int i = 0; i < 100; ++i)
         good.push_back(pick(i % 10 * 30, i / 10 * 30));
     QVERIFY(std::count_if(good.begin(), good.end(), [](const Answer& answer) { return answer.node; }) > 20);

@@ -169,6 +169,7 @@ std::vector<INode*> ScriptCall::Nodes(int n, const char* name) const
         toNode(values.back(), i); // the first that is none ends it
     }
     std::vector<INode*> nodes; // once all are there: getters are scripts, and may end one
+    nodes.reserve(values.size());
     for (const QScriptValue& value : values)
         nodes.push_back(toNode(value, nodes.size()));
     return nodes;

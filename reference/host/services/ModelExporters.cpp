@@ -31,8 +31,9 @@ QFileInfoList FilesBeside(const QString& strFileName)
 {
     const QFileInfo target(strFileName);
     const QString base = target.completeBaseName();
+    const QFileInfoList files = target.dir().entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
     QFileInfoList beside;
-    for (const QFileInfo& file : target.dir().entryInfoList(QDir::Files | QDir::Hidden, QDir::Name)) {
+    for (const QFileInfo& file : files) {
         const QString name = file.fileName();
         const bool isAlike =
             name.startsWith(base) && name.size() > base.size() && !name[base.size()].isLetterOrNumber();

@@ -20,7 +20,7 @@ constexpr float kFarAway = std::numeric_limits<float>::infinity();
 constexpr TVec3<float> kWhite{1.0f, 1.0f, 1.0f};
 
 // What the samples of a pixel are spent on; each has a sequence of its own.
-enum Purpose : std::uint32_t { kWithinPixel = 0x1000, kTowardsSun = 0x2000, kIntoSky = 0x3000, kTowardsLamps = 0x4000 };
+constexpr std::uint32_t kWithinPixel = 0x1000, kTowardsSun = 0x2000, kIntoSky = 0x3000, kTowardsLamps = 0x4000;
 
 SampleSequence SequenceFor(std::uint32_t pixelSeed, std::uint32_t purpose)
 {

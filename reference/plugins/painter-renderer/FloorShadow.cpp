@@ -54,17 +54,20 @@ std::vector<TVec3<float>> SkyDirections(const Studio& studio)
 void BlurLines(std::vector<float>& values, int lines, int lineStep, int count, int step)
 {
     constexpr std::array<float, 5> kWeights{0.0625f, 0.25f, 0.375f, 0.25f, 0.0625f};
+    const auto at = [lineStep, step](int l, int i) {
+        return static_cast<std::size_t>(l) * static_cast<std::size_t>(lineStep)
+               + static_cast<std::size_t>(i) * static_cast<std::size_t>(step);
+    };
     std::vector<float> line(static_cast<std::size_t>(count));
     for (int l = 0; l < lines; ++l) {
         for (int i = 0; i < count; ++i) {
             float sum = 0.0f;
-            for (int tap = -2; tap <= 2; ++tap)
-                sum += kWeights[static_cast<std::size_t>(tap + 2)]
-                    * values[static_cast<std::size_t>(l * lineStep + std::clamp(i + tap, 0, count - 1) * step)];
+            for (int tap = 0; tap < 5; ++tap)
+                sum += kWeights[static_cast<std::size_t>(tap)] * values[at(l, std::clamp(i + tap - 2, 0, count - 1))];
             line[static_cast<std::size_t>(i)] = sum;
         }
         for (int i = 0; i < count; ++i)
-            values[static_cast<std::size_t>(l * lineStep + i * step)] = line[static_cast<std::size_t>(i)];
+            values[at(l, i)] = line[static_cast<std::size_t>(i)];
     }
 }
 

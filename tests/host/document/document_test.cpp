@@ -52,18 +52,18 @@ struct World {
             for (const INode* pNode : nodes) text += ' ' + (sign + pNode->GetName());
             return text;
         };
-        QObject::connect(&scene, &IScene::beforeSceneUpdate, [this] { told += "before"; });
-        QObject::connect(&scene, &IScene::afterSceneUpdate, [this, names](const sSceneModifications& done) {
+        QObject::connect(&scene, &IScene::beforeSceneUpdate, &scene, [this] { told += "before"; });
+        QObject::connect(&scene, &IScene::afterSceneUpdate, &scene, [this, names](const sSceneModifications& done) {
             told += "after" + names("+", done.added) + names("-", done.removed) + names(">", done.moved)
                 + names("*", done.changed) + (done.materialsChanged ? " materials" : "");
         });
-        QObject::connect(&scene, &IScene::nodeChanged, [this](const INode* pNode, eNodeChangedFlags what) {
+        QObject::connect(&scene, &IScene::nodeChanged, &scene, [this](const INode* pNode, eNodeChangedFlags what) {
             told += pNode->GetName() + ' ' + QString::number(what, 16);
         });
-        QObject::connect(&scene, &IScene::sceneChanged,
+        QObject::connect(&scene, &IScene::sceneChanged, &scene,
                          [this](eSceneChangedFlags what) { told += "scene " + QString::number(what, 16); });
-        QObject::connect(&scene, &IScene::selectionChanged, [this] { told += "selection"; });
-        QObject::connect(material, &IMaterial::changed, [this] { told += "red changed"; });
+        QObject::connect(&scene, &IScene::selectionChanged, &scene, [this] { told += "selection"; });
+        QObject::connect(material, &IMaterial::changed, material, [this] { told += "red changed"; });
     }
 
     static Matrix Moved(float x, float y = 0, float z = 0)
@@ -146,9 +146,9 @@ Model SmallModel()
 struct Maker final : IGenerator {
     void Generate(IMeshNodeBuilder& builder) override
     {
-        std::vector<MeshVertex> vertices(3);
+        std::vector<MeshVertex> corners(3);
         std::vector<unsigned int> indices{0, 1, 2};
-        for (const char* material : {"glass", "clay"}) builder.AddMeshNode("x", vertices, indices, material, {});
+        for (const char* material : {"glass", "clay"}) builder.AddMeshNode("x", corners, indices, material, {});
     }
     QVariant GetValue(const QString&) const override { return {}; }
     void SetValue(const QString&, const QVariant&) override {}

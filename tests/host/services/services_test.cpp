@@ -109,7 +109,8 @@ private Q_SLOTS:
         QFile written(name);
         QVERIFY(written.open(QIODevice::ReadOnly));
         QString text = written.readAll();
-        text.remove(QRegularExpression("\\d{4}-\\d\\d-\\d\\dT[0-9:.]{12}Z info a\n    b\n"));
+        static const QRegularExpression line("\\d{4}-\\d\\d-\\d\\dT[0-9:.]{12}Z info a\n    b\n");
+        text.remove(line);
         QCOMPARE(text, QString());
         QVERIFY_EXCEPTION_THROWN(LogFile(m_folder.path()), FileException);
     }
