@@ -5,6 +5,8 @@
 #include "lumenta/skin/Node.h"
 #include "lumenta/skin/SkinKernels.h"
 
+#include <algorithm>
+
 namespace SkinAnimation {
 
 namespace {
@@ -35,14 +37,14 @@ void Geometry::UpdateMesh(const Node* node, const TVec3<float>& scale, const TVe
     Inverse(input.meshInverse, input.mesh);
 
     const std::size_t before = meshVertices.size();
-    meshVertices.resize(vertices.size());
+    meshVertices.resize(std::max(before, vertices.size()));
     try {
         PoseVertices(Kernels::Chosen(), input, vertices.data(), vertices.size(), meshVertices.data());
     } catch (...) {
-        if (before < meshVertices.size())
-            meshVertices.resize(before); // nobody shall take those that are not posed for posed ones
+        meshVertices.resize(before); // nobody shall take those that are not posed for posed ones
         throw;
     }
+    meshVertices.resize(vertices.size());
 }
 
 void Geometry::CollectNormals(std::vector<TVec3<float>>& normals) const

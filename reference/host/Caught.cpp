@@ -24,7 +24,11 @@ QString CaughtText()
 
 void WarnOfReceiver(const char* strSignal) noexcept
 {
-    qWarning("A receiver of '%s' threw: %s", strSignal, qUtf8Printable(CaughtText()));
+    try {
+        qWarning("A receiver of '%s' threw: %s", strSignal, qUtf8Printable(CaughtText()));
+    } catch (...) {
+        // There is no memory for the words either.
+    }
 }
 
 } // namespace Host

@@ -3,10 +3,12 @@
 #include "lumenta/files/WholeFile.h"
 #include "lumenta/foundation/Exceptions.h"
 #include "lumenta/interfaces/IImageManager.h"
+#include "lumenta/interfaces/IMeshNode.h"
 #include "lumenta/interfaces/ISettings.h"
 #include "lumenta/platform/IApplicationContext.h"
 #include "lumenta/platform/IImageSaver.h"
 #include "lumenta/serializers/ImageHelpers.h"
+#include "reference/host/document/Scene.h"
 #include "reference/host/document/SceneMaterial.h"
 #include "reference/host/images/Image.h"
 #include "reference/host/PluginHost.h"
@@ -172,6 +174,40 @@ private Q_SLOTS:
         first.LoadImages(*m_manager, "doc");
         // The manager ends before the material.
         QVERIFY(first.GetImage(eMaterialSlotBump) && (m_manager.reset(), !first.GetImage(eMaterialSlotBump)));
+    }
+
+    /// A removed material's image ends with it; who shows that too hears of it, and acts.
+    void EndsImagesOfRemovedMaterialsLast()
+    {
+        for (const bool isEnded : {false, true}) {
+            auto scene = std::make_unique<Scene>();
+            INode* const node = scene->AddMesh(scene->GetRoot(), "m", std::vector<MeshVertex>(3), {0, 1, 2});
+            IMaterial *const lent = scene->CreateMaterial("lent"), *const other = scene->CreateMaterial("other");
+            scene->AssignMaterial({node}, lent);
+            lent->SetImageFile(eMaterialSlotBump, "photo.png");
+            lent->LoadImages(*m_manager, "");
+            other->SetImage(eMaterialSlotBump, lent->GetImage(eMaterialSlotBump));
+            int heard = 0;
+            connect(other, &IMaterial::changed, [&] {
+                ++heard;
+                if (isEnded) return scene.reset();
+                scene->DuplicateNodes({node});
+                scene->AssignMaterial({node}, other);
+            });
+            scene->RemoveMaterial(lent);
+            QVERIFY(heard == 1 && !scene == isEnded && !m_manager->FindImage("photo.png"));
+            if (isEnded) continue;
+            const std::vector<INode*>& nodes = scene->GetRoot()->GetChildren();
+            QVERIFY(nodes.size() == 2 && qobject_cast<IMeshNode*>(nodes[0])->GetMaterial(0) == other);
+            QCOMPARE(qobject_cast<IMeshNode*>(nodes[1])->GetMaterial(0), scene->GetDefaultMaterial());
+            other->SetImageFile(eMaterialSlotBump, "photo.png");
+            other->LoadImages(*m_manager, "");
+            IMaterial* const last = scene->CreateMaterial("last");
+            last->SetImage(eMaterialSlotBump, other->GetImage(eMaterialSlotBump));
+            connect(last, &IMaterial::changed, [&] { heard = -1; });
+            scene.reset(); // tells nothing
+            QVERIFY(heard == 3 && !m_manager->FindImage("photo.png"));
+        }
     }
 };
 

@@ -111,8 +111,10 @@ void Batch::Bury() noexcept
     if (m_kept.empty()) return;
     try {
         if (!m_pGrave) {
-            m_pGrave = new Grave(&m_scene);
-            m_pGrave->deleteLater();
+            auto grave = std::make_unique<Grave>(&m_scene);
+            grave->deleteLater();
+            m_pGrave = grave.get();
+            static_cast<void>(grave.release());
         }
         auto& removed = static_cast<Grave*>(m_pGrave.data())->removed;
         removed.insert(removed.end(), std::make_move_iterator(m_kept.begin()), std::make_move_iterator(m_kept.end()));
@@ -159,16 +161,17 @@ Change::~Change()
 
 void Change::Changed(const INode& node, eNodeChangedFlags what)
 {
+    ReserveMore(m_changed, 1);
+    const std::size_t nNoted = m_batch.m_changed.nodes.size();
     m_batch.m_changed.Add(&node);
-    const auto [known, isNew] = m_what.emplace(&node, what);
-    if (!isNew) {
-        known->second = known->second | what;
-        return;
-    }
     try {
-        m_changed.push_back(&node);
+        const auto [known, isNew] = m_what.emplace(&node, what);
+        if (isNew)
+            m_changed.push_back(&node);
+        else
+            known->second = known->second | what;
     } catch (...) {
-        m_what.erase(known);
+        m_batch.m_changed.CutTo(nNoted);
         throw;
     }
 }

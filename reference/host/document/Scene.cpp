@@ -40,6 +40,8 @@ Scene::~Scene()
     m_batch.Silence();
     m_settings.pBackgroundImage = nullptr; // which may be one of the scene's own
     for (IMaterial* pMaterial : m_materials)
+        pMaterial->blockSignals(true); // they hear of each other's images
+    for (IMaterial* pMaterial : m_materials)
         delete pMaterial;
 }
 
@@ -292,7 +294,7 @@ void Scene::RemoveMaterial(IMaterial* pMaterial)
     m_batch.MakeRoom(1);
     // All of it before anybody hears of it, and could put the material on again.
     m_materials.erase(std::find(m_materials.begin(), m_materials.end(), pMaterial));
-    static_cast<SceneMaterial*>(pMaterial)->Leave();
+    const auto loans = static_cast<SceneMaterial*>(pMaterial)->Leave(); // end when all is done
     m_batch.Keep(std::unique_ptr<QObject>(pMaterial));
     Dress(dresses);
     notes.Hold();

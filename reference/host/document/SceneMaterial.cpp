@@ -17,6 +17,7 @@
 #include <exception>
 #include <limits>
 #include <optional>
+#include <utility>
 
 namespace Host {
 
@@ -291,11 +292,11 @@ void SceneMaterial::BeginChange(std::optional<Change>& change)
     if (m_pScene) change.emplace(m_pScene->m_batch);
 }
 
-void SceneMaterial::Leave()
+std::array<ImageLoan, eMaterialSlotCount> SceneMaterial::Leave() noexcept
 {
     m_pScene = nullptr;
     m_state.images = {};
-    m_loans = {};
+    return std::exchange(m_loans, {});
 }
 
 void SceneMaterial::BeginUpdate()

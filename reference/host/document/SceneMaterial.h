@@ -175,9 +175,10 @@ private:
     void ReturnLoans();
     void KeepLoan(std::size_t nSlot, ImageLoan loan);
     void OnImageDestroyed(QObject* pObject);
-    /// The scene lets go of it, and it of its images at once: whoever reads the
-    /// document again meanwhile is to have them from their files.
-    void Leave();
+    /// The scene lets go of it, and it of its images: whoever reads the document
+    /// again meanwhile is to have them from their files.
+    /// \return what it has borrowed; slots hear of its end, and may do anything then
+    std::array<ImageLoan, eMaterialSlotCount> Leave() noexcept;
 
     QString m_strName;
     Scene* m_pScene;
