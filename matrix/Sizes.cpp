@@ -64,10 +64,10 @@ void Times(Random& random, Sum& sum)
     for (int i = 0; i < kRounds; ++i) {
         const std::uint64_t finished = std::uint64_t{random.Next()} << random.Below(33);
         const std::uint64_t current = random.Next() >> random.Below(20);
-        const int frames = AnyInt(random);
-        const int frame = 1 + static_cast<int>(random.Below(500));
-        for (const std::uint64_t time :
-             GetRenderingTimes(finished, current, frames, frame, static_cast<int>(random.Below(110))))
+        const int count = AnyInt(random);
+        const int shown = 1 + static_cast<int>(random.Below(500));
+        const auto times = GetRenderingTimes(finished, current, count, shown, static_cast<int>(random.Below(110)));
+        for (const std::uint64_t time : times)
             sum.Add(time);
         sum.Add(millisecondsToQTime(finished).msecsSinceStartOfDay());
     }

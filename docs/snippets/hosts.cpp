@@ -33,7 +33,8 @@ template <typename Contract>
 std::unique_ptr<Contract> CreateFirst(IPlugin& plugin, IApplicationContext& context)
 {
     const QString contract = QString::fromLatin1(Contract::staticMetaObject.className());
-    for (const sServiceInfo& info : plugin.GetServices()) {
+    const QList<sServiceInfo> services = plugin.GetServices();
+    for (const sServiceInfo& info : services) {
         if (info.strContract != contract) continue;
         std::unique_ptr<QObject> made(plugin.CreateService(contract, info.strId, context));
         if (!qobject_cast<Contract*>(made.get())) throw FactoryException(contract);

@@ -35,7 +35,7 @@ QImage PictureMaker::Draw(const IScene& scene, const Progress& progress)
 {
     std::optional<eRenderExitCode> code;
     QStringList lines;
-    const QObject listener; // ends before what it writes to, so these may:
+    const QObject listener; // ends before what it writes to
     QObject::connect(m_renderer.get(), &IRender::done, &listener,
                      [&](eRenderExitCode exitCode) { code = exitCode; }); // clazy:exclude=lambda-in-connect
     QObject::connect(m_renderer.get(), &IRender::log, &listener,

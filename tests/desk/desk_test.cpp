@@ -12,6 +12,7 @@
 #include "reference/desk/MaterialList.h"
 #include "reference/desk/PropertyPanel.h"
 #include "reference/desk/Publishing.h"
+#include "reference/desk/SceneView.h"
 #include "reference/host/images/Image.h"
 #include "reference/host/services/Application.h"
 #include "tests/foundation/Exact.h"
@@ -353,8 +354,8 @@ private Q_SLOTS:
         Desk desk;
         DeskWindow window(desk.application);
         window.show();
-        QWidget& view = *window.centralWidget();
-        QSignalSpy shown(&view, SIGNAL(shown()));
+        auto& view = dynamic_cast<SceneView&>(*window.centralWidget());
+        QSignalSpy shown(&view, &SceneView::shown);
         QVERIFY(shown.wait());
         const QImage empty = view.grab().toImage();
         OnNext<QMessageBox>(Confirm), window.Open("/not/there.obj"), window.Open(":figure");

@@ -111,7 +111,8 @@ void MakersTest::ShapesAreClosed_data()
     const QVariantMap tube{{"bodyRadius", 0.05}, {"neckRadius", 9.0}, {"dent", 0.0}, {"lip", 0.0}, {"segments", 128}};
     QTest::newRow("Tube") << tube << QVector<double>{M_PI * (0.05 * 0.05 * 0.305 - 0.047 * 0.047 * 0.302), 0.0};
     QVariantMap much{{"cap", true}};
-    for (const sGeneratorParameter& parameter : BottleShape().parameters)
+    const auto shape = BottleShape();
+    for (const sGeneratorParameter& parameter : shape.parameters)
         if (parameter.most.isValid()) much[parameter.strName] = parameter.most;
     much["bodyRadius"] = much["bodyHeight"] = much["neckHeight"] = 0.0;
     QTest::newRow("Bottle with much on little, and a label all around") << much << QVector<double>(3);

@@ -146,7 +146,8 @@ private Q_SLOTS:
             QVERIFY(QFile::copy("photo.png", QString(name)) && m_manager->LoadImageFile(QString(name)));
         QVERIFY(m_manager->LoadImageFile("m") && QFile::remove("x"));
         init(); // the next run
-        for (const QString& file : m_manager->GetRecentFiles()) names += QFileInfo(file).fileName();
+        const QStringList files = m_manager->GetRecentFiles();
+        for (const QString& file : files) names += QFileInfo(file).fileName();
         QCOMPARE(names.join(""), QString("mzywvutsrqponlkjihg"));
     }
 

@@ -112,7 +112,8 @@ QCborValue With(const QCborValue& in, QStringList path, const QCborValue& value)
 QStringList Alike(const QCborValue& a, const QCborValue& b, const QString& path = {})
 {
     QStringList alike;
-    for (const QCborValue& key : a.toMap().keys()) alike += Alike(a.toMap()[key], b.toMap()[key], path + '.' + key.toString());
+    const auto keys = a.toMap().keys();
+    for (const QCborValue& key : keys) alike += Alike(a.toMap()[key], b.toMap()[key], path + '.' + key.toString());
     for (int i = 0; i < a.toArray().size(); ++i) alike += Alike(a.toArray().at(i), b.toArray().at(i), path + '.' + QString::number(i));
     return a == b ? alike << path : alike;
 }

@@ -19,8 +19,9 @@ QString Adjusted(int width, int height, float aspect, bool keepAspect = false)
 
 QString Times(unsigned long long finished, unsigned long long current, int frameCount, int currentFrame, int percent)
 {
+    const auto times = GetRenderingTimes(finished, current, frameCount, currentFrame, percent);
     QStringList texts;
-    for (const unsigned long long time : GetRenderingTimes(finished, current, frameCount, currentFrame, percent))
+    for (const unsigned long long time : times)
         texts << QString::number(time);
     return texts.join(' ');
 }

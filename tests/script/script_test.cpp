@@ -18,7 +18,7 @@ constexpr auto Int = parseScriptValueToInt;
 constexpr auto String = parseScriptValueToString;
 constexpr auto Bool = parseScriptValueToBool;
 
-QString label = "opacity";
+QString label = QStringLiteral("opacity");
 
 /// What a script gets that hands `argument` over to a native function: "true", or
 /// what it catches, which the function must be told alike; and what then is in the

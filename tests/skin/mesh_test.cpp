@@ -6,7 +6,7 @@ using namespace SkinAnimation;
 
 namespace {
 
-const std::vector<Vec3> kTriangle = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+const std::vector<Vec3> kTriangle = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}; // clazy:exclude=non-pod-global-static
 
 /// "position / normal" of a vertex that four bones pull at, beside a gap in their list.
 QString Posed(bool skinned, const std::vector<std::uint16_t>& bones, const std::vector<float>& weights)

@@ -16,7 +16,8 @@ const char kWall[] = "mtllib wall.mtl\no wall\nv 0 0 0\nv 2 0 0\nv 0 1 0\nvt 0 0
 /// With a parameter that is somebody else's, and a value that is no opacity.
 const char kOak[] = "<material version='1' name='oak'><parameter name='opacity' value='much'/>"
                     "<parameter name='gloss' value='3'/><parameter name='texture' value='maps/oak.png'/></material>";
-const QString kOakShown = "oak: gloss=3 (unknown), opacity=much (is not a number from 0 to 1), texture=maps/oak.png";
+const QString kOakShown =
+    QStringLiteral("oak: gloss=3 (unknown), opacity=much (is not a number from 0 to 1), texture=maps/oak.png");
 
 } // namespace
 

@@ -51,8 +51,8 @@ void AddTexts(std::initializer_list<const char*> columns, std::initializer_list<
         QTest::addColumn<QString>(column);
     for (const QStringList& row : rows) {
         QTestData& data = QTest::newRow(qPrintable(row.first()));
-        for (const QString& text : row.mid(1))
-            data << text;
+        for (int i = 1; i < row.size(); ++i)
+            data << row[i];
     }
 }
 
@@ -382,11 +382,12 @@ private Q_SLOTS:
         const double most = double(clock.nsecsElapsed()) * 1e-6;
         QCOMPARE(outcome.errors, QString());
         QStringList lines = outcome.output.split('\n', Qt::SkipEmptyParts), stages;
-        QVERIFY(QRegularExpression("^  stage +ms +share$").match(lines.takeFirst()).hasMatch());
+        static const QRegularExpression heading("^  stage +ms +share$"), row(R"(^  (\S.*?) +(\d+\.\d) +(\d+\.\d) %$)");
+        QVERIFY(heading.match(lines.takeFirst()).hasMatch());
         QMap<QString, double> times;
         double sum = 0.0, shares = 0.0;
         for (const QString& line : lines) {
-            const auto match = QRegularExpression(R"(^  (\S.*?) +(\d+\.\d) +(\d+\.\d) %$)").match(line);
+            const auto match = row.match(line);
             QVERIFY2(match.hasMatch(), qPrintable(line));
             stages += match.captured(1);
             times[stages.last()] = match.captured(2).toDouble();
@@ -621,10 +622,11 @@ private Q_SLOTS:
         QCOMPARE(outcome.errors, QString());
         for (const QString heading : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "EXAMPLES", "EXIT STATUS"})
             QVERIFY2(outcome.output.contains(heading + '\n'), qPrintable(heading));
-        for (const QString& option : QString(options + " --help").split(' '))
+        const QStringList all = QString(options + " --help").split(' '), lines = outcome.output.split('\n');
+        for (const QString& option : all)
             QVERIFY2(outcome.output.contains("    " + option) || outcome.output.contains(", " + option),
                      qPrintable(option));
-        for (const QString& line : outcome.output.split('\n'))
+        for (const QString& line : lines)
             QVERIFY2(line.size() <= 80, qPrintable(line));
     }
 
