@@ -151,32 +151,6 @@ private Q_SLOTS:
         QCOMPARE(names.join(""), QString("mzywvutsrqponlkjihg"));
     }
 
-    /// The document has moved, and its texture lies beside it.
-    void TakesImagesBackFromMaterials()
-    {
-        SceneMaterial first("first");
-        auto second = std::make_unique<SceneMaterial>("second");
-        first.SetParameters({{"texture", "C:\\old\\link.png"}, {"specularTexture", "../text.png"}});
-        first.SetImageFile(eMaterialSlotBump, "../photo.png");
-        QVERIFY_EXCEPTION_THROWN(first.LoadImages(*m_manager, "doc"), ImageFormatException);
-        const QPointer<IImage> image = m_manager->FindImage("photo.png");
-        second->CopyFrom(first);
-        first.UnloadImages();
-        QVERIFY(image && second->GetImage(eMaterialSlotDiffuse) == image);
-        first.CopyFrom(*second);
-        second.reset();
-        first.SetImageFile(eMaterialSlotDiffuse, "");
-        QVERIFY(image && first.GetImage(eMaterialSlotBump) == image);
-        first.SetParameters({{"bumpTexture", "link.png"}});
-        QVERIFY(!image);
-        const auto faster = connect(&first, &IMaterial::imageLoad, [&] { first.UnloadImages(); });
-        first.LoadImages(*m_manager, "doc");
-        QVERIFY(disconnect(faster) && !m_manager->FindImage("photo.png"));
-        first.LoadImages(*m_manager, "doc");
-        // The manager ends before the material.
-        QVERIFY(first.GetImage(eMaterialSlotBump) && (m_manager.reset(), !first.GetImage(eMaterialSlotBump)));
-    }
-
     /// A removed material's image ends with it; who shows that too hears of it, and acts.
     void EndsImagesOfRemovedMaterialsLast()
     {
@@ -209,6 +183,32 @@ private Q_SLOTS:
             scene.reset(); // tells nothing
             QVERIFY(heard == 3 && !m_manager->FindImage("photo.png"));
         }
+    }
+
+    /// The document has moved, and its texture lies beside it.
+    void TakesImagesBackFromMaterials()
+    {
+        SceneMaterial first("first");
+        auto second = std::make_unique<SceneMaterial>("second");
+        first.SetParameters({{"texture", "C:\\old\\link.png"}, {"specularTexture", "../text.png"}});
+        first.SetImageFile(eMaterialSlotBump, "../photo.png");
+        QVERIFY_EXCEPTION_THROWN(first.LoadImages(*m_manager, "doc"), ImageFormatException);
+        const QPointer<IImage> image = m_manager->FindImage("photo.png");
+        second->CopyFrom(first);
+        first.UnloadImages();
+        QVERIFY(image && second->GetImage(eMaterialSlotDiffuse) == image);
+        first.CopyFrom(*second);
+        second.reset();
+        first.SetImageFile(eMaterialSlotDiffuse, "");
+        QVERIFY(image && first.GetImage(eMaterialSlotBump) == image);
+        first.SetParameters({{"bumpTexture", "link.png"}});
+        QVERIFY(!image);
+        const auto faster = connect(&first, &IMaterial::imageLoad, [&] { first.UnloadImages(); });
+        first.LoadImages(*m_manager, "doc");
+        QVERIFY(disconnect(faster) && !m_manager->FindImage("photo.png"));
+        first.LoadImages(*m_manager, "doc");
+        // The manager ends before the material.
+        QVERIFY(first.GetImage(eMaterialSlotBump) && (m_manager.reset(), !first.GetImage(eMaterialSlotBump)));
     }
 };
 
