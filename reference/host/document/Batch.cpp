@@ -18,6 +18,7 @@ namespace {
 class Grave final : public QObject {
 public:
     using QObject::QObject;
+    ~Grave() override { setParent(nullptr); } // whoever hears of an end may end the scene
     std::vector<std::unique_ptr<QObject>> removed;
 };
 
