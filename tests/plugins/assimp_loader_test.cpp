@@ -249,7 +249,7 @@ void AssimpLoaderTest::KeepsTheStrongestWeights()
     QVERIFY(geometries.at(0)->skinned && !geometries.at(1)->skinned);
     for (int vertex = 0; vertex < 3; ++vertex) {
         const SkinAnimation::SkinVertex& read = geometries[0]->vertices.at(std::size_t(vertex));
-        Weights found; // clazy:exclude=container-inside-loop
+        Weights found; // clazy:exclude=container-inside-loop (each vertex has its own)
         for (int j = 0; j < 4 && read.weights[j] != 0.0f; ++j)
             found.append({read.boneIndices[j], read.weights[j]});
         QCOMPARE(found, kept[vertex]);

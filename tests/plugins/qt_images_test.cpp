@@ -163,12 +163,14 @@ private Q_SLOTS:
             lent->LoadImages(*m_manager, "");
             other->SetImage(eMaterialSlotBump, lent->GetImage(eMaterialSlotBump));
             int heard = 0;
-            connect(other, &IMaterial::changed, [&] {
+            const auto meddle = [&] {
                 ++heard;
                 if (isEnded) return scene.reset();
                 scene->DuplicateNodes({node});
                 scene->AssignMaterial({node}, other);
-            });
+            };
+            QObject listener; // ends first
+            connect(other, &IMaterial::changed, &listener, meddle);
             scene->RemoveMaterial(lent);
             QVERIFY(heard == 1 && !scene == isEnded && !m_manager->FindImage("photo.png"));
             if (isEnded) continue;
@@ -179,7 +181,8 @@ private Q_SLOTS:
             other->LoadImages(*m_manager, "");
             IMaterial* const last = scene->CreateMaterial("last");
             last->SetImage(eMaterialSlotBump, other->GetImage(eMaterialSlotBump));
-            connect(last, &IMaterial::changed, [&] { heard = -1; });
+            const auto complain = [&] { heard = -1; };
+            connect(last, &IMaterial::changed, &listener, complain);
             scene.reset(); // tells nothing
             QVERIFY(heard == 3 && !m_manager->FindImage("photo.png"));
         }
