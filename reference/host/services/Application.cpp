@@ -73,10 +73,10 @@ const IModelFormats* Application::GetModelFormats() const
 
 const ISerializersRegistry* Application::GetSerializers() const
 {
-    if (!m_serializers)
-        m_serializers = std::make_unique<SerializersRegistry>(
-            Plugins(), *GetModelFormats(), [this](const QString& strFileName) { return ReadModel(strFileName); },
-            GetImageManager());
+    if (m_serializers) return m_serializers.get();
+    IImageManager* const pImages = GetImageManager(); // first, whatever the compiler: each may warn
+    m_serializers = std::make_unique<SerializersRegistry>(
+        Plugins(), *GetModelFormats(), [this](const QString& strFileName) { return ReadModel(strFileName); }, pImages);
     return m_serializers.get();
 }
 
